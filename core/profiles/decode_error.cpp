@@ -10,6 +10,11 @@ std::string JsonPath::text() const
     return before.empty() ? std::string(key) : before + "." + std::string(key);
 }
 
+DecodeError DecodeError::notJson(std::string_view parserText)
+{
+    return {Reason::notJson, {}, "the text is not JSON: " + std::string(parserText)};
+}
+
 DecodeError DecodeError::missingKey(const JsonPath& at, std::string_view key, std::string_view expected)
 {
     const std::string path = JsonPath{&at, key}.text();

@@ -22,12 +22,14 @@ struct JsonPath {
 class DecodeError : public std::exception {
 public:
     enum class Reason {
+        notJson,    ///< the text is not JSON at all
         missingKey, ///< a required key is absent or null
         wrongType,  ///< another JSON type than expected
         wrongCount, ///< a triple of another length
         wrongText   ///< a text outside its set
     };
 
+    static DecodeError notJson(std::string_view parserText);
     static DecodeError missingKey(const JsonPath& at, std::string_view key, std::string_view expected);
     static DecodeError wrongType(const JsonPath& at, std::string_view expected, std::string_view found);
     static DecodeError wrongCount(const JsonPath& at, std::size_t expected, std::size_t found);

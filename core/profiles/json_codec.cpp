@@ -5,6 +5,18 @@
 
 namespace tamlo {
 
+Json parseJsonText(std::string_view text)
+{
+    try {
+        return Json::parse(text);
+    } catch (const Json::exception& error) {
+        // The library puts its own name and number of the error in brackets before the text.
+        const std::string_view what = error.what();
+        const auto bracket = what.find("] ");
+        throw DecodeError::notJson(bracket == std::string_view::npos ? what : what.substr(bracket + 2));
+    }
+}
+
 std::string_view jsonTypeName(const Json& value)
 {
     switch (value.type()) {

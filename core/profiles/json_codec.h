@@ -13,6 +13,8 @@ namespace tamlo {
 
 using Json = nlohmann::json;
 
+/// Errors: DecodeError notJson.
+Json parseJsonText(std::string_view text);
 /// "a number", "null", "a text": what a JSON value is, for a message.
 std::string_view jsonTypeName(const Json& value);
 /// An integer of the range of 64 bits, which a JSON number may also be written with a zero fraction.

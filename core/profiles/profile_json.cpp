@@ -1,19 +1,8 @@
 #include "core/profiles/profile_json.h"
 
-#include "core/profiles/json_text.h"
-#include "core/profiles/profile_error.h"
 #include "core/profiles/profile_tables.h"
 
 namespace tamlo {
-
-Json parseJsonText(std::string_view text)
-{
-    try {
-        return Json::parse(text);
-    } catch (const Json::exception& error) {
-        throw ProfileError::invalid(std::string("not JSON: ") + error.what());
-    }
-}
 
 namespace ProfileJSON {
 

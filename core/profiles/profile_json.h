@@ -16,7 +16,7 @@ struct FieldDoc;
 namespace ProfileJSON {
 
 /// The profile of a JSON text.
-/// Errors: ProfileError invalid when the text is not JSON, DecodeError when it is not such a profile.
+/// Errors: DecodeError, when the text is not JSON or not such a profile.
 template <typename Profile>
 Profile decode(std::string_view text);
 
@@ -29,7 +29,7 @@ template <typename Profile>
 std::vector<FieldDoc> fields();
 
 /// Paths of the keys of a JSON text that the format does not know and so ignores, such as comments.
-/// Errors: ProfileError invalid when the text is not JSON.
+/// Errors: DecodeError, when the text is not JSON.
 template <typename Profile>
 std::vector<std::string> unknownKeys(std::string_view text);
 
