@@ -5,7 +5,7 @@
 #include "cli/output_metadata.h"
 #include "cli/progress.h"
 #include "core/film/source_light.h"
-#include "core/image/frame_seed.h"
+#include "core/image/random.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"

@@ -20,10 +20,4 @@ struct DevelopChoices {
 /// TamloError io: an option file that can't be read or does not hold options.
 DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileStore& store);
 
-/// The store's kind by what a user types: "film" or "films". Errors: UsageError naming what there is.
-ProfileStore::Kind kindNamed(const std::string& text);
-
-/// Errors: UsageError naming the nearest profile when there is none of this name.
-void requireProfile(const ProfileStore& store, ProfileStore::Kind kind, const std::string& id);
-
 } // namespace tamlo::cli

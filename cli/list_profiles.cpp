@@ -1,6 +1,6 @@
 #include "cli/list_profiles.h"
 
-#include "cli/develop_choices.h"
+#include "cli/catalogue.h"
 
 #include <nlohmann/json.hpp>
 
