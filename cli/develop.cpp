@@ -66,7 +66,7 @@ public:
         image = withinLongSide(backend_.process(withinLongSide(std::move(image)), render));
         stopIfAsked();
         progress_.phase("writing", kRenderTo);
-        ImageWriter::save(image, job.output, arguments_.quality, outputMetadata(job.input, render));
+        ImageWriter::save(image, job.output.string(), arguments_.quality, outputMetadata(job.input, render));
         progress_.phase("done", 1);
     }
 
