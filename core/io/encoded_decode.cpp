@@ -1,0 +1,66 @@
+#include "core/io/encoded_decode.h"
+
+#include "core/image/bands.h"
+#include "core/image/tamlo_error.h"
+#include "core/image/zcolor.h"
+#include "core/io/decode_rules.h"
+#include "platform/encoded_image.h"
+#include "platform/platform_error.h"
+
+#include <array>
+
+namespace tamlo::ImageLoader {
+namespace {
+
+using LinearTable = std::array<float, 256>;
+
+LinearTable linearTable()
+{
+    LinearTable table;
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = ZColor::srgbToLinear(static_cast<float>(i) / 255.0f);
+    return table;
+}
+
+void bytes_to_linear(const std::uint8_t* rgba, const LinearTable& table, float* to, std::int64_t pixels)
+{
+    for (std::int64_t i = 0; i < pixels; ++i, rgba += 4, to += 3)
+        for (int c = 0; c < 3; ++c) to[c] = table[rgba[c]];
+}
+
+} // namespace
+
+void EncodedDecode::linearize(std::span<float> into) const
+{
+    if (width < 1 || height < 1 || into.size() < static_cast<std::size_t>(width * height * 3))
+        throw TamloError::io("empty image");
+    const LinearTable table = linearTable();
+    const std::uint8_t* from = rgba.bytes(static_cast<std::size_t>(width * height * 4)).data();
+    parallelBands(height, width, [&](std::int64_t start, std::int64_t end) {
+        bytes_to_linear(from + start * width * 4, table, into.data() + start * width * 3,
+                        (end - start) * width);
+    });
+}
+
+EncodedDecode decodeEncoded(const std::filesystem::path& path)
+{
+    EncodedDecode decode;
+    try {
+        const platform::EncodedImage image =
+            platform::drawEncodedImage(path.string(), [&](std::int64_t width, std::int64_t height) {
+                decode.rgba = PageBuffer(static_cast<std::size_t>(width * height * 4));
+                return decode.rgba.bytes(decode.rgba.byteCount()).data();
+            });
+        const ExifTurn turn = exifOrient(image.exifOrientation);
+        decode.width = image.width;
+        decode.height = image.height;
+        decode.rotate = turn.turns * 90;
+        decode.mirror = turn.mirror;
+    } catch (const platform::PlatformError& error) {
+        throw TamloError::io("cannot decode " + std::filesystem::absolute(path).string() + ": " +
+                             error.what());
+    }
+    return decode;
+}
+
+} // namespace tamlo::ImageLoader

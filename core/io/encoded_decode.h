@@ -1,0 +1,37 @@
+// Encoded pictures (JPEG, PNG, TIFF, HEIF) on their way to scene light: the file is drawn into an 8-bit sRGB
+// bitmap, its ICC profile honoured, and the bitmap is linearised by a table. Deep files (16 bit, float) take
+// the same road. The codec is chosen by the file's content, not by its name. Transparent pixels are drawn
+// over black.
+#pragma once
+
+#include "core/image/page_buffer.h"
+#include "core/image/rgb_image.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+
+namespace tamlo::ImageLoader {
+
+/// A decoded picture as it is stored in the file, not yet turned.
+struct EncodedDecode {
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+    /// Degrees clockwise that bring it upright, 0, 90, 180 or 270; `mirror` comes first.
+    int rotate = 0;
+    bool mirror = false;
+    /// R, G, B and an unused byte a pixel, rows top-down without padding.
+    PageBuffer rgba;
+
+    /// Linear light on sRGB primaries, 0...1.
+    /// Shape: fills width × height × 3 floats. Errors: io "empty image" for no pixels or a shorter `into`.
+    void linearize(std::span<float> into) const;
+};
+
+/// Errors: io "cannot decode PATH: reason"; "cannot map N bytes".
+EncodedDecode decodeEncoded(const std::filesystem::path& path);
+
+/// The picture in linear light, upright. Errors: as decodeEncoded.
+RGBImage loadEncodedAsLinear(const std::filesystem::path& path);
+
+} // namespace tamlo::ImageLoader

@@ -1,0 +1,29 @@
+// Pictures in the common encoded formats, drawn into an 8-bit sRGB bitmap: JPEG, PNG, TIFF, HEIF. The codec
+// is chosen by the first bytes of the file. Whatever profile or colour description the file carries is
+// honoured on the way; a file without one is taken as sRGB (floating-point samples as linear sRGB, CMYK by
+// the plain formula). Transparent pixels are drawn over black. A file that is cut short or damaged fails as
+// a whole; half a picture is never handed out.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace tamlo::platform {
+
+/// What a file says of its picture beside the pixels.
+struct EncodedImage {
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+    /// EXIF orientation 1...8 that the pixels still need; 1 where the codec has turned them already.
+    int exifOrientation = 1;
+};
+
+/// Gives zeroed memory for width × height × 4 bytes; called once, when the size is known.
+using BitmapMemory = std::function<std::uint8_t*(std::int64_t width, std::int64_t height)>;
+
+/// Draws the first picture of a file as R, G, B and an unused byte, rows top-down without padding.
+/// Errors: PlatformError with the reason; what `memory` throws passes through.
+EncodedImage drawEncodedImage(const std::string& path, const BitmapMemory& memory);
+
+} // namespace tamlo::platform

@@ -1,0 +1,35 @@
+#include "platform/input_file.h"
+
+#include "platform/platform_error.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace tamlo::platform {
+
+InputFile::InputFile(const std::string& path)
+{
+    // Without O_NONBLOCK a pipe without a writer would hold the program before its kind is known.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) throw PlatformError(std::strerror(errno));
+    struct stat status {};
+    const bool known = fstat(descriptor, &status) == 0;
+    if (known && S_ISREG(status.st_mode)) file_.reset(fdopen(descriptor, "rb"));
+    if (file_) return;
+    close(descriptor);
+    throw PlatformError(known && S_ISDIR(status.st_mode) ? "it is a directory"
+                                                         : "it is not an ordinary file");
+}
+
+std::size_t InputFile::readHead(std::span<char> bytes) const
+{
+    const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file_.get());
+    if (std::ferror(file_.get())) throw PlatformError(std::strerror(errno));
+    return count;
+}
+
+} // namespace tamlo::platform

@@ -1,0 +1,27 @@
+// A file opened for reading, closed with its owner.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace tamlo::platform {
+
+class InputFile {
+public:
+    /// Errors: PlatformError when it is missing, unreadable, a directory or no ordinary file.
+    explicit InputFile(const std::string& path);
+
+    std::FILE* handle() const noexcept { return file_.get(); }
+    /// Fills `bytes` from where the file stands; returns how many there were.
+    std::size_t readHead(std::span<char> bytes) const;
+
+private:
+    struct Closer {
+        void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    };
+    std::unique_ptr<std::FILE, Closer> file_;
+};
+
+} // namespace tamlo::platform

@@ -1,0 +1,11 @@
+// JPEG files, drawn into an 8-bit sRGB bitmap.
+#pragma once
+
+#include "platform/encoded_image.h"
+
+namespace tamlo::platform {
+
+/// drawEncodedImage for a file that is a JPEG.
+EncodedImage drawJPEG(const std::string& path, const BitmapMemory& memory);
+
+} // namespace tamlo::platform
