@@ -32,8 +32,7 @@ FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Siz
         const double um = Pipeline::instantLongUm(film, options.peelSize);
         return {um, um};
     }
-    const auto window = Pipeline::formatWindow(film, options, source.width, source.height, picture.width,
-                                               picture.height);
+    const auto window = Pipeline::formatWindow(film, options, {source, picture});
     return {window.fmtUm, window.capUm};
 }
 
