@@ -35,7 +35,8 @@ Json otherValue(const OptionRow& row)
     if (row.type == OptionType::integer && !row.allowed.empty()) return 90;
     if (row.type == OptionType::integer) return 77;
     if (row.type == OptionType::number) return row.low + 0.375 * (row.high - row.low);
-    return row.allowed.empty() ? "some_text" : std::string(row.allowed.back());
+    if (row.allowed.empty()) return "some_text";
+    return std::string(now == row.allowed.back() ? row.allowed.front() : row.allowed.back());
 }
 
 TEST(OptionsJson, EveryKeyRoundTripsUnderItsNameAndItsOlderName)
