@@ -29,7 +29,8 @@ ReadyImage RenderBackend::processReady(RGBImage image, const RenderChoices& choi
 
 RGBImage CPUBackend::render(RGBImage image, const RenderChoices& choices) const
 {
-    return Pipeline::process(std::move(image), choices.film, choices.lens, choices.paper, choices.options, hooks);
+    return Pipeline::process(std::move(image), choices.film, choices.lens, choices.paper, choices.options,
+                             hooks);
 }
 
 std::string_view rawText(BackendKind kind)

@@ -88,7 +88,8 @@ bool isSilver(const FilmProfile& film)
 
 /// Read from the top: the first row that holds gives the stage.
 constexpr Row kTable[] = {
-    {[](const FilmProfile& f, const PaperProfile& p) { return f.isSlide() && p.isReversal(); }, renderSlidePrint},
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.isSlide() && p.isReversal(); },
+     renderSlidePrint},
     {[](const FilmProfile& f, const PaperProfile&) { return f.isSlide(); }, renderSlide},
     {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor},
     {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate},

@@ -65,8 +65,8 @@ Vec3f Pipeline::borderRGB(const Vec3f& base, const DevelopedFilm& developed, con
     return {static_cast<float>(black[0]), static_cast<float>(black[1]), static_cast<float>(black[2])};
 }
 
-RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile&, const PaperProfile& paper,
-                           RenderOptions options, const RenderHooks& hooks)
+RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile&,
+                           const PaperProfile& paper, RenderOptions options, const RenderHooks& hooks)
 {
     if (image.pixelCount() == 0) throw TamloError::invalidArgument("a picture of no pixels");
     const bool isInstant = film.isInstant();
@@ -100,8 +100,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     std::int64_t longSide = image.longSide();
     const double pxUm = length.fmtUm / static_cast<double>(longSide);
     options.formatLongUm = length.fmtUm;
-    developed.unevenField =
-        unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
+    developed.unevenField = unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
     resolvePrintScale(options, paper, {baseLong, longSide, length.fmtUm}, isInstant);
 
     // The emulsion and the print.

@@ -93,7 +93,8 @@ double Pipeline::resolveBorder(RenderOptions& options, const PaperProfile& paper
     options.borderPx = b * longSide;
     if (insetFrac) {
         options.picInsetPx.emplace();
-        for (const double inset : *insetFrac) options.picInsetPx->push_back(options.borderPx + inset * baseLong);
+        for (const double inset : *insetFrac)
+            options.picInsetPx->push_back(options.borderPx + inset * baseLong);
     }
     return b;
 }

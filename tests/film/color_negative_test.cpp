@@ -131,7 +131,8 @@ TEST(ColorNegative, VectorPassesAgreeWithTheScalarChain)
                 const Vec3f slow = printedSlowly(image.pixel(i % width, i / width), negative,
                                                  field.data[static_cast<std::size_t>(i)], paper);
                 for (std::size_t c = 0; c < 3; ++c)
-                    ASSERT_NEAR(fast.pixel(i % width, i / width)[c], slow[c], 3e-5f) << "pixel " << i << " of " << width;
+                    ASSERT_NEAR(fast.pixel(i % width, i / width)[c], slow[c], 3e-5f)
+                        << "pixel " << i << " of " << width;
             }
         }
 }
@@ -242,13 +243,16 @@ TEST(ColorNegative, PrintIsMonotoneAndInsideTheScreen)
     RGBImage wedge(400, 1);
     float* p = wedge.mutableData();
     for (int i = 0; i < 400; ++i)
-        for (int c = 0; c < 3; ++c) p[i * 3 + c] = 0.18f * std::exp2((static_cast<float>(i) - 200.0f) / 20.0f);
+        for (int c = 0; c < 3; ++c)
+            p[i * 3 + c] = 0.18f * std::exp2((static_cast<float>(i) - 200.0f) / 20.0f);
     const RGBImage out = print(wedge, developed(portraLike()), ra4Like());
     for (int i = 0; i < 400; ++i)
         for (std::size_t c = 0; c < 3; ++c) {
             const float v = out.pixel(i, 0)[c];
             EXPECT_TRUE(v >= 0.0f && v <= 1.0f);
-            if (i > 0) EXPECT_GE(v, out.pixel(i - 1, 0)[c] - 1e-6f);
+            if (i > 0) {
+                EXPECT_GE(v, out.pixel(i - 1, 0)[c] - 1e-6f);
+            }
         }
 }
 

@@ -91,8 +91,7 @@ TEST(Print, ExposureFlareAndGradeActTheRightWay)
     EXPECT_GT(Print::positive(curve, 0.5f, 0.0f), 0.18f);
     // Flare adds light on the paper: log10(10^u + f), so a dense negative no longer prints pure white.
     const double flare = 0.05;
-    const float expected =
-        Print::positive(curve, -std::log10(std::pow(10.0f, -1.5f) + 0.05f), 0.0f);
+    const float expected = Print::positive(curve, -std::log10(std::pow(10.0f, -1.5f) + 0.05f), 0.0f);
     EXPECT_NEAR(Print::positive(curve, 1.5f, 0.0f, flare), expected, 1e-5f);
 
     PaperProfile graded;

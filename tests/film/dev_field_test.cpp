@@ -67,7 +67,10 @@ TEST(DevField, RunsOnlyWhereATankIs)
     RenderOptions options;
     options.devUneven = 1.0;
     FilmProfile film;
-    for (const auto& [type, runs] : {std::pair{"color", true}, {"bw", true}, {"slide", true}, {"instant", false},
+    for (const auto& [type, runs] : {std::pair{"color", true},
+                                     {"bw", true},
+                                     {"slide", true},
+                                     {"instant", false},
                                      {"collodion", false}}) {
         film.type = type;
         EXPECT_EQ(Pipeline::unevenField({64, 48}, 500.0, "135", film, options).has_value(), runs) << type;
@@ -78,16 +81,19 @@ TEST(DevField, RunsOnlyWhereATankIs)
     options.devUneven = 1.0;
     const Plane first = *Pipeline::unevenField({64, 48}, 500.0, "135", film, options);
     options.seedVariants = SeedVariants{{"frame", 3}};
-    EXPECT_TRUE(test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
+    EXPECT_TRUE(
+        test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
     options.seedVariants = SeedVariants{{"develop", 1}};
-    EXPECT_FALSE(test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
+    EXPECT_FALSE(
+        test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
 }
 
 TEST(DevField, LeavesTheBaseAloneAndTurnsRoundOnASlide)
 {
     const Plane field(2, 1, 0.8f);
     const RGBImage density(2, 1, {0.2f, 1.2f, 1.2f});
-    const RGBImage negative = DevField::apply(density, {0.2f, 0.2f, 0.2f}, field, DevField::layerWColor, 1.0f);
+    const RGBImage negative =
+        DevField::apply(density, {0.2f, 0.2f, 0.2f}, field, DevField::layerWColor, 1.0f);
     EXPECT_EQ(negative.pixel(0, 0)[0], 0.2f);
     EXPECT_NEAR(negative.pixel(0, 0)[1], 0.2f + 1.8f, 1e-6f);
     EXPECT_NEAR(negative.pixel(0, 0)[2], 0.2f + 1.92f, 1e-6f);

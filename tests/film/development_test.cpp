@@ -54,15 +54,15 @@ TEST(Development, PushByFilmType)
         const char* type;
         double push, gamma, span, fog, exposureShift, midFactor;
     };
-    for (const Case& c : {Case{"bw", 2, 0.756, 2.352, 0.07, 0, 1.26},
-                          Case{"color", 2, 0.756, 2.352, 0.07, 0, 1.26},
-                          Case{"bw", -6, 0.18, 1.344, 0.0, 0, 0.3},
-                          Case{"slide", 1, 0.678, 1.995, 0.01, 1, 1.0},
-                          Case{"instant", 2, 0.6, 2.1, 0.0, 0, 1.0}}) {
+    for (const Case& c :
+         {Case{"bw", 2, 0.756, 2.352, 0.07, 0, 1.26}, Case{"color", 2, 0.756, 2.352, 0.07, 0, 1.26},
+          Case{"bw", -6, 0.18, 1.344, 0.0, 0, 0.3}, Case{"slide", 1, 0.678, 1.995, 0.01, 1, 1.0},
+          Case{"instant", 2, 0.6, 2.1, 0.0, 0, 1.0}}) {
         FilmProfile film = filmOf(c.type);
         (film.negative ? *film.negative : film.layers->g).midDensity = 0.5;
         const DevelopedFilm developed = applyDevelopment(film, knobs(c.push));
-        const NegativeLayer& l = developed.film.negative ? *developed.film.negative : developed.film.layers->g;
+        const NegativeLayer& l =
+            developed.film.negative ? *developed.film.negative : developed.film.layers->g;
         EXPECT_NEAR(l.gamma, c.gamma, 1e-12) << c.type;
         EXPECT_NEAR(l.dmax - l.dmin, c.span, 1e-12) << c.type;
         EXPECT_NEAR(l.dmin, 0.2 + c.fog, 1e-12) << c.type;

@@ -16,12 +16,11 @@ TEST(SourceExposure, GainByModeAndStatistics)
         Mode mode;
         double gain;
     };
-    for (const Case& c :
-         {Case{0, 0.0375, 0, Mode::auto_, 4.0}, Case{0, 0.0005, 0, Mode::auto_, 64.0},
-          Case{0, 5.0, 0, Mode::auto_, 0.25}, Case{0, 0.3, 0.5, Mode::highlights, 0.5},
-          Case{0, 0.03, 0.5, Mode::highlights, 1.8}, Case{0.1, 0.3, 0, Mode::shadows, 0.5},
-          Case{0.01, 0.3, 0, Mode::shadows, 4.5}, Case{0, 0, 0, Mode::auto_, 1.0},
-          Case{0, 0, 0, Mode::shadows, 1.0}, Case{0, 0, 0, Mode::asShot, 1.44}})
+    for (const Case& c : {Case{0, 0.0375, 0, Mode::auto_, 4.0}, Case{0, 0.0005, 0, Mode::auto_, 64.0},
+                          Case{0, 5.0, 0, Mode::auto_, 0.25}, Case{0, 0.3, 0.5, Mode::highlights, 0.5},
+                          Case{0, 0.03, 0.5, Mode::highlights, 1.8}, Case{0.1, 0.3, 0, Mode::shadows, 0.5},
+                          Case{0.01, 0.3, 0, Mode::shadows, 4.5}, Case{0, 0, 0, Mode::auto_, 1.0},
+                          Case{0, 0, 0, Mode::shadows, 1.0}, Case{0, 0, 0, Mode::asShot, 1.44}})
         EXPECT_NEAR(SourceExposure::gain(Stats{c.p10, c.p50, c.p995, 1, 1}, c.mode), c.gain, 1e-12);
     EXPECT_EQ(SourceExposure::gain(RGBImage(4, 4), Mode::asShot), 1.44);
     EXPECT_EQ(SourceExposure::fromKey("highlights"), Mode::highlights);
@@ -77,7 +76,9 @@ TEST(SourceLight, TintKeepsLuminanceAndKnobsAtRestKeepTheBits)
                 const auto gains = Filters::gains(film, options);
                 ASSERT_TRUE(gains);
                 EXPECT_NEAR(ZColor::lumaOf((*gains)[0], (*gains)[1], (*gains)[2]), 1.0f, 1e-6f);
-                if (tint == 0.0) EXPECT_EQ((*gains)[0] > (*gains)[2], temp > 0.0);
+                if (tint == 0.0) {
+                    EXPECT_EQ((*gains)[0] > (*gains)[2], temp > 0.0);
+                }
             }
     options.wbTemp = 50.0;
     options.wbTint = 0.0;
@@ -120,8 +121,8 @@ TEST(EmulsionInput, SensitisationKeepsGreyAndPassesOverWhatIsNoMatrix)
     const RGBImage grey = Film::applyEmulsion(RGBImage(3, 3, {0.18f, 0.18f, 0.18f}), film, false, "film");
     for (const float v : grey.data) EXPECT_NEAR(v, 0.18f, 1e-7f);
 
-    for (const ProfileMatrix& none : {ProfileMatrix{{2, 0, 0}, {0, 3, 0}, {0, 0, 1}}, ProfileMatrix{{1, 0, 0}},
-                                      ProfileMatrix{{1, 0}, {0, 1}, {0, 0}}}) {
+    for (const ProfileMatrix& none : {ProfileMatrix{{2, 0, 0}, {0, 3, 0}, {0, 0, 1}},
+                                      ProfileMatrix{{1, 0, 0}}, ProfileMatrix{{1, 0}, {0, 1}, {0, 0}}}) {
         film.sensitization = none;
         EXPECT_FALSE(Film::sensitizationMatrix(film, false));
     }
@@ -139,7 +140,8 @@ TEST(EmulsionInput, InfraredLayersSeeInfraredRedAndGreen)
     EXPECT_NEAR(leaf.pixel(0, 0)[0], 0.055f + 0.18f + 1.6f * 0.3f, 1e-6f);
     EXPECT_EQ(leaf.pixel(0, 0)[1], 0.1f);
     EXPECT_EQ(leaf.pixel(0, 0)[2], 0.4f);
-    EXPECT_NEAR(Film::falseColorIR(RGBImage(1, 1, {0.3f, 0.3f, 0.3f}), IRProxy{}).pixel(0, 0)[0], 0.3f, 1e-6f);
+    EXPECT_NEAR(Film::falseColorIR(RGBImage(1, 1, {0.3f, 0.3f, 0.3f}), IRProxy{}).pixel(0, 0)[0], 0.3f,
+                1e-6f);
 }
 
 TEST(SourceLight, MeansDoNotDependOnWorkers)

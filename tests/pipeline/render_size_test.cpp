@@ -81,8 +81,9 @@ TEST(RenderSize, BorderClearsWhatThePaperCannotHave)
     plate.kind = "plate";
 
     RenderOptions onSilver = options;
-    EXPECT_NEAR(Pipeline::resolveBorder(onSilver, silver, {900, 1000, 0.0}, std::array<double, 4>{0, 0.1, 0, 0.1}),
-                0.09, 1e-12);
+    EXPECT_NEAR(
+        Pipeline::resolveBorder(onSilver, silver, {900, 1000, 0.0}, std::array<double, 4>{0, 0.1, 0, 0.1}),
+        0.09, 1e-12);
     EXPECT_NEAR(onSilver.borderPx, 90.0, 1e-9);
     EXPECT_NEAR((*onSilver.picInsetPx)[1], 180.0, 1e-9);
     EXPECT_TRUE(onSilver.table && onSilver.mat && onSilver.frameWhitePx);
