@@ -3,6 +3,7 @@
 
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
+#include "core/image/orient.h"
 #include "core/image/resample.h"
 
 namespace tamlo {
@@ -35,6 +36,15 @@ void lanczosToHalf(benchmark::State& state)
     });
 }
 
+void quarterTurn(benchmark::State& state)
+{
+    const RGBImage image = testImage(state.range(0), state.range(1));
+    bench::inE(state, image.pixelCount() * 3, [&] {
+        const RGBImage turned = Pipeline::orientImage(image, 90, false);
+        benchmark::DoNotOptimize(turned.data.data());
+    });
+}
+
 BENCHMARK(blurInPlace)
     ->ArgNames({"w", "h", "sigma"})
     ->Args({6000, 4000, 3})
@@ -45,6 +55,12 @@ BENCHMARK(blurInPlace)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(lanczosToHalf)
+    ->ArgNames({"w", "h"})
+    ->Args({6000, 4000})
+    ->Args({1800, 1200})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(quarterTurn)
     ->ArgNames({"w", "h"})
     ->Args({6000, 4000})
     ->Args({1800, 1200})

@@ -27,7 +27,9 @@ public:
 
     int seek(INT64 offset, int whence) override
     {
+        readBytes_.fetch_add(tell() - runStart_, std::memory_order_relaxed);
         const int result = LibRaw_bigfile_datastream::seek(offset, whence);
+        runStart_ = tell();
         if (tell() > size()) missedSeeks_.fetch_add(1, std::memory_order_relaxed);
         return result;
     }
@@ -45,7 +47,15 @@ public:
         return c;
     }
 
-    void startWatching() { missedSeeks_ = missedBytes_ = missedChars_ = 0; }
+    void startWatching()
+    {
+        missedSeeks_ = missedBytes_ = missedChars_ = 0;
+        readBytes_ = 0;
+        runStart_ = tell();
+    }
+
+    /// Bytes read since then.
+    INT64 readBytes() { return readBytes_ + tell() - runStart_; }
 
     /// A decoder may look ahead by a word, or fill its last block beyond the end.
     bool missedMuch() const
@@ -57,6 +67,7 @@ public:
 private:
     // Some decoders read from several threads.
     std::atomic<std::size_t> missedSeeks_{0}, missedBytes_{0}, missedChars_{0};
+    std::atomic<INT64> readBytes_{0}, runStart_{0}; // of finished runs between seeks; where this one began
 };
 
 /// The engine and the file it reads, which it does not own.
@@ -167,20 +178,6 @@ std::array<double, 4> gainsOf(const float (&multipliers)[4])
     return gains;
 }
 
-/// Where the engine finds no picture behind the head of a file, it hands out zeros. No sensor gives them.
-bool holdsNothing(const libraw_data_t& data)
-{
-    const libraw_rawdata_t& raw = data.rawdata;
-    const std::size_t rowBytes = data.sizes.raw_pitch;
-    const void* samples = raw.raw_image;
-    if (!samples) samples = raw.color4_image;
-    if (!samples) samples = raw.color3_image;
-    if (!samples || rowBytes == 0) return false; // floating-point samples
-    const auto* bytes = static_cast<const unsigned char*>(samples);
-    const std::size_t count = rowBytes * data.sizes.raw_height;
-    return std::all_of(bytes, bytes + count, [](unsigned char b) { return b == 0; });
-}
-
 } // namespace
 
 RawHead readRawHead(const std::string& path)
@@ -232,7 +229,10 @@ RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, 
     need(raw.unpack());
     if (engine_->file.missedMuch()) throw PlatformError("the file is cut short");
     if (engine_->damaged || raw.error_count() != 0) throw PlatformError("its picture data are damaged");
-    if (holdsNothing(raw.imgdata)) throw PlatformError("it holds no picture");
+    // Behind a head without picture the engine hands out whatever its memory held.
+    constexpr INT64 kMostPixelsPerByte = 1024; // no coder packs a sensor's frame tighter
+    const INT64 pixels = INT64{raw.imgdata.sizes.raw_width} * raw.imgdata.sizes.raw_height;
+    if (engine_->file.readBytes() < pixels / kMostPixelsPerByte) throw PlatformError("the file is cut short");
     need(raw.dcraw_process());
     if (!raw.imgdata.image || width() < 1 || height() < 1) throw PlatformError("it holds no picture");
 }

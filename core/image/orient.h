@@ -1,13 +1,16 @@
-// Quarter turns and mirroring of a picture: how a file says it is to be held, and how a user turns it.
+// Orientation of a frame: the mirror of the source's columns first, then quarter turns clockwise. The order
+// is that of the EXIF orientation and of the user's own turn alike.
 #pragma once
 
 #include "core/image/rgb_image.h"
 
 namespace tamlo::Pipeline {
 
-/// Mirrors the columns first, if asked to, then turns by round(rotateDegrees / 90) quarter turns clockwise.
-/// Shape: width and height are exchanged by an odd number of turns. No turn and no mirror gives the image
-/// back as it is.
-RGBImage orientImage(RGBImage image, double rotateDegrees, bool mirror);
+/// Quarter turns clockwise, 0 to 3, of an orientation in degrees.
+int orientQuarter(int rotateDegrees);
+
+/// Mirrors the columns when `mirror` is set, then turns by orientQuarter. An image that stays as it is comes
+/// back untouched; a mirror and a half turn work in place on a unique image.
+RGBImage orientImage(RGBImage image, int rotateDegrees, bool mirror);
 
 } // namespace tamlo::Pipeline

@@ -1,6 +1,7 @@
 #include "core/image/rgb_image.h"
 
 #include "core/image/bands.h"
+#include "core/image/orient.h"
 #include "core/image/tamlo_error.h"
 #include "platform/worker_pool.h"
 
@@ -108,18 +109,7 @@ void RGBImage::write(const std::string& path) const
 
 RGBImage rotated90(const RGBImage& image, bool clockwise)
 {
-    const std::int64_t w = image.width, h = image.height;
-    RGBImage out(h, w);
-    float* to = out.mutableData();
-    const float* from = image.data.data();
-    parallelBands(w, h * 3, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t r = start; r < end; ++r)
-            for (std::int64_t c = 0; c < h; ++c) {
-                const std::int64_t source = clockwise ? (h - 1 - c) * w + r : c * w + (w - 1 - r);
-                std::copy_n(from + source * 3, 3, to + (r * h + c) * 3);
-            }
-    });
-    return out;
+    return Pipeline::orientImage(image, clockwise ? 90 : 270, false);
 }
 
 } // namespace tamlo

@@ -90,8 +90,8 @@ struct PaperProfile {
     OptTriple tone, baseTint;
     OptNumber dyePurity;
     OptTriple spectralWeights;
-    OptText base; ///< named base stock of an alternative process
-    OptTriple baseRgb;
+    OptText base;    ///< named base stock of an alternative process
+    OptList baseRgb; ///< base colour given directly; read only with three values
     std::optional<PaperPigment> pigment;
     OptNumber inkFloor, plug;
     OptNumber thicknessMm; ///< 0.25 when absent

@@ -41,8 +41,8 @@ struct RenderOptions {
     std::optional<FilmFormat> format = FilmFormat::f135; ///< absent means the film's format_default
     double format120Cm = 6;                              ///< legacy form of the frame size
     OptText frameSize;
-    double formatLongUm = 0;   ///< not stored: long side of the film; 0 means worked out
-    OptText cropGate = "full"; ///< what a crop takes from the film: "full" or "none"
+    double formatLongUm = 0;       ///< not stored: long side of the film; 0 means worked out
+    std::string cropGate = "full"; ///< what a crop takes from the film: "full" or "none"
     bool masterCap = true;
     double push = 0; ///< stops
     Development dev = Development::standard;

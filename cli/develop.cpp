@@ -1,0 +1,138 @@
+#include "cli/develop.h"
+
+#include "cli/develop_choices.h"
+#include "cli/develop_jobs.h"
+#include "cli/output_metadata.h"
+#include "cli/progress.h"
+#include "core/film/source_light.h"
+#include "core/image/random.h"
+#include "core/image/tamlo_error.h"
+#include "core/io/image_loader.h"
+#include "core/io/image_writer.h"
+#include "platform/console.h"
+
+#include <iostream>
+#include <new>
+
+namespace tamlo::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kStoppedStatus = 130;
+
+// Shares of a picture's time, roughly, so that the bar moves evenly.
+constexpr double kRenderFrom = 0.15;
+constexpr double kRenderTo = 0.9;
+
+/// Failures that are plain from the file system, told before any work is done.
+void checkFiles(const DevelopJob& job)
+{
+    std::error_code problem;
+    const fs::file_status input = fs::status(job.input, problem);
+    if (input.type() == fs::file_type::not_found)
+        throw TamloError::io("there is no file " + job.input.string());
+    if (fs::is_directory(input)) throw TamloError::io(job.input.string() + " is a folder, not a picture");
+
+    fs::path folder = fs::absolute(job.output).parent_path();
+    while (folder.has_relative_path() && !fs::exists(folder, problem)) folder = folder.parent_path();
+    if (fs::exists(folder, problem) && !fs::is_directory(folder, problem))
+        throw TamloError::io("cannot write " + job.output.string() + ": " + folder.string() +
+                             " is not a folder");
+}
+
+class Run {
+public:
+    Run(const DevelopArguments& arguments, const DevelopChoices& choices, Progress& progress)
+        : arguments_(arguments), choices_(choices), progress_(progress)
+    {
+        backend_.hooks.shouldCancel = platform::stopRequested;
+        backend_.hooks.onProgress = [this](const char* phase, double fraction) {
+            progress_.phase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
+        };
+    }
+
+    void developOne(const DevelopJob& job) const
+    {
+        checkFiles(job);
+        RenderChoices render = choices_.render;
+        if (!choices_.seedIsGiven) render.options.seed = FrameSeed::crc32(job.input.filename().string());
+
+        progress_.phase("reading", 0);
+        RGBImage image = ImageLoader::loadLinear(job.input, ImageLoader::decodeWBMode(render.options.wbMode),
+                                                 SourceExposure::fromKey(render.options.srcExposure),
+                                                 arguments_.longPx.value_or(0));
+        stopIfAsked();
+        image = withinLongSide(backend_.process(withinLongSide(std::move(image)), render));
+        stopIfAsked();
+        progress_.phase("writing", kRenderTo);
+        ImageWriter::save(image, job.output.string(), arguments_.quality, outputMetadata(job.input, render));
+        progress_.phase("done", 1);
+    }
+
+private:
+    void stopIfAsked() const
+    {
+        if (platform::stopRequested()) throw TamloError::cancelled();
+    }
+
+    /// --long goes over the source, since every length of the simulation is physical and the picture is the
+    /// same one at any size; and over the result, which a border or a mount makes larger.
+    RGBImage withinLongSide(RGBImage image) const
+    {
+        return arguments_.longPx ? resized(std::move(image), *arguments_.longPx) : image;
+    }
+
+    const DevelopArguments& arguments_;
+    const DevelopChoices& choices_;
+    Progress& progress_;
+    CPUBackend backend_;
+};
+
+/// The reason in one sentence that names the picture.
+std::string failureText(const DevelopJob& job, const std::string& reason)
+{
+    const bool named = reason.find(job.input.filename().string()) != std::string::npos ||
+                       reason.find(job.output.filename().string()) != std::string::npos;
+    return named ? reason : job.input.string() + ": " + reason;
+}
+
+} // namespace
+
+int develop(const DevelopArguments& arguments, std::ostream& results)
+{
+    const std::vector<DevelopJob> jobs = planJobs(arguments);
+    const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    platform::catchStopSignals();
+
+    Progress progress(jobs.size());
+    const Run run(arguments, choices, progress);
+    std::vector<std::string> failures;
+    for (const DevelopJob& job : jobs) {
+        progress.beginPicture(job.input.filename().string());
+        try {
+            run.developOne(job);
+            progress.clear();
+            results << job.output.string() << std::endl;
+        } catch (const TamloError& error) {
+            if (error.kind() == TamloError::Kind::cancelled) {
+                progress.clear();
+                std::cerr << "tamlo: stopped; " << job.input.string() << " was not written" << std::endl;
+                return kStoppedStatus;
+            }
+            failures.push_back(failureText(job, error.what()));
+        } catch (const std::bad_alloc&) {
+            failures.push_back(failureText(job, "there is not enough memory for this picture"));
+        } catch (const fs::filesystem_error& error) {
+            failures.push_back(failureText(job, error.what()));
+        }
+    }
+    progress.clear();
+    if (jobs.size() > 1 && !failures.empty())
+        std::cerr << "tamlo: " << failures.size() << " of " << jobs.size()
+                  << " pictures failed:" << std::endl;
+    for (const std::string& failure : failures) std::cerr << "tamlo: " << failure << std::endl;
+    return failures.empty() ? 0 : 1;
+}
+
+} // namespace tamlo::cli

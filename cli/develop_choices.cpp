@@ -1,0 +1,100 @@
+#include "cli/develop_choices.h"
+
+#include "cli/catalogue.h"
+#include "cli/usage_error.h"
+#include "core/image/tamlo_error.h"
+#include "core/profiles/decode_error.h"
+#include "core/profiles/film_format.h"
+#include "core/profiles/option_table.h"
+
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace tamlo::cli {
+namespace {
+
+using Kind = ProfileStore::Kind;
+
+std::string readText(const std::filesystem::path& path)
+{
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored))
+        throw TamloError::io(path.string() + " is a folder, not a file of options");
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (!file || !(text << file.rdbuf())) throw TamloError::io("cannot read the options in " + path.string());
+    return text.str();
+}
+
+struct FileOptions {
+    RenderOptions options;
+    std::set<std::string> given; ///< keys that the file sets, in their snake_case form
+};
+
+FileOptions readOptions(const std::filesystem::path& path)
+{
+    const std::string text = readText(path);
+    try {
+        FileOptions file{decodeOptions(text), {}};
+        const nlohmann::json object = nlohmann::json::parse(text);
+        for (const OptionRow& row : optionTable())
+            if (object.contains(row.key) || object.contains(legacyCodingName(row.key)))
+                file.given.insert(row.key);
+        checkOptions(file.options);
+        return file;
+    } catch (const DecodeError& error) {
+        throw TamloError::io("the options in " + path.string() + " can't be used: " + error.what());
+    } catch (const TamloError& error) {
+        throw TamloError::io("the options in " + path.string() + " can't be used: " + error.what());
+    }
+}
+
+/// Splits "key=value" and sets it. Returns the key.
+std::string applySetting(RenderOptions& options, const std::string& setting)
+{
+    const std::size_t equals = setting.find('=');
+    if (equals == std::string::npos || equals == 0)
+        throw UsageError("--set takes key=value, not '" + setting + "'");
+    const std::string key = setting.substr(0, equals);
+    try {
+        setOption(options, key, setting.substr(equals + 1));
+    } catch (const TamloError& error) {
+        throw UsageError(std::string("--set ") + setting + ": " + error.what());
+    }
+    return key;
+}
+
+std::string defaultPaper(const FilmProfile& film)
+{
+    return film.type == "color" ? "color_ra4" : ProfileStore::defaultPaperName(film);
+}
+
+} // namespace
+
+DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileStore& store)
+{
+    requireProfile(store, Kind::films, arguments.film);
+    requireProfile(store, Kind::lenses, arguments.lens);
+    if (arguments.paper) requireProfile(store, Kind::papers, *arguments.paper);
+
+    DevelopChoices choices;
+    RenderChoices& render = choices.render;
+    render.film = store.film(arguments.film);
+    render.lens = store.lens(arguments.lens);
+    render.paper = store.paper(arguments.paper.value_or(defaultPaper(render.film)));
+
+    FileOptions file;
+    if (arguments.optionsFile) file = readOptions(*arguments.optionsFile);
+    render.options = file.options;
+    for (const std::string& setting : arguments.settings)
+        file.given.insert(applySetting(render.options, setting));
+    render.options = optionsForFilm(std::move(render.options), render.film, file.given);
+    choices.seedIsGiven = arguments.seed.has_value() || file.given.contains("seed");
+    if (arguments.seed) render.options.seed = *arguments.seed;
+    return choices;
+}
+
+} // namespace tamlo::cli

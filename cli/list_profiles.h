@@ -1,0 +1,20 @@
+// tamlo list and tamlo show: what the catalogue holds, on standard output.
+#pragma once
+
+#include "cli/arguments.h"
+#include "core/profiles/profile_store.h"
+
+#include <iosfwd>
+
+namespace tamlo::cli {
+
+/// A line for each profile: id, sort and name in columns; with --json an array of objects with the keys
+/// "id", "name" and, for films and papers, "type".
+/// Errors: UsageError for an unknown kind; those of the store.
+void listProfiles(const ListArguments& arguments, const ProfileStore& store, std::ostream& out);
+
+/// The profile's JSON as the catalogue holds it.
+/// Errors: UsageError for an unknown kind or id.
+void showProfile(const ShowArguments& arguments, const ProfileStore& store, std::ostream& out);
+
+} // namespace tamlo::cli

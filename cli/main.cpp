@@ -1,0 +1,53 @@
+// The command line of Tamlo. Results go to standard output, everything else to standard error.
+
+#include "cli/arguments.h"
+#include "cli/develop.h"
+#include "cli/list_profiles.h"
+#include "cli/usage_error.h"
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+using namespace tamlo;
+using namespace tamlo::cli;
+
+struct Runner {
+    int operator()(const DevelopArguments& arguments) const { return develop(arguments, std::cout); }
+    int operator()(const ListArguments& arguments) const
+    {
+        listProfiles(arguments, ProfileStore::shared(), std::cout);
+        return 0;
+    }
+    int operator()(const ShowArguments& arguments) const
+    {
+        showProfile(arguments, ProfileStore::shared(), std::cout);
+        return 0;
+    }
+    int operator()(const Answer& answer) const
+    {
+        std::cout << answer.text;
+        return 0;
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        const int status = std::visit(Runner{}, parseArguments({argv + 1, argv + argc}));
+        if (!std::cout.flush()) {
+            std::cerr << "tamlo: standard output could not be written" << std::endl;
+            return 1;
+        }
+        return status;
+    } catch (const UsageError& error) {
+        std::cerr << "tamlo: " << error.what() << std::endl;
+        return 2;
+    } catch (const std::exception& error) {
+        std::cerr << "tamlo: " << error.what() << std::endl;
+        return 1;
+    }
+}

@@ -1,0 +1,69 @@
+#include "cli/progress.h"
+
+#include "platform/console.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+
+namespace tamlo::cli {
+
+Progress::Progress(std::size_t pictureCount)
+    : pictureCount_(pictureCount), terminal_(platform::errorIsTerminal())
+{}
+
+Progress::~Progress()
+{
+    clear();
+}
+
+void Progress::beginPicture(const std::string& name)
+{
+    ++picture_;
+    name_ = name;
+    phase_.clear();
+    percentShown_ = -1;
+}
+
+void Progress::phase(const std::string& name, double fraction)
+{
+    const int percent = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 100));
+    const bool newPhase = name != phase_;
+    if (!newPhase && percent == percentShown_) return;
+    phase_ = name;
+    fraction_ = percent / 100.0;
+    percentShown_ = percent;
+    if (terminal_) {
+        draw();
+        drawn_ = true;
+    } else if (newPhase) {
+        if (pictureCount_ > 1) std::cerr << '[' << picture_ << '/' << pictureCount_ << "] ";
+        std::cerr << name_ << ": " << phase_ << std::endl;
+    }
+}
+
+void Progress::clear()
+{
+    if (drawn_) std::cerr << "\r\x1b[K" << std::flush;
+    drawn_ = false;
+}
+
+void Progress::draw() const
+{
+    constexpr int kBarWidth = 24;
+    const int filled = static_cast<int>(std::lround(fraction_ * kBarWidth));
+    std::string line;
+    if (pictureCount_ > 1) line = std::to_string(picture_) + "/" + std::to_string(pictureCount_) + " ";
+    line += "[" + std::string(static_cast<std::size_t>(filled), '#') +
+            std::string(static_cast<std::size_t>(kBarWidth - filled), '.') + "] " +
+            std::to_string(percentShown_) + " % " + phase_ + "  " + name_;
+    const auto columns = static_cast<std::size_t>(std::max(platform::terminalColumns() - 1, 1));
+    if (line.size() > columns) { // a wrapped line could not be rewritten
+        std::size_t cut = columns;
+        while (cut > 0 && (static_cast<unsigned char>(line[cut]) & 0xC0) == 0x80) --cut; // inside a character
+        line.resize(cut);
+    }
+    std::cerr << '\r' << line << "\x1b[K" << std::flush;
+}
+
+} // namespace tamlo::cli

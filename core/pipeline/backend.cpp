@@ -1,0 +1,65 @@
+#include "core/pipeline/backend.h"
+
+#include "core/image/resample.h"
+#include "core/image/rounding.h"
+#include "core/pipeline/pipeline.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tamlo {
+
+RGBImage RenderBackend::process(RGBImage image, const RenderChoices& choices) const
+{
+    if (!mayAbort()) return render(std::move(image), choices);
+    try {
+        return render(image, choices);
+    } catch (const TamloError& error) {
+        if (error.kind() != TamloError::Kind::gpuAborted) throw;
+        RGBImage second = render(std::move(image), choices);
+        if (onRecovered) onRecovered(error.abort());
+        return second;
+    }
+}
+
+ReadyImage RenderBackend::processReady(RGBImage image, const RenderChoices& choices) const
+{
+    return ImageWriter::readyImage(process(std::move(image), choices));
+}
+
+RGBImage CPUBackend::render(RGBImage image, const RenderChoices& choices) const
+{
+    return Pipeline::process(std::move(image), choices.film, choices.lens, choices.paper, choices.options,
+                             hooks);
+}
+
+std::string_view rawText(BackendKind kind)
+{
+    return kind == BackendKind::metal ? "metal" : "cpu";
+}
+
+std::unique_ptr<RenderBackend> makeBackend(BackendKind kind)
+{
+    if (kind == BackendKind::metal) throw TamloError::unsupported("metal: no GPU context on this system");
+    return std::make_unique<CPUBackend>();
+}
+
+RGBImage resized(RGBImage image, std::int64_t longSide)
+{
+    if (image.longSide() <= longSide) return image;
+    const double scale = static_cast<double>(longSide) / static_cast<double>(image.longSide());
+    const auto side = [&](std::int64_t v) {
+        return std::max<std::int64_t>(pyRound(scale * static_cast<double>(v)), 1);
+    };
+    const Size to{side(image.width), side(image.height)};
+    return pilResize(std::move(image), to.width, to.height, Resampling::lanczos);
+}
+
+RGBImage resized(Size size, std::int64_t longSide, const std::function<void(float*)>& fill)
+{
+    RGBImage image(size.width, size.height);
+    fill(image.mutableData());
+    return resized(std::move(image), longSide);
+}
+
+} // namespace tamlo

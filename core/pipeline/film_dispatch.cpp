@@ -1,0 +1,149 @@
+#include "core/pipeline/film_dispatch.h"
+
+#include "core/film/color_negative.h"
+#include "core/film/development.h"
+#include "core/film/pending_stages.h"
+#include "core/image/tamlo_error.h"
+
+#include <utility>
+
+namespace tamlo {
+namespace {
+
+using Film::FilmInput;
+
+bool scansPositive(const FilmInput& in)
+{
+    return in.paper.scansPositive();
+}
+
+RGBImage renderSlidePrint(RGBImage light, const FilmInput&)
+{
+    return Pending::renderSlidePrint(std::move(light));
+}
+
+RGBImage renderSlide(RGBImage light, const FilmInput& in)
+{
+    light = Pending::renderSlide(std::move(light));
+    return scansPositive(in) ? Pending::scanPositive(std::move(light)) : light;
+}
+
+RGBImage renderTricolor(RGBImage light, const FilmInput& in)
+{
+    light = Pending::renderTricolor(std::move(light));
+    return scansPositive(in) ? Pending::scanPositive(std::move(light)) : light;
+}
+
+RGBImage viewPlate(RGBImage light, const FilmInput&)
+{
+    return Pending::viewPlate(std::move(light));
+}
+
+RGBImage renderInstantMono(RGBImage light, const FilmInput&)
+{
+    return Pending::renderInstantMono(std::move(light));
+}
+
+RGBImage renderInstant(RGBImage light, const FilmInput&)
+{
+    return Pending::renderInstant(std::move(light));
+}
+
+RGBImage renderAlt(RGBImage light, const FilmInput& in)
+{
+    light = Pending::renderAlt(std::move(light));
+    in.windowMask.reset(); // the alternative print has laid the rebate itself
+    return light;
+}
+
+RGBImage renderBW(RGBImage light, const FilmInput&)
+{
+    return Pending::renderBW(std::move(light));
+}
+
+RGBImage renderColorOnBWPaper(RGBImage light, const FilmInput&)
+{
+    return Pending::renderColorOnBWPaper(std::move(light));
+}
+
+RGBImage renderColor(RGBImage light, const FilmInput& in)
+{
+    return Film::renderColor(std::move(light), in.film, in.paper, in.options, in.pxUm, in.rng);
+}
+
+struct Row {
+    bool (*holds)(const FilmProfile&, const PaperProfile&);
+    RGBImage (*stage)(RGBImage, const FilmInput&);
+};
+
+bool isNegative(const FilmProfile& film)
+{
+    return film.type == "color" || film.isBW() || film.isCollodion();
+}
+
+bool isSilver(const FilmProfile& film)
+{
+    return film.isBW() || film.isCollodion();
+}
+
+/// Read from the top: the first row that holds gives the stage.
+constexpr Row kTable[] = {
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.isSlide() && p.isReversal(); },
+     renderSlidePrint},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isSlide(); }, renderSlide},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor},
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isMonoInstant(); }, renderInstantMono},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isInstant(); }, renderInstant},
+    {[](const FilmProfile& f, const PaperProfile& p) { return isNegative(f) && p.isAlt(); }, renderAlt},
+    {[](const FilmProfile& f, const PaperProfile&) { return isSilver(f); }, renderBW},
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.type == "color" && p.isBW(); },
+     renderColorOnBWPaper},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.type == "color"; }, renderColor},
+};
+
+constexpr std::int64_t blackProbePx = 8;
+
+} // namespace
+
+RGBImage Film::render(RGBImage light, const FilmInput& input)
+{
+    for (const Row& row : kTable)
+        if (row.holds(input.film.film, input.paper)) return row.stage(std::move(light), input);
+    throw TamloError::invalidArgument("film type \"" + input.film.film.type +
+                                      "\" (use color, bw, slide, instant, collodion or tricolor)");
+}
+
+Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,
+                          double pxUm)
+{
+    RenderOptions probe = options;
+    probe.grainMult = 0.0;
+    probe.borderPx = probe.borderPxBottom = probe.plateInsetPx = 0.0;
+    probe.frameWhitePx.reset();
+    probe.matGripsPx.reset();
+    probe.picInsetPx.reset();
+    probe.blackProbe = true;
+    DevelopedFilm even = film;
+    even.unevenField.reset();
+
+    GrainRNG rng(0); // grain is off: its state does not show
+    std::optional<Plane> noMask;
+    RGBImage image = render(RGBImage(blackProbePx, blackProbePx), {even, paper, probe, pxUm, rng, noMask});
+    image = Pending::applyRepro(std::move(image));
+    image = Pending::applyScan(std::move(image));
+
+    Vec3d sum{};
+    for (std::int64_t i = 0; i < image.pixelCount(); ++i)
+        for (std::size_t c = 0; c < 3; ++c) sum[c] += image.data[static_cast<std::size_t>(i) * 3 + c];
+    for (double& channel : sum) channel /= static_cast<double>(image.pixelCount());
+    return sum;
+}
+
+Vec3d Film::printBlackRGB(const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options,
+                          double pxUm)
+{
+    return printBlackRGB(applyFilmStateAndDevelopment(film, options), paper, options, pxUm);
+}
+
+} // namespace tamlo

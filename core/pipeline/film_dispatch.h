@@ -1,0 +1,36 @@
+// Film and printing: which stage turns the light at the emulsion into a positive, by film and paper.
+#pragma once
+
+#include "core/image/random.h"
+#include "core/image/rgb_image.h"
+#include "core/profiles/developed_film.h"
+#include "core/profiles/paper_profile.h"
+#include "core/profiles/render_options.h"
+
+#include <optional>
+
+namespace tamlo::Film {
+
+/// All that a film stage is given beside the picture.
+struct FilmInput {
+    const DevelopedFilm& film;
+    const PaperProfile& paper;
+    const RenderOptions& options;
+    double pxUm = 0.0; // micrometres of film a pixel
+    GrainRNG& rng;
+    /// Coverage of the picture window in the rebate; a stage that has used it up drops it.
+    std::optional<Plane>& windowMask;
+};
+
+/// Runs the first stage whose condition holds. Errors: invalidArgument for a film of unknown type.
+RGBImage render(RGBImage light, const FilmInput& input);
+
+/// The darkest that this process reaches on this paper, per channel: an unexposed 8 × 8 frame without grain
+/// and tank pattern, through film, reproduction and scan.
+Vec3d printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,
+                    double pxUm);
+/// The same for a film as it comes from the catalogue.
+Vec3d printBlackRGB(const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options,
+                    double pxUm);
+
+} // namespace tamlo::Film

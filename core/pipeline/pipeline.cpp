@@ -1,0 +1,147 @@
+#include "core/pipeline/pipeline.h"
+
+#include "core/film/dev_field.h"
+#include "core/film/development.h"
+#include "core/film/emulsion_input.h"
+#include "core/film/pending_stages.h"
+#include "core/film/source_light.h"
+#include "core/image/orient.h"
+#include "core/image/rounding.h"
+#include "core/pipeline/film_dispatch.h"
+#include "core/pipeline/render_size.h"
+#include "core/process/border.h"
+#include "core/profiles/film_format.h"
+#include "core/profiles/seed_stream.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace tamlo {
+namespace {
+
+/// The film under the picture, in micrometres: its long side, and the length that sets the master's ceiling.
+struct FilmLength {
+    double fmtUm = 0.0;
+    double capUm = 0.0;
+};
+
+FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Size source, Size picture)
+{
+    if (film.isInstant()) {
+        const double um = Pipeline::instantLongUm(film, options.peelSize);
+        return {um, um};
+    }
+    const auto window = Pipeline::formatWindow(film, options, {source, picture});
+    return {window.fmtUm, window.capUm};
+}
+
+std::int64_t masterCap(const FilmProfile& film, double capUm)
+{
+    return Pipeline::masterLongPx(film, capUm);
+}
+
+Vec3f paperBase(const PaperProfile& paper)
+{
+    const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
+    return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
+}
+
+} // namespace
+
+bool Pipeline::hasFinishing(const RenderOptions& options)
+{
+    const auto chosen = [](const OptText& text) { return text && !text->empty() && *text != "none"; };
+    return (options.table && *options.table != "none") || (options.mat && *options.mat != "none") ||
+           chosen(options.embossLine) || options.blindStamp.value_or(false) ||
+           (options.stampText && !options.stampText->empty());
+}
+
+Vec3f Pipeline::borderRGB(const Vec3f& base, const DevelopedFilm& developed, const PaperProfile& paper,
+                          const RenderOptions& options, double pxUm)
+{
+    if (!options.borderBlack || paper.hasSheet() || options.border <= 0.0) return base;
+    const Vec3d black = Film::printBlackRGB(developed, paper, options, pxUm);
+    return {static_cast<float>(black[0]), static_cast<float>(black[1]), static_cast<float>(black[2])};
+}
+
+RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile&,
+                           const PaperProfile& paper, RenderOptions options, const RenderHooks& hooks)
+{
+    if (image.pixelCount() == 0) throw TamloError::invalidArgument("a picture of no pixels");
+    const bool isInstant = film.isInstant();
+    const Size source = image.size();
+    hooks.progress("film", 0.0);
+
+    // The film, the cut of the source and the film under it.
+    DevelopedFilm developed = applyFilmStateAndDevelopment(film, options);
+    image = Pending::rotateCropInput(std::move(image));
+    const FilmLength length = filmLength(film, options, source, image.size());
+    image = orientImage(std::move(image), options.rotate, options.mirror);
+    if (options.masterCap)
+        image = applyMasterCap(std::move(image), length.fmtUm, masterCap(film, length.capUm));
+    image = Pending::cropToCard(std::move(image));
+    std::int64_t baseLong = image.longSide();
+    hooks.cancellationPoint();
+
+    // Light, filters and lens.
+    hooks.progress("light", 0.1);
+    image = Filters::applySource(std::move(image), film, options);
+    image = Pending::applyGrad(std::move(image));
+    image = Pending::applyRays(std::move(image));
+    hooks.progress("lens", 0.15);
+    image = Pending::applyOptics(std::move(image));
+    image = Pending::applyCut(std::move(image));
+    image = Pending::applyDiffusion(std::move(image));
+
+    // The frame on the film, and the physical scale of all that follows.
+    std::optional<Plane> windowMask;
+    if (!isInstant && paper.repro != "crt") image = Pending::drawRebate(std::move(image));
+    std::int64_t longSide = image.longSide();
+    const double pxUm = length.fmtUm / static_cast<double>(longSide);
+    options.formatLongUm = length.fmtUm;
+    developed.unevenField = unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
+    resolvePrintScale(options, paper, {baseLong, longSide, length.fmtUm}, isInstant);
+
+    // The emulsion and the print.
+    hooks.progress("emulsion", 0.3);
+    image = Film::applyEmulsion(std::move(image), film, options.interlayer, options.wbMode);
+    hooks.cancellationPoint();
+    if (film.isCollodion()) developed = Pending::withoutGlassOnOpaque(std::move(developed));
+    GrainRNG filmRng = streamRNG(options, SeedStream::film, 0);
+    image = Film::render(std::move(image), {developed, paper, options, pxUm, filmRng, windowMask});
+
+    // Reproduction may enlarge the picture and a scan reduce it; the sizes follow.
+    const auto followResolution = [&] {
+        const double ratio = static_cast<double>(image.longSide()) / static_cast<double>(longSide);
+        if (ratio > 1.001 || ratio < 0.999) afterScanCap(baseLong, options, ratio);
+        longSide = image.longSide();
+    };
+    if (paper.isRepro()) hooks.cancellationPoint();
+    hooks.progress("print", 0.8);
+    if (paper.isRepro() || paper.surface) image = Pending::applyRepro(std::move(image));
+    followResolution();
+    if (paper.isScan()) image = Pending::applyScan(std::move(image));
+    followResolution();
+
+    if (isInstant) {
+        if (options.instantFrame) image = Pending::addInstantFrame(std::move(image));
+        if (hasFinishing(options)) image = Pending::finishSheet(std::move(image));
+        hooks.progress("done", 1.0);
+        return image;
+    }
+
+    // The sheet.
+    if (windowMask) image = Pending::compositeWindow(std::move(image));
+    const Vec3f base = paperBase(paper);
+    resolveBorder(options, paper, {baseLong, longSide, length.fmtUm}, std::nullopt);
+    const double border = paper.isPlate() ? 0.0 : options.border;
+    const Vec3f colour = borderRGB(base, developed, paper, options, pxUm);
+    image = addBorder(std::move(image), pyRound(border * static_cast<double>(baseLong)), colour);
+    if (paper.hasSheet() && paper.isAlt()) image = Pending::embossPlate(std::move(image));
+    image = Pending::finishSheet(std::move(image));
+    hooks.progress("done", 1.0);
+    return image;
+}
+
+} // namespace tamlo

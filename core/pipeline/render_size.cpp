@@ -1,0 +1,108 @@
+#include "core/pipeline/render_size.h"
+
+#include "core/image/resample.h"
+#include "core/image/rounding.h"
+#include "core/pipeline/peel_size.h"
+
+#include <algorithm>
+
+namespace tamlo {
+namespace {
+
+/// Long side of the photographed screen. The tube is not built yet: a screen prints as large as any print.
+double screenLongCm(const RenderOptions& options)
+{
+    return options.printCm;
+}
+
+} // namespace
+
+std::int64_t Pipeline::masterLongPx(const FilmProfile& film, double fmtUm)
+{
+    return film.isInstant() ? instantMasterLongPx(film, fmtUm) : roundAway(fmtUm / kMasterUm);
+}
+
+std::int64_t Pipeline::instantMasterLongPx(const FilmProfile& film, double longUm)
+{
+    const double f50 = film.mtf ? film.mtf->f50CycMm.value_or(0.0) : 0.0;
+    const double stepUm = f50 > 0.0 ? std::max(1000.0 / (f50 * 4.0), kMasterUm) : kMasterUm;
+    return roundAway(longUm / stepUm);
+}
+
+std::optional<Size> Pipeline::masterCapSize(Size size, std::int64_t cap)
+{
+    const std::int64_t longSide = std::max(size.width, size.height);
+    if (cap >= longSide) return std::nullopt;
+    const double k = static_cast<double>(cap) / static_cast<double>(longSide);
+    const auto scaled = [&](std::int64_t side) {
+        return std::max<std::int64_t>(roundAway(k * static_cast<double>(side)), 1);
+    };
+    return Size{scaled(size.width), scaled(size.height)};
+}
+
+RGBImage Pipeline::applyMasterCap(RGBImage image, double fmtUm, std::optional<std::int64_t> cap)
+{
+    const auto size = masterCapSize(image.size(), cap.value_or(roundAway(fmtUm / kMasterUm)));
+    if (!size) return image;
+    return pilResize(std::move(image), size->width, size->height, Resampling::lanczos);
+}
+
+double Pipeline::instantLongUm(const FilmProfile& film, const std::optional<std::string>& peelSize)
+{
+    if (film.frame) {
+        if (film.frame->style == "peel") return peelSizeCfg(*film.frame, peelSize).imageMm.longMm * 1000.0;
+        if (film.frame->imageLongMm.value_or(0.0) > 0.0) return *film.frame->imageLongMm * 1000.0;
+    }
+    constexpr double kCardUm = 79'000.0; // the picture on an integral card
+    return film.texture ? film.texture->cardUm.value_or(kCardUm) : kCardUm;
+}
+
+void Pipeline::resolvePrintScale(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
+                                 bool isInstant)
+{
+    const double longSide = static_cast<double>(std::max<std::int64_t>(scale.longSide, 1));
+    if (options.sheetCm.value_or(0.0) > 0.0 && !isInstant) {
+        const double b = options.border * static_cast<double>(scale.baseLong) / longSide;
+        options.printCm = std::max(1.0, *options.sheetCm / (2.0 * b + 1.0));
+    }
+    if (paper.repro == "crt") options.printCm = screenLongCm(options);
+    if (paper.isPlate()) {
+        if (scale.fmtUm > 0.0)
+            options.printCm = scale.fmtUm / 10'000.0;
+        else if (options.formatLongUm > 0.0)
+            options.printCm = options.formatLongUm / 10'000.0;
+    }
+    options.printPxUm = options.printCm * 10'000.0 / longSide;
+}
+
+double Pipeline::resolveBorder(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
+                               const std::optional<std::array<double, 4>>& insetFrac)
+{
+    if (paper.isScan() || !paper.sheet.value_or(true)) {
+        options.mat.reset();
+        options.embossLine.reset();
+        options.blindStamp.reset();
+        options.stampText.reset();
+        options.table.reset();
+    }
+    const double longSide = static_cast<double>(std::max<std::int64_t>(scale.longSide, 1));
+    const double baseLong = static_cast<double>(scale.baseLong);
+    double b = options.border > 0.0 ? options.border * baseLong / longSide : options.border;
+    if (paper.isPlate()) b = 0.0;
+    if (!options.mat || options.mat->empty() || *options.mat == "none") options.frameWhitePx.reset();
+    options.borderPx = b * longSide;
+    if (insetFrac) {
+        options.picInsetPx.emplace();
+        for (const double inset : *insetFrac)
+            options.picInsetPx->push_back(options.borderPx + inset * baseLong);
+    }
+    return b;
+}
+
+void Pipeline::afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio)
+{
+    baseLong = roundAway(ratio * static_cast<double>(baseLong));
+    options.printPxUm /= ratio;
+}
+
+} // namespace tamlo

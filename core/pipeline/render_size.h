@@ -1,0 +1,49 @@
+// The physical size of a render: how many pixels a master may have, how large the print is, how wide its
+// border. Plain numbers, so that what a stage's size is can be asked without drawing it.
+#pragma once
+
+#include "core/image/rgb_image.h"
+#include "core/profiles/film_profile.h"
+#include "core/profiles/paper_profile.h"
+#include "core/profiles/render_options.h"
+
+#include <array>
+#include <optional>
+
+namespace tamlo::Pipeline {
+
+/// A master carries one pixel for this many micrometres of film.
+inline constexpr double kMasterUm = 5.5;
+
+/// The master's ceiling on the long side, in pixels, of fmtUm micrometres of film.
+std::int64_t masterLongPx(const FilmProfile& film, double fmtUm);
+/// Instant film is softer: four samples a cycle at half response, never finer than kMasterUm.
+std::int64_t instantMasterLongPx(const FilmProfile& film, double longUm);
+/// The size that a ceiling leaves; absent when the picture is not above it.
+std::optional<Size> masterCapSize(Size size, std::int64_t cap);
+/// Resamples to the ceiling with the Lanczos filter; an absent cap is round(fmtUm / 5.5).
+RGBImage applyMasterCap(RGBImage image, double fmtUm, std::optional<std::int64_t> cap);
+/// Long side of an instant picture in micrometres.
+double instantLongUm(const FilmProfile& film, const std::optional<std::string>& peelSize);
+
+/// Sizes that later stages rescale together with the picture.
+struct FrameScale {
+    std::int64_t baseLong = 0; // long side of the picture without its rebate, pixels
+    std::int64_t longSide = 0; // long side with it
+    double fmtUm = 0.0;        // long side of the film under the picture
+};
+
+/// Settles printCm and printPxUm of a frame: a sheet holds the picture and both borders, a screen and a
+/// plate have their own size.
+void resolvePrintScale(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
+                       bool isInstant);
+
+/// The border as a fraction of longSide. Clears the finishing options that the paper can't have and writes
+/// borderPx and, with insets, picInsetPx.
+double resolveBorder(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
+                     const std::optional<std::array<double, 4>>& insetFrac);
+
+/// baseLong and printPxUm after the picture's resolution changed by `ratio`.
+void afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio);
+
+} // namespace tamlo::Pipeline

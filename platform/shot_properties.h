@@ -1,0 +1,25 @@
+// What a camera wrote about a shot into the file: the few fields that a finished picture repeats.
+// Nothing of a place is read.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace tamlo::platform {
+
+struct ShotProperties {
+    std::optional<std::string> camera; ///< the model, as the camera spells it
+    std::optional<std::string> lensModel;
+    std::optional<double> focalMm;
+    std::optional<double> fNumber;
+    std::optional<double> exposureSec;
+    std::optional<int> iso;
+    std::optional<std::string> dateOriginal; ///< "YYYY:MM:DD HH:MM:SS", the camera's own clock
+};
+
+/// Fields that the file does not have, or whose value makes no sense, are absent; a file without metadata,
+/// or with damaged metadata, gives none at all.
+ShotProperties readShotProperties(const std::filesystem::path& path);
+
+} // namespace tamlo::platform
