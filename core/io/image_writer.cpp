@@ -64,7 +64,11 @@ Bytes encodeJpeg(std::span<const std::uint8_t> rgb, std::int64_t width, std::int
 
 Bytes encodePicture(const RGBImage& image, Format format, int quality)
 {
-    if (format == Format::jpeg) return encodeJpeg(encodeSRGB8RGB(image), image.width, image.height, quality);
+    if (format == Format::jpeg) {
+        const PageBuffer rgb = encodeSRGB8RGB(image);
+        return encodeJpeg(rgb.bytes(static_cast<std::size_t>(image.pixelCount() * 3)), image.width,
+                          image.height, quality);
+    }
     const platform::PictureLayout layout{image.width, image.height, 3, platform::srgbProfile()};
     if (format == Format::png)
         return platform::encodePng(layout,

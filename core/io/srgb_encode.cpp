@@ -99,21 +99,24 @@ void encodeSRGB16Rows(const RGBImage& image, std::int64_t start, std::int64_t ro
     });
 }
 
-std::vector<std::uint8_t> encodeSRGB8RGB(const RGBImage& image)
+PageBuffer encodeSRGB8RGB(const RGBImage& image)
 {
-    std::vector<std::uint8_t> rgb(static_cast<std::size_t>(image.pixelCount() * 3));
+    const std::size_t count = static_cast<std::size_t>(image.pixelCount() * 3);
+    PageBuffer buffer(count);
+    const std::span<std::uint8_t> rgb = buffer.bytes(count);
     parallelBands(image.height, image.width, [&](std::int64_t start, std::int64_t end) {
         encodeSRGB8Rows(image, start, end - start,
-                        std::span(rgb).subspan(static_cast<std::size_t>(start * image.width * 3)));
+                        rgb.subspan(static_cast<std::size_t>(start * image.width * 3)));
     });
-    return rgb;
+    return buffer;
 }
 
-std::vector<std::uint8_t> encodeSRGB8(const RGBImage& image)
+PageBuffer encodeSRGB8(const RGBImage& image)
 {
-    std::vector<std::uint8_t> rgba(static_cast<std::size_t>(image.pixelCount() * 4));
-    encodeSRGB8(image, rgba);
-    return rgba;
+    const std::size_t count = static_cast<std::size_t>(image.pixelCount() * 4);
+    PageBuffer buffer(count);
+    encodeSRGB8(image, buffer.bytes(count));
+    return buffer;
 }
 
 void encodeSRGB8(const RGBImage& image, std::span<std::uint8_t> into, const Plane* alpha)

@@ -3,12 +3,12 @@
 // that formula. Below 0 and NaN give 0, above 1 the maximum.
 #pragma once
 
+#include "core/image/page_buffer.h"
 #include "core/image/rgb_image.h"
 
 #include <cmath>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace tamlo::ImageWriter {
 
@@ -18,10 +18,10 @@ float srgbOf(float value);
 /// srgbOf as an integer of 0 ... maximum: truncate(clamp(s × alpha, 0, 1) × maximum + 0.5).
 std::uint16_t srgbStep(float value, float alpha, float maximum);
 
-/// RGBA bytes, alpha 255.
-std::vector<std::uint8_t> encodeSRGB8(const RGBImage& image);
-/// RGB bytes.
-std::vector<std::uint8_t> encodeSRGB8RGB(const RGBImage& image);
+/// RGBA bytes, alpha 255, and RGB bytes, in mapped pages: at 24 megapixels the first touch of a heap block
+/// costs as much as the encoding. Errors: io "cannot map N bytes".
+PageBuffer encodeSRGB8(const RGBImage& image);
+PageBuffer encodeSRGB8RGB(const RGBImage& image);
 /// RGBA bytes into a buffer of at least width × height × 4. With an alpha plane of the image's size the
 /// colours are premultiplied in sRGB space by alpha clamped to 0 ... 1.
 void encodeSRGB8(const RGBImage& image, std::span<std::uint8_t> into, const Plane* alpha = nullptr);
