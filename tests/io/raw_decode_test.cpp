@@ -3,7 +3,7 @@
 #include "core/image/orient.h"
 #include "core/io/decode_rules.h"
 #include "core/io/raw_colour.h"
-#include "loader_support.h"
+#include "tests/io/loader_support.h"
 #include "platform/worker_pool.h"
 
 #include <algorithm>
