@@ -1,6 +1,6 @@
 #include "core/image/page_buffer.h"
 #include "core/image/tamlo_error.h"
-#include "test_pictures.h"
+#include "tests/image/test_pictures.h"
 
 #include <cmath>
 #include <cstdio>

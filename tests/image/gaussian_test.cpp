@@ -1,7 +1,7 @@
 #include "core/image/gaussian.h"
 
 #include "core/image/resample.h"
-#include "test_pictures.h"
+#include "tests/image/test_pictures.h"
 
 #include <cmath>
 #include <map>

@@ -1,6 +1,6 @@
 #include "core/image/orient.h"
 
-#include "test_pictures.h"
+#include "tests/image/test_pictures.h"
 
 namespace tamlo {
 namespace {

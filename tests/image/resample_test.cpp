@@ -1,7 +1,7 @@
 #include "core/image/resample.h"
 
 #include "core/image/rounding.h"
-#include "test_pictures.h"
+#include "tests/image/test_pictures.h"
 
 #include <map>
 #include <numeric>

@@ -1,6 +1,6 @@
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
-#include "test_pictures.h"
+#include "tests/image/test_pictures.h"
 
 #include <hwy/targets.h>
 

@@ -1,7 +1,7 @@
 #include "core/image/zcolor.h"
 #include "core/io/raw_decode.h"
-#include "loader_support.h"
 #include "platform/worker_pool.h"
+#include "tests/io/loader_support.h"
 
 #include <algorithm>
 #include <array>

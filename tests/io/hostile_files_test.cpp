@@ -2,7 +2,7 @@
 // hang or half a picture.
 #include "core/io/decode_rules.h"
 #include "core/io/raw_decode.h"
-#include "loader_support.h"
+#include "tests/io/loader_support.h"
 
 #include <random>
 

@@ -1,7 +1,7 @@
 #include "core/io/image_loader.h"
 
 #include "core/film/source_light.h"
-#include "loader_support.h"
+#include "tests/io/loader_support.h"
 
 #include <cstring>
 

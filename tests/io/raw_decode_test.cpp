@@ -3,8 +3,8 @@
 #include "core/image/orient.h"
 #include "core/io/decode_rules.h"
 #include "core/io/raw_colour.h"
-#include "loader_support.h"
 #include "platform/worker_pool.h"
+#include "tests/io/loader_support.h"
 
 #include <algorithm>
 #include <cstring>
