@@ -20,7 +20,7 @@ constexpr std::int64_t kSamples24MP = 6000LL * 4000 * 3;
 std::string benchPicture()
 {
     const char* path = std::getenv("TAMLO_BENCH_JPEG");
-    return path ? path : std::string(TAMLO_BENCH_SAMPLES) + "/color/fig-srgb.jpg";
+    return path ? path : std::string(TAMLO_SAMPLES) + "/color/fig-srgb.jpg";
 }
 
 void decodeJPEG(benchmark::State& state)
@@ -34,7 +34,7 @@ BENCHMARK(decodeJPEG)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 void decodeDisplayP3(benchmark::State& state)
 {
-    const std::string path = std::string(TAMLO_BENCH_SAMPLES) + "/color/fig-display-p3.jpg";
+    const std::string path = std::string(TAMLO_SAMPLES) + "/color/fig-display-p3.jpg";
     const ImageLoader::EncodedDecode probe = ImageLoader::decodeEncoded(path);
     bench::inE(state, probe.width * probe.height * 3,
                [&] { benchmark::DoNotOptimize(ImageLoader::decodeEncoded(path)); });
