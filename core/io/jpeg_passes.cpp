@@ -91,29 +91,21 @@ HWY_INLINE V bytesToDoubles(Doubles d, const std::uint8_t* from)
     return hn::PromoteTo(d, hn::PromoteTo(d32, hn::LoadU(d8, from)));
 }
 
-/// One component from the colour bytes, as samples around 0. Component 0 is Y, 1 Cb, 2 Cr; the products are
-/// added from left to right.
-template <int component>
-void convertColour(BlockScratch& scratch)
+/// A component as weights of R, G, B and what is taken off. A weight below 0 gives the bits of a subtraction,
+/// and taking 0 off changes none.
+struct Component {
+    double red, green, blue, offset;
+};
+constexpr Component kComponents[3] = {
+    {0.299, 0.587, 0.114, 128.0}, {-0.168736, -0.331264, 0.5, 0.0}, {0.5, -0.418688, -0.081312, 0.0}};
+
+/// The component at one position of the blocks from `at` on, the products added from left to right.
+HWY_INLINE V convertColour(Doubles d, const BlockScratch& scratch, std::size_t at, const Component& w)
 {
-    const Doubles d;
-    for (std::size_t i = 0; i < 64 * kGroupBlocks; i += hn::Lanes(d)) {
-        const V red = bytesToDoubles(d, scratch.lanes[0] + i);
-        const V green = bytesToDoubles(d, scratch.lanes[1] + i);
-        const V blue = bytesToDoubles(d, scratch.lanes[2] + i);
-        V v;
-        if constexpr (component == 0) {
-            v = hn::Add(hn::Mul(hn::Set(d, 0.299), red), hn::Mul(hn::Set(d, 0.587), green));
-            v = hn::Sub(hn::Add(v, hn::Mul(hn::Set(d, 0.114), blue)), hn::Set(d, 128.0));
-        } else if constexpr (component == 1) {
-            v = hn::Sub(hn::Mul(hn::Set(d, -0.168736), red), hn::Mul(hn::Set(d, 0.331264), green));
-            v = hn::Add(v, hn::Mul(hn::Set(d, 0.5), blue));
-        } else {
-            v = hn::Sub(hn::Mul(hn::Set(d, 0.5), red), hn::Mul(hn::Set(d, 0.418688), green));
-            v = hn::Sub(v, hn::Mul(hn::Set(d, 0.081312), blue));
-        }
-        hn::Store(v, d, scratch.samples + i);
-    }
+    const V red = hn::Mul(hn::Set(d, w.red), bytesToDoubles(d, scratch.lanes[0] + at));
+    const V green = hn::Mul(hn::Set(d, w.green), bytesToDoubles(d, scratch.lanes[1] + at));
+    const V blue = hn::Mul(hn::Set(d, w.blue), bytesToDoubles(d, scratch.lanes[2] + at));
+    return hn::Sub(hn::Add(hn::Add(red, green), blue), hn::Set(d, w.offset));
 }
 
 /// The eight-point scaled transform of Arai, Agui and Nakajima.
@@ -155,8 +147,8 @@ HWY_INLINE void quantise(Doubles d, V value, double reciprocal, std::int16_t* to
     hn::StoreU(hn::DemoteTo(d16, hn::DemoteTo(d32, hn::Add(scaled, half))), d16, to);
 }
 
-/// Rows, then columns, then quantisation into scratch.quantised, natural order.
-void transform(const double* reciprocals, BlockScratch& scratch)
+/// Colours, rows, then columns, then quantisation into scratch.quantised, natural order.
+void transform(const Component& component, const double* reciprocals, BlockScratch& scratch)
 {
     const Doubles d;
     constexpr std::size_t kStep = kGroupBlocks; // doubles from one position to the next
@@ -164,7 +156,8 @@ void transform(const double* reciprocals, BlockScratch& scratch)
         double* samples = scratch.samples + lane;
         V v[8];
         for (std::size_t r = 0; r < 8; ++r) {
-            for (std::size_t c = 0; c < 8; ++c) v[c] = hn::Load(d, samples + (r * 8 + c) * kStep);
+            for (std::size_t c = 0; c < 8; ++c)
+                v[c] = convertColour(d, scratch, (r * 8 + c) * kStep + lane, component);
             fdct8(d, v);
             for (std::size_t c = 0; c < 8; ++c) hn::Store(v[c], d, samples + (r * 8 + c) * kStep);
         }
@@ -250,15 +243,10 @@ void Blocks(const BlockSource& source, std::int64_t blockRow, std::int64_t first
     std::int64_t rowBytes[8];
     const std::uint8_t* pixels = groupPixels(source, blockRow * 8, firstColumn * 8, scratch, rowBytes);
     spreadLanes(pixels, rowBytes, scratch);
-    convertColour<0>(scratch);
-    transform(reciprocals.data(), scratch);
-    gatherScan(scratch, out.coefficients[0], out.nonZero[0]);
-    convertColour<1>(scratch);
-    transform(reciprocals.data() + 64, scratch);
-    gatherScan(scratch, out.coefficients[1], out.nonZero[1]);
-    convertColour<2>(scratch);
-    transform(reciprocals.data() + 64, scratch);
-    gatherScan(scratch, out.coefficients[2], out.nonZero[2]);
+    for (std::size_t c = 0; c < 3; ++c) {
+        transform(kComponents[c], reciprocals.data() + (c == 0 ? 0 : 64), scratch);
+        gatherScan(scratch, out.coefficients[c], out.nonZero[c]);
+    }
 }
 
 } // namespace tamlo::JPEGEncoder::HWY_NAMESPACE
