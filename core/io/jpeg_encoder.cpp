@@ -30,8 +30,6 @@ Reciprocals reciprocalsOf(const QuantTable& luminance, const QuantTable& chromin
     return f;
 }
 
-// --- header ---
-
 void put16(Bytes& out, std::size_t value)
 {
     out.push_back(static_cast<std::uint8_t>(value >> 8));
@@ -85,8 +83,6 @@ void putHeader(Bytes& out, const Pixels& pixels, std::span<const std::uint8_t> i
     putSegment(out, 0xDA, 12);
     out.insert(out.end(), {3, 1, 0x00, 2, 0x11, 3, 0x11, 0, 63, 0});
 }
-
-// --- entropy coding of a band ---
 
 /// Codes and lengths in one read: (code << 8) | length, DC luminance at 0, DC chrominance at 256, AC
 /// luminance at 512, AC chrominance at 768.
@@ -229,8 +225,6 @@ void encodeBand(const BandPlan& plan, std::int64_t band, RawBits& out)
 }
 
 } // namespace
-
-// --- the final stream ---
 
 void BitWriter::emit(std::uint8_t byte)
 {
