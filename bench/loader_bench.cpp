@@ -1,9 +1,9 @@
 // Files in: a 24-megapixel JPEG from disk to the bitmap and on to scene light, the conversion of a profile
 // that is not sRGB, and the pass over a RAW frame.
+#include "bench/unit_e.h"
 #include "core/io/encoded_decode.h"
 #include "core/io/raw_colour.h"
 #include "core/io/raw_decode.h"
-#include "unit_e.h"
 
 #include "core/image/bands.h"
 
