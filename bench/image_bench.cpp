@@ -53,18 +53,21 @@ BENCHMARK(blurInPlace)
     ->Args({1800, 1200, 3})
     ->Args({1800, 1200, 30})
     ->UseManualTime()
+    ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(lanczosToHalf)
     ->ArgNames({"w", "h"})
     ->Args({6000, 4000})
     ->Args({1800, 1200})
     ->UseManualTime()
+    ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(quarterTurn)
     ->ArgNames({"w", "h"})
     ->Args({6000, 4000})
     ->Args({1800, 1200})
     ->UseManualTime()
+    ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -48,7 +48,7 @@ public:
     {
         backend_.hooks.shouldCancel = platform::stopRequested;
         backend_.hooks.onProgress = [this](const char* phase, double fraction) {
-            progress_.phase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
+            if (fraction < 1) progress_.phase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
         };
     }
 
@@ -67,7 +67,6 @@ public:
         stopIfAsked();
         progress_.phase("writing", kRenderTo);
         ImageWriter::save(image, job.output.string(), arguments_.quality, outputMetadata(job.input, render));
-        progress_.phase("done", 1);
     }
 
 private:

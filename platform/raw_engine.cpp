@@ -4,6 +4,7 @@
 #include "platform/platform_error.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include <libraw/libraw.h>
 
@@ -18,13 +19,75 @@ void need(int code)
     if (code > 0) throw PlatformError(std::string("system error ") + std::to_string(code));
 }
 
-void openFile(LibRaw& raw, const std::string& path)
-{
-    static_cast<void>(InputFile(path)); // says what is wrong with a path in the words of every decoder
-    need(raw.open_file(path.c_str()));
-    if (raw.imgdata.sizes.width == 0 || raw.imgdata.sizes.height == 0)
-        throw PlatformError("it holds no picture");
-}
+/// The file as the engine reads it, watched for data that are not there: the engine's decoders take a missing
+/// byte for some value and go on.
+class WatchedFile : public LibRaw_bigfile_datastream {
+public:
+    using LibRaw_bigfile_datastream::LibRaw_bigfile_datastream;
+
+    int seek(INT64 offset, int whence) override
+    {
+        readBytes_.fetch_add(tell() - runStart_, std::memory_order_relaxed);
+        const int result = LibRaw_bigfile_datastream::seek(offset, whence);
+        runStart_ = tell();
+        if (tell() > size()) missedSeeks_.fetch_add(1, std::memory_order_relaxed);
+        return result;
+    }
+    int read(void* to, std::size_t size, std::size_t count) override
+    {
+        const int got = LibRaw_bigfile_datastream::read(to, size, count);
+        const std::size_t missing = count - std::min(count, static_cast<std::size_t>(std::max(got, 0)));
+        if (missing > 0) missedBytes_.fetch_add(missing * size, std::memory_order_relaxed);
+        return got;
+    }
+    int get_char() override
+    {
+        const int c = LibRaw_bigfile_datastream::get_char();
+        if (c < 0) missedChars_.fetch_add(1, std::memory_order_relaxed);
+        return c;
+    }
+
+    void startWatching()
+    {
+        missedSeeks_ = missedBytes_ = missedChars_ = 0;
+        readBytes_ = 0;
+        runStart_ = tell();
+    }
+
+    /// Bytes read since then.
+    INT64 readBytes() { return readBytes_ + tell() - runStart_; }
+
+    /// A decoder may look ahead by a word, or fill its last block beyond the end.
+    bool missedMuch() const
+    {
+        constexpr std::size_t kLookAheadBytes = 64, kBlockBytes = 65'536;
+        return missedSeeks_ > 0 || missedChars_ > kLookAheadBytes || missedBytes_ > kBlockBytes;
+    }
+
+private:
+    // Some decoders read from several threads.
+    std::atomic<std::size_t> missedSeeks_{0}, missedBytes_{0}, missedChars_{0};
+    std::atomic<INT64> readBytes_{0}, runStart_{0}; // of finished runs between seeks; where this one began
+};
+
+/// The engine and the file it reads, which it does not own.
+struct Session {
+    explicit Session(const std::string& path) : file((checkFile(path), path.c_str())) {}
+
+    void open()
+    {
+        need(raw.open_datastream(&file));
+        if (raw.imgdata.sizes.width == 0 || raw.imgdata.sizes.height == 0)
+            throw PlatformError("it holds no picture");
+    }
+
+    WatchedFile file;
+    LibRaw raw{kQuiet};
+
+private:
+    /// Says what is wrong with a path in the words of every decoder.
+    static void checkFile(const std::string& path) { static_cast<void>(InputFile(path)); }
+};
 
 /// Kelvin of an EXIF LightSource value, by which a DNG names its calibration illuminants.
 double illuminantKelvin(int lightSource)
@@ -70,16 +133,19 @@ bool isZero(const Matrix4x3& m)
 /// AnalogBalance × CameraCalibration × ColorMatrix (DNG 1.4, "Mapping Camera Color Space to CIE XYZ").
 Matrix4x3 dngMatrix(const libraw_dng_color_t& colour, const libraw_dng_levels_t& levels, int channels)
 {
+    // The engine leaves what the file does not tell at zero.
+    bool isCalibrated = true;
+    for (int i = 0; i < channels; ++i) isCalibrated = isCalibrated && colour.calibration[i][i] > 0.0f;
     Matrix4x3 out{};
     for (int i = 0; i < channels; ++i)
         for (int j = 0; j < 3; ++j) {
             double sum = colour.colormatrix[i][j];
-            if (colour.parsedfields & LIBRAW_DNGFM_CALIBRATION) {
+            if (isCalibrated) {
                 sum = 0.0;
                 for (int k = 0; k < channels; ++k)
                     sum += double{colour.calibration[i][k]} * double{colour.colormatrix[k][j]};
             }
-            if (levels.parsedfields & LIBRAW_DNGFM_ANALOGBALANCE) sum *= double{levels.analogbalance[i]};
+            if (levels.analogbalance[i] > 0.0f) sum *= double{levels.analogbalance[i]};
             out[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] = sum;
         }
     return out;
@@ -92,7 +158,6 @@ std::vector<RawMatrix> matricesOf(const libraw_data_t& data)
     const int channels = std::clamp(data.idata.colors, 1, 4);
     if (data.idata.dng_version)
         for (const libraw_dng_color_t& colour : data.color.dng_color) {
-            if (!(colour.parsedfields & LIBRAW_DNGFM_COLORMATRIX)) continue;
             const Matrix4x3 m = dngMatrix(colour, data.color.dng_levels, channels);
             if (!isZero(m)) out.push_back({illuminantKelvin(colour.illuminant), m});
         }
@@ -117,29 +182,30 @@ std::array<double, 4> gainsOf(const float (&multipliers)[4])
 
 RawHead readRawHead(const std::string& path)
 {
-    const auto raw = std::make_unique<LibRaw>(kQuiet); // several hundred kilobytes, too large for a stack
-    openFile(*raw, path);
+    const auto session = std::make_unique<Session>(path); // too large for a stack
+    session->open();
+    LibRaw& raw = session->raw;
     RawHead head;
-    head.colour.channels = std::clamp(raw->imgdata.idata.colors, 1, 4);
-    head.colour.matrices = matricesOf(raw->imgdata);
-    head.colour.asShotGains = gainsOf(raw->imgdata.color.cam_mul);
-    head.colour.daylightGains = gainsOf(raw->imgdata.color.pre_mul);
-    need(raw->adjust_sizes_info_only()); // turns the sizes upright; nothing can be developed after it
-    head.width = raw->imgdata.sizes.iwidth;
-    head.height = raw->imgdata.sizes.iheight;
+    head.colour.channels = std::clamp(raw.imgdata.idata.colors, 1, 4);
+    head.colour.matrices = matricesOf(raw.imgdata);
+    head.colour.asShotGains = gainsOf(raw.imgdata.color.cam_mul);
+    head.colour.daylightGains = gainsOf(raw.imgdata.color.pre_mul);
+    need(raw.adjust_sizes_info_only()); // turns the sizes upright; nothing can be developed after it
+    head.width = raw.imgdata.sizes.iwidth;
+    head.height = raw.imgdata.sizes.iheight;
     if (head.width < 1 || head.height < 1) throw PlatformError("it holds no picture");
     return head;
 }
 
-struct RawFrame::Engine {
-    LibRaw raw{kQuiet};
+struct RawFrame::Engine : Session {
+    using Session::Session;
     bool damaged = false;
 
     static void onDamage(void* self, const char*, int) { static_cast<Engine*>(self)->damaged = true; }
 };
 
 RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, Demosaic demosaic)
-    : engine_(std::make_unique<Engine>())
+    : engine_(std::make_unique<Engine>(path))
 {
     LibRaw& raw = engine_->raw;
     raw.set_dataerror_handler(Engine::onDamage, engine_.get());
@@ -158,10 +224,15 @@ RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, 
     params.half_size = demosaic == Demosaic::halfSize;
     params.user_qual = demosaic == Demosaic::best ? 3 : 0; // adaptive homogeneity-directed, or bilinear
     for (std::size_t c = 0; c < 4; ++c) params.user_mul[c] = static_cast<float>(gains[c]);
-    openFile(raw, path);
+    engine_->open();
+    engine_->file.startWatching();
     need(raw.unpack());
-    // The engine goes on over missing data and would hand out what it has.
+    if (engine_->file.missedMuch()) throw PlatformError("the file is cut short");
     if (engine_->damaged || raw.error_count() != 0) throw PlatformError("its picture data are damaged");
+    // Behind a head without picture the engine hands out whatever its memory held.
+    constexpr INT64 kMostPixelsPerByte = 1024; // no coder packs a sensor's frame tighter
+    const INT64 pixels = INT64{raw.imgdata.sizes.raw_width} * raw.imgdata.sizes.raw_height;
+    if (engine_->file.readBytes() < pixels / kMostPixelsPerByte) throw PlatformError("the file is cut short");
     need(raw.dcraw_process());
     if (!raw.imgdata.image || width() < 1 || height() < 1) throw PlatformError("it holds no picture");
 }

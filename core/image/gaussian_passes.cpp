@@ -12,11 +12,12 @@
 #define TAMLO_GAUSSIAN_PASSES_ONCE
 namespace tamlo {
 
-// Columns of a strip, so that its rows in 64-bit floats stay in the first-level cache.
+inline constexpr std::int64_t kStripDoubles = 3584; // 28 KiB, within the first-level cache
+
+// Columns of a strip, so that its rows in 64-bit floats stay in the cache.
 inline std::int64_t gaussStripColumns(std::int64_t rows)
 {
-    constexpr std::int64_t kCacheDoubles = 3584; // 28 KiB
-    return std::clamp(kCacheDoubles / rows / kGaussBlock * kGaussBlock, kGaussBlock, 8 * kGaussBlock);
+    return std::clamp(kStripDoubles / rows / kGaussBlock * kGaussBlock, kGaussBlock, 8 * kGaussBlock);
 }
 
 } // namespace tamlo
@@ -142,8 +143,8 @@ std::int64_t edgeIndex(std::int64_t i, std::int64_t n, EdgeMode mode)
 
 std::size_t gaussStripDoubles(std::int64_t outRows, std::int64_t radius)
 {
-    const std::int64_t rows = outRows + 2 * radius;
-    return static_cast<std::size_t>(rows * gaussStripColumns(rows));
+    // A shorter block has wider strips, so its need may be the larger.
+    return static_cast<std::size_t>(std::max(kStripDoubles, (outRows + 2 * radius) * kGaussBlock));
 }
 
 void gauss_columns(const GaussColumns& block, GaussHalfKernel kernel) noexcept

@@ -27,7 +27,7 @@ constexpr std::int64_t gaussPadded(std::int64_t n)
 /// Index of the sample that stands at i under the edge rule; -1 where the edge reads 0.
 std::int64_t edgeIndex(std::int64_t i, std::int64_t n, EdgeMode mode);
 
-/// Doubles of scratch that gauss_columns needs for a block of outRows rows.
+/// Doubles of scratch that gauss_columns needs for blocks of up to outRows rows.
 std::size_t gaussStripDoubles(std::int64_t outRows, std::int64_t radius);
 
 struct GaussColumns {

@@ -1,6 +1,7 @@
 #include "core/io/encoded_decode.h"
 
 #include "core/image/bands.h"
+#include "core/image/orient.h"
 #include "core/image/tamlo_error.h"
 #include "core/image/zcolor.h"
 #include "core/io/decode_rules.h"
@@ -61,6 +62,15 @@ EncodedDecode decodeEncoded(const std::filesystem::path& path)
                              error.what());
     }
     return decode;
+}
+
+RGBImage loadEncodedAsLinear(const std::filesystem::path& path)
+{
+    EncodedDecode decode = decodeEncoded(path);
+    RGBImage image(decode.width, decode.height);
+    decode.linearize({image.mutableData(), image.data.size()});
+    decode.rgba = {}; // turning takes a second image
+    return Pipeline::orientImage(std::move(image), decode.rotate, decode.mirror);
 }
 
 } // namespace tamlo::ImageLoader

@@ -1,3 +1,4 @@
+#include "core/io/srgb_encode.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/pipeline.h"
 #include "core/process/border.h"
@@ -30,6 +31,7 @@ TEST(Pipeline, AGreyCardComesOutGreyOnTheNeutralTriple)
     const RGBImage out = neutral(RGBImage(64, 48, {0.18f, 0.18f, 0.18f}));
     EXPECT_EQ(out.size(), (Size{64, 48}));
     for (const float v : out.data) ASSERT_NEAR(v, 0.18f, 1e-4f);
+    for (const std::uint8_t v : ImageWriter::encodeSRGB8RGB(out)) ASSERT_NEAR(v, 118, 1);
 }
 
 TEST(Pipeline, IsThePictureAtAnySizeAndForAnyWorkers)

@@ -29,6 +29,9 @@ CASES = [
     ("tests/io/jpeg_test.cpp", "<gtest/gtest.h>", None),
     ("tests/io/jpeg_test.cpp", '"core/io/jpeg.h"', None),
     ("tests/io/jpeg_test.cpp", "<jpeglib.h>", "platform/ alone"),
+    ("tests/support/jpeg_reference.cpp", "<jpeglib.h>", None),
+    ("bench/io_bench.cpp", '"tests/support/jpeg_reference.h"', None),
+    ("bench/io_bench.cpp", '"tests/io/jpeg_cases.h"', "tests/ is not for others"),
     ("core/odd/thing.cpp", "<vector>", "no layer"),
 ]
 

@@ -31,7 +31,9 @@ def chunk(kind, data):
     return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
 
 
-def png(name, depth, colour, pixel, extra=b"", interlace=False):
+def png(name, depth, colour, pixel, extra=b"", interlace=False, size=(W, H)):
+    width, height = size
+
     def row(y, xs):
         if depth == 1:
             bits = "".join(str(pixel(x, y)[0]) for x in xs)
@@ -44,9 +46,9 @@ def png(name, depth, colour, pixel, extra=b"", interlace=False):
         passes = [(0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2), (0, 1, 1, 2)]
     raw = b""
     for x0, y0, dx, dy in passes:
-        for y in range(y0, H, dy):
-            raw += b"\0" + row(y, range(x0, W, dx))
-    data = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", W, H, depth, colour, 0, 0, int(interlace)))
+        for y in range(y0, height, dy):
+            raw += b"\0" + row(y, range(x0, width, dx))
+    data = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, depth, colour, 0, 0, int(interlace)))
     data += extra + chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b"")
     write(name, data)
 
@@ -97,7 +99,9 @@ def tiff_bytes(tags, blocks, order="<", big=False):
 
 
 def packbits(data):
-    return b"".join(bytes([min(len(data) - i, 128) - 1]) + data[i:i + 128] for i in range(0, len(data), 128))
+    """Each row of 3 x W bytes packed by itself, as the format wants it."""
+    rows = [data[i:i + 3 * W] for i in range(0, len(data), 3 * W)]
+    return b"".join(bytes([len(row[i:i + 128]) - 1]) + row[i:i + 128] for row in rows for i in range(0, len(row), 128))
 
 
 def tiff(name, pixel, bits=8, photometric=2, kind="uint", order="<", compression=1, planar=False, tile=0, rows=16,
@@ -186,9 +190,14 @@ def main():
     png("palette-alpha.png", 8, 3, lambda x, y: grey(x, y, 255),
         chunk(b"PLTE", greys) + chunk(b"tRNS", bytes([128] * 256)))
     png("rgb8-linear.png", 8, 2, lambda x, y: rgb(x, y, 255), chunk(b"gAMA", struct.pack(">I", 100000)))
+    png("rgb16-linear.png", 16, 2, lambda x, y: rgb(x, y, 65535), chunk(b"gAMA", struct.pack(">I", 100000)))
     png("rgb8-p3-chrm.png", 8, 2, lambda x, y: rgb(x, y, 255),
         chunk(b"gAMA", struct.pack(">I", 45455)) +
         chunk(b"cHRM", struct.pack(">8I", 31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000)))
+    png("one-pixel.png", 8, 2, lambda x, y: [200, 100, 50], size=(1, 1))
+    png("strip-30000x1.png", 8, 0, lambda x, y: [x * 255 // 29999], size=(30000, 1))
+    strip = {256: (4, [30000]), 257: (4, [1]), 258: (3, [8]), 259: (3, [8]), 262: (3, [1]), 277: (3, [1]), 278: (4, [1])}
+    write("strip-30000x1.tif", tiff_bytes(strip, [zlib.compress(bytes(x * 255 // 29999 for x in range(30000)), 9)]))
     png("rgb8-exif6.png", 8, 2, lambda x, y: rgb(x, y, 255), chunk(b"eXIf", exif_orientation(6)))
 
     tiff("rgb8.tif", lambda x, y: rgb(x, y, 255))

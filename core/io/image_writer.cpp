@@ -1,0 +1,195 @@
+#include "core/io/image_writer.h"
+
+#include "core/image/tamlo_error.h"
+#include "core/io/jpeg_encoder.h"
+#include "platform/atomic_file.h"
+#include "platform/platform_error.h"
+#include "platform/png_writer.h"
+#include "platform/srgb_profile.h"
+#include "platform/tiff_writer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <new>
+
+#include <nlohmann/json.hpp>
+
+namespace tamlo::ImageWriter {
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+enum class Format { jpeg, png, tiff, unknown };
+
+/// Lowercase, without the dot.
+std::string extensionOf(const std::string& path)
+{
+    std::string extension = fs::path(path).extension().string();
+    if (!extension.empty()) extension.erase(0, 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
+}
+
+Format formatOf(const std::string& extension)
+{
+    if (extension == "jpg" || extension == "jpeg") return Format::jpeg;
+    if (extension == "png") return Format::png;
+    if (extension == "tif" || extension == "tiff") return Format::tiff;
+    return Format::unknown;
+}
+
+void makeFolderOf(const std::string& path)
+{
+    const fs::path folder = fs::path(path).parent_path();
+    if (folder.empty()) return;
+    std::error_code failed;
+    fs::create_directories(folder, failed);
+    if (failed) throw TamloError::io("cannot create folder " + folder.string() + ": " + failed.message());
+}
+
+void checkSize(std::int64_t width, std::int64_t height, Format format)
+{
+    if (width < 1 || height < 1) throw TamloError::io("cannot create image");
+    if (format == Format::jpeg && std::max(width, height) > JPEGEncoder::kMaxSide)
+        throw TamloError::unsupported("a JPEG has at most 65535 pixels a side, this picture has " +
+                                      std::to_string(width) + " x " + std::to_string(height));
+}
+
+Bytes encodeJpeg(std::span<const std::uint8_t> rgb, std::int64_t width, std::int64_t height, int quality)
+{
+    return JPEGEncoder::encode({rgb, width, height}, quality, platform::srgbProfile());
+}
+
+Bytes encodePicture(const RGBImage& image, Format format, int quality)
+{
+    if (format == Format::jpeg) {
+        const PageBuffer rgb = encodeSRGB8RGB(image);
+        return encodeJpeg(rgb.bytes(static_cast<std::size_t>(image.pixelCount() * 3)), image.width,
+                          image.height, quality);
+    }
+    const platform::PictureLayout layout{image.width, image.height, 3, platform::srgbProfile()};
+    if (format == Format::png)
+        return platform::encodePng(layout,
+                                   [&](std::int64_t start, std::int64_t rows, std::span<std::uint8_t> to) {
+                                       encodeSRGB8Rows(image, start, rows, to);
+                                   });
+    return platform::encodeTiff16(layout,
+                                  [&](std::int64_t start, std::int64_t rows, std::span<std::uint16_t> to) {
+                                      encodeSRGB16Rows(image, start, rows, to);
+                                  });
+}
+
+/// Rows of a ready image as a file carries them: R G B, or R G B and straight alpha.
+void readyRows(const ReadyImage& image, std::int64_t start, std::int64_t rows, std::span<std::uint8_t> to)
+{
+    const bool opaque = image.alpha == ReadyImage::Alpha::skip;
+    const std::uint8_t* from = image.rgba.data() + start * image.width * 4;
+    std::uint8_t* out = to.data();
+    for (std::int64_t i = 0; i < rows * image.width; ++i, from += 4) {
+        const int alpha = from[3];
+        for (int c = 0; c < 3; ++c) {
+            const bool carried = image.alpha == ReadyImage::Alpha::premultiplied && alpha > 0;
+            *out++ = carried ? static_cast<std::uint8_t>(std::min((from[c] * 255 + alpha / 2) / alpha, 255))
+                             : from[c];
+        }
+        if (!opaque) *out++ = from[3];
+    }
+}
+
+Bytes encodePicture(const ReadyImage& image, Format format, int quality)
+{
+    if (format == Format::jpeg) {
+        const bool opaque = image.alpha == ReadyImage::Alpha::skip;
+        return encodeJpeg(opaque ? rgbBytes(image) : rgbBytes(flattenOnWhite(image)), image.width,
+                          image.height, quality);
+    }
+    const platform::PictureLayout layout{
+        image.width, image.height, image.alpha == ReadyImage::Alpha::skip ? 3 : 4, platform::srgbProfile()};
+    const auto rows = [&](std::int64_t start, std::int64_t count, std::span<std::uint8_t> to) {
+        readyRows(image, start, count, to);
+    };
+    return format == Format::png ? platform::encodePng(layout, rows) : platform::encodeTiff8(layout, rows);
+}
+
+void writeFile(const std::string& path, std::span<const std::uint8_t> bytes)
+{
+    std::optional<platform::AtomicFile> file;
+    try {
+        file.emplace(path);
+    } catch (const platform::PlatformError& error) {
+        throw TamloError::io("cannot create " + path + ": " + error.what());
+    }
+    try {
+        file->write(bytes);
+        file->commit();
+    } catch (const platform::PlatformError& error) {
+        throw TamloError::io("cannot write " + path + ": " + error.what());
+    }
+}
+
+template <typename Picture>
+void saveAs(const Picture& picture, const std::string& path, int quality,
+            const std::optional<OutputMetadata>& metadata, const std::string& allowed)
+{
+    makeFolderOf(path);
+    const std::string extension = extensionOf(path);
+    const Format format = formatOf(extension);
+    if (format == Format::unknown)
+        throw TamloError::invalidArgument("output extension ." + extension + allowed);
+    checkSize(picture.width, picture.height, format);
+    Bytes bytes;
+    try {
+        bytes = encodePicture(picture, format, quality);
+    } catch (const platform::PlatformError& error) {
+        throw TamloError::io("cannot write " + path + ": " + error.what());
+    } catch (const std::bad_alloc&) {
+        throw TamloError::io("cannot allocate " + std::to_string(picture.width * picture.height * 3) +
+                             " bytes");
+    }
+    if (metadata) bytes = attach(std::move(bytes), metadata->properties(), metadata->copyOptions());
+    writeFile(path, bytes);
+}
+
+} // namespace
+
+std::vector<std::uint8_t> attach(std::vector<std::uint8_t> file, const nlohmann::json& properties,
+                                 const platform::MetadataCopy& copy)
+{
+    if (hasGPS(properties)) return file;
+    try {
+        return platform::withMetadata(file, copy);
+    } catch (const platform::PlatformError&) {
+        return file; // the picture is worth more than what it says about itself
+    }
+}
+
+void save(const RGBImage& image, const std::string& path, int quality,
+          const std::optional<OutputMetadata>& metadata)
+{
+    saveAs(image, path, quality, metadata, " (use jpg/png/tif)");
+}
+
+void save(const ReadyImage& image, const std::string& path, int quality,
+          const std::optional<OutputMetadata>& metadata)
+{
+    saveAs(image, path, quality, metadata, " for a ready image (use jpg/png)");
+}
+
+SocialCopy saveSocial(const RGBImage& image, const std::string& master, int quality,
+                      const std::optional<OutputMetadata>& metadata)
+{
+    const fs::path folder = fs::path(master).parent_path();
+    const std::string name = fs::path(master).stem().string() + "_social.jpg";
+    SocialCopy copy{(folder / "social" / name).string(), false};
+    try {
+        save(image, copy.path, quality, metadata);
+    } catch (const TamloError&) {
+        copy = {(folder / name).string(), true};
+        save(image, copy.path, quality, metadata);
+    }
+    return copy;
+}
+
+} // namespace tamlo::ImageWriter

@@ -1,0 +1,227 @@
+// tamlo develop from file to file, with good input and with everything that can be wrong with it.
+#include "core/image/rgb_image.h"
+#include "core/io/image_loader.h"
+#include "core/io/image_writer.h"
+#include "tests/cli/run_tamlo.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace tamlo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSamples = TAMLO_SAMPLES;
+const fs::path kPicture = kSamples / "color" / "fig-srgb.jpg";
+const fs::path kRaw = kSamples / "raw" / "bayer-orientation6.dng";
+
+class DevelopTest : public ::testing::Test {
+protected:
+    RunResult run(const std::vector<std::string>& arguments, RunSettings settings = {}) const
+    {
+        settings.folder = scratch_.path();
+        std::vector<std::string> all{"develop"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return runTamlo(all, settings);
+    }
+
+    /// What must hold after a run that wrote nothing.
+    void expectFailure(const RunResult& result, const std::string& says) const
+    {
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.out, "");
+        ASSERT_EQ(result.messages().size(), 1u) << result.err;
+        EXPECT_NE(result.messages()[0].find(says), std::string::npos) << result.err;
+        EXPECT_TRUE(scratch_.listing().empty());
+    }
+
+    static Size sizeOf(const fs::path& file) { return ImageLoader::loadEncodedAsLinear(file).size(); }
+
+    ScratchFolder scratch_;
+    ScratchFolder sources_;
+};
+
+TEST_F(DevelopTest, WritesAndNamesTheFile)
+{
+    const RunResult result = run({kPicture.string(), "--long", "90"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "fig-srgb-tamlo.jpg\n");
+    EXPECT_TRUE(result.messages().empty());
+    EXPECT_EQ(scratch_.listing(), std::vector<std::string>{"fig-srgb-tamlo.jpg"});
+    EXPECT_EQ(sizeOf(scratch_ / "fig-srgb-tamlo.jpg"), (Size{90, 61}));
+}
+
+TEST_F(DevelopTest, EveryFormatAndARawFile)
+{
+    for (const std::string name : {"b.JPG", "c.jpeg", "d.png", "deep/er/e.tif", "f.tiff"}) {
+        SCOPED_TRACE(name);
+        const RunResult result = run({kRaw.string(), "-o", name, "--long", "60"});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.out, name + "\n");
+        EXPECT_EQ(sizeOf(scratch_ / name), (Size{40, 60}));
+    }
+}
+
+TEST_F(DevelopTest, SettingsReachThePicture)
+{
+    writeFile(sources_ / "o.json", R"({"printEv": 1, "seed": 7})");
+    const std::vector<std::vector<std::string>> variants{
+        {},
+        {"--set", "print_ev=1"},
+        {"--set", "print_ev=1", "mirror=true"},
+        {"--options", (sources_ / "o.json").string(), "--set", "print_ev=0.5"},
+        {"--film", "velvia50"},
+        {"--paper", "color_scan"},
+        {"--quality", "50"}};
+    std::vector<std::string> files;
+    for (std::size_t i = 0; i < variants.size(); ++i) {
+        std::vector<std::string> arguments{kPicture.string(), "--long", "48", "-o",
+                                           std::to_string(i) + ".jpg"};
+        arguments.insert(arguments.end(), variants[i].begin(), variants[i].end());
+        const RunResult result = run(arguments);
+        ASSERT_EQ(result.status, 0) << result.err;
+        files.push_back(readFile(scratch_ / (std::to_string(i) + ".jpg")));
+        for (std::size_t earlier = 0; earlier < i; ++earlier) EXPECT_NE(files[i], files[earlier]) << i;
+    }
+    const RunResult again = run(
+        {kPicture.string(), "--long", "48", "-o", "again.jpg", "--options", (sources_ / "o.json").string()});
+    ASSERT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(readFile(scratch_ / "again.jpg"), files[1]); // the older spelling of a key, from a file
+}
+
+TEST_F(DevelopTest, AFailedPictureDoesNotStopTheOthers)
+{
+    writeFile(sources_ / "bad.jpg", "no picture");
+    const RunResult result = run({kPicture.string(), (sources_ / "bad.jpg").string(), kRaw.string(), "--long",
+                                  "48", "--out-dir", "out"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "out/fig-srgb-tamlo.jpg\nout/bayer-orientation6-tamlo.jpg\n");
+    ASSERT_FALSE(result.messages().empty());
+    EXPECT_NE(result.messages().back().find("bad.jpg"), std::string::npos);
+    EXPECT_TRUE(result.err.ends_with(result.messages().back() + "\n")); // named at the end
+    EXPECT_EQ(scratch_.listing(), (std::vector<std::string>{"out", "out/bayer-orientation6-tamlo.jpg",
+                                                            "out/fig-srgb-tamlo.jpg"}));
+}
+
+TEST_F(DevelopTest, BadPicturesGiveOneSentence)
+{
+    const auto cut = [&](const fs::path& sample, double share) {
+        const std::string bytes = readFile(sample);
+        return bytes.substr(0, static_cast<std::size_t>(static_cast<double>(bytes.size()) * share));
+    };
+    const std::vector<std::pair<std::string, std::string>> files{
+        {"empty.jpg", ""},
+        {"empty.dng", ""},
+        {"text.png", "This is no picture.\n"},
+        {"cut.png", cut(kSamples / "patterns" / "rgb8.png", 0.6)},
+        {"cut.tif", cut(kSamples / "deep" / "creek-8bit.tif", 0.5)},
+        {"cut.heic", cut(kSamples / "heic" / "dandelions-srgb.heic", 0.5)},
+        {"cut.dng", cut(kRaw, 0.5)},
+        {"head.jpg", cut(kPicture, 0.01)},
+        {"cut.jpg", cut(kPicture, 0.5)},
+        {"jpeg.nef", readFile(kPicture)},
+    };
+    for (const auto& [name, bytes] : files) {
+        SCOPED_TRACE(name);
+        writeFile(sources_ / name, bytes);
+        expectFailure(run({(sources_ / name).string(), "--long", "64"}), name);
+    }
+    expectFailure(run({(sources_ / "missing.jpg").string()}), "missing.jpg");
+    fs::create_directory(sources_ / "folder.jpg");
+    expectFailure(run({(sources_ / "folder.jpg").string()}), "is a folder");
+}
+
+TEST_F(DevelopTest, AWrongExtensionOfAnEncodedPictureIsNoFault)
+{
+    fs::copy_file(kPicture, sources_ / "jpeg-inside.png");
+    EXPECT_EQ(run({(sources_ / "jpeg-inside.png").string(), "--long", "48"}).status, 0);
+}
+
+TEST_F(DevelopTest, ThinPicturesComeThrough)
+{
+    for (const Size size : {Size{1, 1}, Size{30000, 1}, Size{1, 30000}}) {
+        const std::string name = std::to_string(size.width) + "x" + std::to_string(size.height) + ".png";
+        SCOPED_TRACE(name);
+        ImageWriter::save(RGBImage(size.width, size.height, Vec3f{0.2f, 0.3f, 0.1f}),
+                          (sources_ / name).string(), 95, std::nullopt);
+        const RunResult result = run({(sources_ / name).string(), "--set", "master_cap=false", "-o", name});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(sizeOf(scratch_ / name), size);
+    }
+}
+
+TEST_F(DevelopTest, BadOptionFilesGiveOneSentence)
+{
+    const std::vector<std::pair<std::string, std::string>> files{
+        {"not json at all", "o.json"}, {"{\"grade\": 3", "o.json"},
+        {"[1, 2]", "o.json"},          {"{\"grade\": \"hard\"}", "grade"},
+        {"{\"crop\": 7}", "crop"},     {std::string("\0\xff\xfe", 3), "o.json"},
+    };
+    for (const auto& [text, says] : files) {
+        SCOPED_TRACE(text);
+        writeFile(sources_ / "o.json", text);
+        expectFailure(run({kPicture.string(), "--options", (sources_ / "o.json").string()}), says);
+    }
+    expectFailure(run({kPicture.string(), "--options", (sources_ / "none.json").string()}), "none.json");
+    expectFailure(run({kPicture.string(), "--options", sources_.path().string()}), "is a folder");
+}
+
+TEST_F(DevelopTest, BadProfilesGiveOneSentence)
+{
+    const std::vector<std::pair<std::string, std::string>> profiles{
+        {"{", "Invalid profile"},
+        {"{\"name\": \"No type\"}", "type"},
+        {"{\"type\": 5}", "type"},
+        {"{\"type\": \"color\", \"layers\": {\"r\": {}}}", "layers"},
+    };
+    RunSettings settings;
+    settings.environment["TAMLO_PROFILES"] = sources_.path().string();
+    fs::create_directories(sources_ / "films");
+    for (const auto& [text, says] : profiles) {
+        SCOPED_TRACE(text);
+        writeFile(sources_ / "films" / "portra400.json", text);
+        expectFailure(run({kPicture.string()}, settings), says);
+    }
+}
+
+TEST_F(DevelopTest, AnOutputThatCannotBeWrittenLeavesNothing)
+{
+    writeFile(sources_ / "file", "");
+    expectFailure(
+        run({kPicture.string(), "--long", "64", "--out-dir", (sources_ / "file" / "deeper").string()}),
+        "is not a folder");
+    expectFailure(run({kPicture.string(), "--long", "64", "--out-dir", "/proc/tamlo/out"}), "/proc/tamlo");
+
+    for (const char* name : {"full.jpg", "full.png", "full.tif"}) {
+        SCOPED_TRACE(name);
+        RunSettings full;
+        full.fileSizeLimit = 4096; // far below the file, above what the program says
+        expectFailure(run({kPicture.string(), "--long", "400", "-o", name}, full), name);
+    }
+}
+
+TEST_F(DevelopTest, AFullDiskKeepsTheOlderFile)
+{
+    writeFile(scratch_ / "old.jpg", "an earlier picture");
+    RunSettings full;
+    full.fileSizeLimit = 4096;
+    EXPECT_EQ(run({kPicture.string(), "--long", "400", "-o", "old.jpg"}, full).status, 1);
+    EXPECT_EQ(scratch_.listing(), std::vector<std::string>{"old.jpg"});
+    EXPECT_EQ(readFile(scratch_ / "old.jpg"), "an earlier picture");
+}
+
+TEST_F(DevelopTest, AnInterruptLeavesNothing)
+{
+    RunSettings interrupt;
+    interrupt.interruptAtPhase = ": reading";
+    const RunResult result = run({kPicture.string(), kRaw.string(), "--out-dir", "out"}, interrupt);
+    EXPECT_EQ(result.status, 130) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_TRUE(scratch_.listing().empty());
+}
+
+} // namespace
+} // namespace tamlo::test
