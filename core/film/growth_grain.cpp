@@ -43,14 +43,13 @@ Plane spread(Plane light, double pxUm)
 
 /// pass(run, density row, light row) over the rows of a channel; both rows are padded.
 template <typename Pass>
-Plane aggregateTransmission(const GrowthChannel& density, const Pass& pass)
+void aggregateTransmission(const GrowthChannel& density, Plane& light, const Pass& pass)
 {
     const Size size = density.size;
     const std::int64_t padded = growthPadded(size.width);
     std::vector<std::uint32_t> columnHash;
     for (std::int64_t x = 0; x < padded; ++x)
         columnHash.push_back(static_cast<std::uint32_t>(x) * kGrowthColumnPrime);
-    Plane light(size.width, size.height);
     float* out = light.mutableData();
     parallelBands(size.height, size.width, [&](std::int64_t start, std::int64_t end) {
         std::vector<float> from(static_cast<std::size_t>(padded)), to(from.size());
@@ -62,7 +61,6 @@ Plane aggregateTransmission(const GrowthChannel& density, const Pass& pass)
             std::copy_n(to.data(), size.width, out + y * size.width);
         }
     });
-    return light;
 }
 
 /// Light to density in every stride-th float.
@@ -217,15 +215,15 @@ Plane growthBW(Plane density, double dmin, double dmax, const GrowthFrame& frame
     if (!(amount > kMinAmount) || !(frame.formatLongUm > 0.0) || density.count() == 0) return density;
     const SilverPlan plan = planSilver(density.size(), dmin, dmax, amount, frame);
     const GrowthChannel channel{density.data.data(), 1, density.size()};
-    Plane light;
+    Plane light(density.width, density.height);
     if (takesAggregate(plan.lattice, plan.setup.clumpUm, density.size(), frame.zone)) {
         const GrowthAggBWParams params = planSilverAggregate(plan);
         if (frame.zone == GrowthZone::automatic && sigmaAtCalibration(params) < skipSigmaD) return density;
-        light = aggregateTransmission(channel, [&](const GrowthRun& run, const float* from, float* to) {
+        aggregateTransmission(channel, light, [&](const GrowthRun& run, const float* from, float* to) {
             growth_agg_bw(run, params, from, to);
         });
     } else {
-        light = growthTransmission(channel, planSilverFull(plan), frame.tiling);
+        growthTransmission(channel, planSilverFull(plan), frame.tiling, light);
     }
     light = spread(std::move(light), plan.lattice.pxUm);
     writeDensity(light, planDensity(dmin, dmax), density.mutableData(), 1);
@@ -239,17 +237,17 @@ RGBImage growthColor(RGBImage density, const Vec3d& dmins, const Vec3d& dmaxs, c
     const DyePlan plan = planDye(density.size(), dmins, dmaxs, amount, frame);
     const bool aggregate = takesAggregate(plan.lattice, plan.clumpUm, density.size(), frame.zone);
     float* values = density.mutableData();
+    Plane light(density.width, density.height);
     for (std::size_t c = 0; c < 3; ++c) {
         const DyeLayer layer = planDyeLayer(plan, c, dmins[c], dmaxs[c], frame);
         const GrowthChannel channel{values + c, 3, density.size()};
-        Plane light;
         if (aggregate) {
             const GrowthAggColorParams params = planDyeAggregate(plan, layer);
-            light = aggregateTransmission(channel, [&](const GrowthRun& run, const float* from, float* to) {
+            aggregateTransmission(channel, light, [&](const GrowthRun& run, const float* from, float* to) {
                 growth_agg_color(run, params, from, to);
             });
         } else {
-            light = growthTransmission(channel, planDyeFull(plan, layer), frame.tiling);
+            growthTransmission(channel, planDyeFull(plan, layer), frame.tiling, light);
         }
         light = spread(std::move(light), plan.lattice.pxUm);
         writeDensity(light, planDensity(dmins[c], dmaxs[c]), values + c, 3);

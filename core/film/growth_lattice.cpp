@@ -91,7 +91,7 @@ struct PixelRect {
 /// along x, waits in one ring for the blur along y; dye density, blurred along x, in a second one.
 class Strip {
 public:
-    Strip(const GrowthChannel& density, const GrowthLatticePlan& plan, const PixelRect& rect, Plane& light)
+    Strip(const GrowthChannel& density, const GrowthLatticePlan& plan, const PixelRect& rect, float* light)
         : density_(density),
           plan_(plan),
           rect_(rect),
@@ -109,8 +109,7 @@ public:
           pixels_(static_cast<std::size_t>(growthPadded(columns_.pixelCount))),
           sums_(static_cast<std::size_t>(columns_.fieldCount)),
           kernelRows_(static_cast<std::size_t>(2 * std::max(clumpR_, cloudR_) + kGrowthRows)),
-          light_(light),
-          lightData_(light.mutableData())
+          light_(light)
     {}
 
     void run()
@@ -185,7 +184,7 @@ private:
         }
         if ((y + 1) % plan_.scale != 0) return;
         growth_pixel_means(sums_.data(), plan_.scale, rect_.x1 - rect_.x0,
-                           lightData_ + y / plan_.scale * light_.width + rect_.x0);
+                           light_ + y / plan_.scale * density_.size.width + rect_.x0);
         std::fill(sums_.begin(), sums_.end(), 0.0f);
     }
 
@@ -229,8 +228,7 @@ private:
     std::vector<float> noise_, pixels_, sums_;
     std::vector<const float*> kernelRows_;
     std::array<std::int64_t, 2> stretchedIs_{-1, -1};
-    const Plane& light_;
-    float* lightData_;
+    float* light_;
 };
 
 /// Cuts of 0...count into parts of at most `part`.
@@ -261,12 +259,11 @@ void planClumps(GrowthLatticePlan& plan, double clumpSites)
     for (float& w : plan.clumpY) w = static_cast<float>(static_cast<double>(w) / std::max(squares, 1e-12));
 }
 
-Plane growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& plan,
-                         const GrowthTiling& tiling)
+void growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& plan,
+                        const GrowthTiling& tiling, Plane& light)
 {
     const Size size = density.size;
-    Plane light(size.width, size.height);
-    light.mutableData();
+    float* out = light.mutableData();
     const std::int64_t stripPx = std::clamp<std::int64_t>(tiling.stripSites / plan.scale, 1, size.width);
     const std::int64_t bandPx =
         std::max<std::int64_t>(tiling.bandSites / (stripPx * plan.scale * plan.scale), 1);
@@ -274,9 +271,8 @@ Plane growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& 
     platform::runConcurrently(static_cast<int>(strips.size() * bands.size()), [&](int job) {
         const auto [x0, x1] = strips[static_cast<std::size_t>(job) % strips.size()];
         const auto [y0, y1] = bands[static_cast<std::size_t>(job) / strips.size()];
-        Strip(density, plan, {x0, x1, y0, y1}, light).run();
+        Strip(density, plan, {x0, x1, y0, y1}, out).run();
     });
-    return light;
 }
 
 } // namespace tamlo

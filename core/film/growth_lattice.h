@@ -42,8 +42,8 @@ struct GrowthTiling {
 /// The kernels of a clump field of that sigma.
 void planClumps(GrowthLatticePlan& plan, double clumpSites);
 
-/// Mean light through each pixel, before the optical spread.
-Plane growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& plan,
-                         const GrowthTiling& tiling);
+/// Mean light through each pixel, before the optical spread, into a plane of the channel's size.
+void growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& plan,
+                        const GrowthTiling& tiling, Plane& light);
 
 } // namespace tamlo

@@ -37,13 +37,22 @@ public:
     HWY_INLINE VU at(std::int64_t i) const
     {
         const DU d;
-        return hashVector(d, hn::Xor(hn::LoadU(d, columns_ + i), hn::Set(d, row_)));
+        return hashLanes(d, hn::Xor(hn::LoadU(d, columns_ + i), hn::Set(d, row_)));
     }
+    HWY_INLINE V unit(std::int64_t i) const { return unitLanes(D(), at(i)); }
 
 private:
     const std::uint32_t* columns_;
     std::uint32_t row_;
 };
+
+/// value(index) of four vectors from i on.
+template <class Op>
+HWY_INLINE Quad<V> quadAt(std::int64_t i, const Op& value)
+{
+    const std::int64_t n = lanes();
+    return {value(i), value(i + n), value(i + 2 * n), value(i + 3 * n)};
+}
 
 /// clamp(v, 0, most), and 0 for NaN.
 HWY_INLINE V heldTo(V v, float most)
@@ -70,7 +79,7 @@ void growthNoise(const GrowthRun& run, std::uint32_t seed, float* HWY_RESTRICT o
     const D d;
     const RowHash radius(run, seed, kRadiusSalt), angle(run, seed, kAngleSalt);
     for (std::int64_t i = 0; i < run.count; i += lanes())
-        hn::StoreU(normalVector(d, radius.at(i), angle.at(i)), d, out + i);
+        hn::StoreU(normalLanes(d, radius.at(i), angle.at(i)), d, out + i);
 }
 
 // The centre first, then the pairs from the outside in.
@@ -166,31 +175,50 @@ HWY_INLINE V clumping(const GrowthGround& ground, float cs, std::int64_t i)
     return hn::Exp(d, hn::Sub(hn::Mul(g, hn::Set(d, cs)), hn::Set(d, cs * cs * 0.5f)));
 }
 
+/// finish(index, counts) on the Poisson counts of a run, four vectors at a time; lam(index) is the mean at a
+/// vector of sites.
+template <class Mean, class Finish>
+HWY_INLINE void eachCount(const GrowthRun& run, std::uint32_t seed, const Mean& lam, const Finish& finish)
+{
+    const D d;
+    const RowHash hash(run, seed, kCountSalt);
+    const std::int64_t step = 4 * lanes();
+    PoissonRun<D> poisson;
+    for (std::int64_t start = 0; start < run.count; start += PoissonRun<D>::kMost) {
+        const std::int64_t end = std::min<std::int64_t>(start + PoissonRun<D>::kMost, run.count);
+        for (std::int64_t i = start; i < end; i += step) {
+            const Quad<V> u = quadAt(i, [&](std::int64_t at) HWY_ATTR { return hash.unit(at); });
+            poisson.draw(u, quadAt(i, lam));
+        }
+        const float* counts = poisson.finish();
+        for (std::int64_t i = start; i < end; i += lanes()) finish(i, hn::LoadU(d, counts + i - start));
+    }
+}
+
 void growthSites(const GrowthRun& run, const GrowthGround& ground, const GrowthSilverParams& params,
                  float* HWY_RESTRICT sums)
 {
     const D d;
-    const RowHash hash(run, params.seed, kCountSalt);
     const V q = hn::Set(d, params.q), k = hn::Set(d, -params.k);
-    for (std::int64_t i = 0; i < run.count; i += lanes()) {
-        const V lam = hn::Mul(hn::Mul(q, groundAt(ground, i)), clumping(ground, params.cs, i));
-        const V crystals = poissonVector(d, unitVector(d, hash.at(i)), lam);
+    const auto lam = [&](std::int64_t i) HWY_ATTR {
+        return hn::Mul(hn::Mul(q, groundAt(ground, i)), clumping(ground, params.cs, i));
+    };
+    eachCount(run, params.seed, lam, [&](std::int64_t i, V crystals) HWY_ATTR {
         const V light = hn::Exp(d, hn::Mul(k, crystals));
         hn::StoreU(hn::Add(hn::LoadU(d, sums + i), light), d, sums + i);
-    }
+    });
 }
 
 void growthDye(const GrowthRun& run, const GrowthGround& ground, const GrowthDyeParams& params, float* out)
 {
     const D d;
-    const RowHash hash(run, params.seed, kCountSalt);
     const V delta = hn::Set(d, params.delta), perDelta = hn::Set(d, 1.0f / std::max(params.delta, 1e-4f));
-    for (std::int64_t i = 0; i < run.count; i += lanes()) {
+    const auto lam = [&](std::int64_t i) HWY_ATTR {
         const V density = heldTo(hn::Sub(groundAt(ground, i), hn::Set(d, params.dmin)), params.span);
-        const V lam = hn::Mul(hn::Mul(density, perDelta), clumping(ground, params.cs, i));
-        const V clouds = poissonVector(d, unitVector(d, hash.at(i)), lam);
-        hn::StoreU(hn::Mul(delta, clouds), d, out + i);
-    }
+        return hn::Mul(hn::Mul(density, perDelta), clumping(ground, params.cs, i));
+    };
+    eachCount(run, params.seed, lam,
+              [&](std::int64_t i, V clouds) HWY_ATTR { hn::StoreU(hn::Mul(delta, clouds), d, out + i); });
 }
 
 void growthDyeReduce(const float* HWY_RESTRICT density, std::int64_t count, float* HWY_RESTRICT sums)
@@ -222,7 +250,7 @@ void growthAggBW(const GrowthRun& run, const GrowthAggBWParams& p, const float* 
         const V zero = hn::Zero(d);
         const V sites = hn::Mul(hn::Max(hn::Sub(m2s, m1sq), zero), hn::Set(d, p.siteShare));
         const V clumps = hn::Mul(hn::Max(hn::Sub(m1sq, hn::Mul(m1, m1)), zero), hn::Set(d, p.clumpShare));
-        const V z = quantileVector(d, unitVector(d, hash.at(i)));
+        const V z = quantileVector(d, hash.unit(i));
         const V light = hn::Add(m1, hn::Mul(z, hn::Sqrt(hn::Add(sites, clumps))));
         hn::StoreU(hn::Clamp(light, hn::Set(d, 1e-6f), hn::Set(d, 1.0f)), d, out + i);
     }
@@ -243,7 +271,7 @@ void growthAggColor(const GrowthRun& run, const GrowthAggColorParams& p, const f
                             hn::Mul(hn::Set(d, p.clumpVariance), hn::Mul(net, net)));
         const V shift = hn::Mul(hn::Set(d, 0.5f * Grain::ln10f), v);
         const V effective = hn::Sub(shift, hn::Log10(d, hn::Max(m1, hn::Set(d, 1e-30f))));
-        const V z = quantileVector(d, unitVector(d, hash.at(i)));
+        const V z = quantileVector(d, hash.unit(i));
         const V drawn = hn::Add(effective, hn::Mul(z, hn::Sqrt(hn::Max(v, hn::Zero(d)))));
         hn::StoreU(exp10Neg(hn::Max(drawn, hn::Zero(d))), d, out + i);
     }
