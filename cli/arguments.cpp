@@ -68,7 +68,7 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
         ->type_name("ID");
     command
         .add_option("--set", into.settings, "Set an option of the render, such as print_ev=0.3 border=0.05")
-        ->type_name("KEY=VALUE ...")
+        ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     command
         .add_option("--options", into.optionsFile,
@@ -125,10 +125,12 @@ Command parseArguments(const std::vector<std::string>& arguments)
         app.parse(std::move(reversed));
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        return Answer{chosen.empty() ? app.help() : chosen.front()->help()};
+        return Answer{chosen.empty() ? app.help() : chosen.front()->help("tamlo")};
     } catch (const CLI::CallForVersion&) {
         return Answer{versionText() + "\n"};
     } catch (const CLI::ParseError& error) {
+        if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
+            throw UsageError("there is no command '" + arguments[0] + "'; there are develop, list and show");
         throw UsageError(sentence(error.what()) + " (tamlo --help tells the usage)");
     }
     if (developCommand->parsed()) return develop;

@@ -31,7 +31,7 @@ SigmaAmp effectiveSigmaAmp(double sizeUm, double pxUm, double sizeMult, double a
 /// How a frame's classic grain is laid.
 struct ClassicGrain {
     /// As Film::grainProfile gives it.
-    GrainParams gprof;
+    GrainParams gprof{};
     double pxUm = 1.0;
     /// The options grainSizeMult and grainMult.
     double sizeMult = 1.0;

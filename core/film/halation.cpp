@@ -31,7 +31,8 @@ std::optional<HalationPlan> planHalation(const std::optional<HalationParams>& pa
     plan.threshold = static_cast<float>(params->threshold.value_or(0.8));
     plan.layerGain = static_cast<float>(strength);
     const Vec3d tint = params->tint.value_or(kTint);
-    for (std::size_t c = 0; c < 3; ++c) plan.gains[c] = static_cast<float>(strength * tint[c]);
+    for (std::size_t c = 0; c < 3; ++c)
+        plan.gains[c] = static_cast<float>(std::clamp(strength * tint[c], -kMaxStrength, kMaxStrength));
     return plan;
 }
 

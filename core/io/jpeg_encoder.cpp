@@ -30,8 +30,6 @@ Reciprocals reciprocalsOf(const QuantTable& luminance, const QuantTable& chromin
     return f;
 }
 
-// --- header ---
-
 void put16(Bytes& out, std::size_t value)
 {
     out.push_back(static_cast<std::uint8_t>(value >> 8));
@@ -85,8 +83,6 @@ void putHeader(Bytes& out, const Pixels& pixels, std::span<const std::uint8_t> i
     putSegment(out, 0xDA, 12);
     out.insert(out.end(), {3, 1, 0x00, 2, 0x11, 3, 0x11, 0, 63, 0});
 }
-
-// --- entropy coding of a band ---
 
 /// Codes and lengths in one read: (code << 8) | length, DC luminance at 0, DC chrominance at 256, AC
 /// luminance at 512, AC chrominance at 768.
@@ -230,8 +226,6 @@ void encodeBand(const BandPlan& plan, std::int64_t band, RawBits& out)
 
 } // namespace
 
-// --- the final stream ---
-
 void BitWriter::emit(std::uint8_t byte)
 {
     out_.push_back(byte);
@@ -248,17 +242,27 @@ void BitWriter::put(std::uint32_t code, int size)
 
 void BitWriter::append(const RawBits& band)
 {
+    const std::size_t words = band.count / 8;
+    // In pieces, so that the room made for stuffing is still in the cache when it is written.
+    constexpr std::size_t kPiece = 512;
+    for (std::size_t i = 0; i < words; i += kPiece)
+        appendWords(band.buf.get() + i * 8, std::min(kPiece, words - i));
+    for (std::size_t i = words * 8; i < band.count; ++i) put(band.buf[i], 8);
+    put(static_cast<std::uint32_t>(band.acc), band.n);
+}
+
+void BitWriter::appendWords(const std::uint8_t* from, std::size_t words)
+{
     // Eight bytes at a time: shifted by the pending bits, looked at for a 0xFF as one word, and stored whole
     // where there is none, which is nearly always.
     constexpr std::uint64_t kLow = 0x0101010101010101u, kHigh = 0x8080808080808080u;
-    const std::size_t words = band.count / 8;
     const std::size_t start = out_.size();
     out_.resize(start + words * 16);
     std::uint8_t* to = out_.data() + start;
     std::uint64_t pending = n_ > 0 ? static_cast<std::uint64_t>(acc_) << (64 - n_) : 0;
     for (std::size_t i = 0; i < words; ++i) {
         std::uint64_t raw;
-        std::memcpy(&raw, band.buf.get() + i * 8, 8);
+        std::memcpy(&raw, from + i * 8, 8);
         raw = __builtin_bswap64(raw);
         const std::uint64_t word = pending | (raw >> n_);
         pending = n_ > 0 ? raw << (64 - n_) : 0;
@@ -277,8 +281,6 @@ void BitWriter::append(const RawBits& band)
     }
     acc_ = n_ > 0 ? static_cast<std::uint32_t>(pending >> (64 - n_)) : 0;
     out_.resize(static_cast<std::size_t>(to - out_.data()));
-    for (std::size_t i = words * 8; i < band.count; ++i) put(band.buf[i], 8);
-    put(static_cast<std::uint32_t>(band.acc), band.n);
 }
 
 void BitWriter::finish()

@@ -58,6 +58,7 @@ public:
 
 private:
     void emit(std::uint8_t byte);
+    void appendWords(const std::uint8_t* from, std::size_t words);
 
     std::vector<std::uint8_t>& out_;
     /// At most 7 bits wait for their byte: the low n_ of acc_.

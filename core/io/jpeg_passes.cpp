@@ -41,47 +41,44 @@ const std::uint8_t* groupPixels(const BlockSource& s, std::int64_t y0, std::int6
     return scratch.pixels;
 }
 
-/// An 8 × 8 matrix of bytes turned about its diagonal, by exchanging ever smaller halves of 64-bit rows.
-HWY_INLINE void transposeBytes(const std::uint8_t* from, std::uint8_t* to)
-{
-    std::uint64_t a[8];
-    std::memcpy(a, from, 64);
-    constexpr std::uint64_t m4 = 0x00000000FFFFFFFFu, m2 = 0x0000FFFF0000FFFFu, m1 = 0x00FF00FF00FF00FFu;
-    for (int i = 0; i < 4; ++i) {
-        const std::uint64_t lo = a[i], hi = a[i + 4];
-        a[i] = (lo & m4) | (hi << 32);
-        a[i + 4] = (lo >> 32) | (hi & ~m4);
-    }
-    for (const int i : {0, 1, 4, 5}) {
-        const std::uint64_t lo = a[i], hi = a[i + 2];
-        a[i] = (lo & m2) | ((hi & m2) << 16);
-        a[i + 2] = ((lo >> 16) & m2) | (hi & ~m2);
-    }
-    for (const int i : {0, 2, 4, 6}) {
-        const std::uint64_t lo = a[i], hi = a[i + 1];
-        a[i] = (lo & m1) | ((hi & m1) << 8);
-        a[i + 1] = ((lo >> 8) & m1) | (hi & ~m1);
-    }
-    std::memcpy(to, a, 64);
-}
-
 /// Bytes R, G, B of the group apart, position by position with the eight blocks side by side.
 void spreadLanes(const std::uint8_t* pixels, const std::int64_t rowBytes[8], BlockScratch& scratch)
 {
-    const hn::CappedTag<std::uint8_t, 16> d8;
-    const std::size_t n = hn::Lanes(d8);
-    alignas(64) std::uint8_t row[3][kGroupBlocks * 8];
+#if HWY_TARGET == HWY_SCALAR
+    for (std::int64_t r = 0; r < 8; ++r)
+        for (std::int64_t i = 0; i < 64 * 3; ++i) {
+            const std::int64_t x = i / 3 % 8, block = i / 24;
+            scratch.lanes[i % 3][r * 64 + x * 8 + block] = pixels[rowBytes[r] + i];
+        }
+#else
+    const hn::Full128<std::uint8_t> d8;
+    using V8 = hn::Vec<decltype(d8)>;
     for (int r = 0; r < 8; ++r) {
         const std::uint8_t* from = pixels + rowBytes[r];
-        for (std::size_t x = 0; x < kGroupBlocks * 8; x += n) {
-            hn::Vec<decltype(d8)> red, green, blue;
-            hn::LoadInterleaved3(d8, from + x * 3, red, green, blue);
-            hn::Store(red, d8, row[0] + x);
-            hn::Store(green, d8, row[1] + x);
-            hn::Store(blue, d8, row[2] + x);
+        V8 v[3][4];
+#pragma GCC unroll 4
+        for (int i = 0; i < 4; ++i) hn::LoadInterleaved3(d8, from + i * 48, v[0][i], v[1][i], v[2][i]);
+#pragma GCC unroll 3
+        for (int c = 0; c < 3; ++c) {
+            V8 a = v[c][0], b = v[c][1], e = v[c][2], f = v[c][3];
+            // 64 bytes whose index is (block, x). Interleaving the halves rotates the index by one bit, and
+            // three of its six bits on it is (x, block).
+#pragma GCC unroll 3
+            for (int round = 0; round < 3; ++round) {
+                const V8 first = hn::InterleaveLower(d8, a, e), second = hn::InterleaveUpper(d8, a, e);
+                e = hn::InterleaveLower(d8, b, f);
+                f = hn::InterleaveUpper(d8, b, f);
+                a = first;
+                b = second;
+            }
+            std::uint8_t* to = scratch.lanes[c] + r * 64;
+            hn::Store(a, d8, to);
+            hn::Store(b, d8, to + 16);
+            hn::Store(e, d8, to + 32);
+            hn::Store(f, d8, to + 48);
         }
-        for (int c = 0; c < 3; ++c) transposeBytes(row[c], scratch.lanes[c] + r * 64);
     }
+#endif
 }
 
 HWY_INLINE V bytesToDoubles(Doubles d, const std::uint8_t* from)
@@ -152,18 +149,24 @@ void transform(const Component& component, const double* reciprocals, BlockScrat
 {
     const Doubles d;
     constexpr std::size_t kStep = kGroupBlocks; // doubles from one position to the next
+    // Unrolled, so that the eight vectors stay in registers.
     for (std::size_t lane = 0; lane < kGroupBlocks; lane += hn::Lanes(d)) {
         double* samples = scratch.samples + lane;
-        V v[8];
         for (std::size_t r = 0; r < 8; ++r) {
+            V v[8];
+#pragma GCC unroll 8
             for (std::size_t c = 0; c < 8; ++c)
                 v[c] = convertColour(d, scratch, (r * 8 + c) * kStep + lane, component);
             fdct8(d, v);
+#pragma GCC unroll 8
             for (std::size_t c = 0; c < 8; ++c) hn::Store(v[c], d, samples + (r * 8 + c) * kStep);
         }
         for (std::size_t c = 0; c < 8; ++c) {
+            V v[8];
+#pragma GCC unroll 8
             for (std::size_t r = 0; r < 8; ++r) v[r] = hn::Load(d, samples + (r * 8 + c) * kStep);
             fdct8(d, v);
+#pragma GCC unroll 8
             for (std::size_t r = 0; r < 8; ++r)
                 quantise(d, v[r], reciprocals[r * 8 + c], scratch.quantised + (r * 8 + c) * kStep + lane);
         }
@@ -195,13 +198,17 @@ HWY_INLINE void transpose16(const std::int16_t* const from[8], std::int16_t* to)
     const hn::Full128<std::int64_t> d64;
     using V16 = hn::Vec<decltype(d)>;
     V16 a[8], b[8];
+#pragma GCC unroll 8
     for (int i = 0; i < 8; ++i) a[i] = hn::Load(d, from[i]);
+#pragma GCC unroll 4
     for (int i = 0; i < 4; ++i) {
         b[2 * i] = hn::InterleaveLower(d, a[2 * i], a[2 * i + 1]);
         b[2 * i + 1] = hn::InterleaveUpper(d, a[2 * i], a[2 * i + 1]);
     }
     // b[2i], b[2i + 1]: blocks 0-3 and 4-7 of positions 2i, 2i + 1.
+#pragma GCC unroll 2
     for (int i = 0; i < 2; ++i) {
+#pragma GCC unroll 2
         for (int h = 0; h < 2; ++h) {
             const auto lo = hn::BitCast(d32, b[4 * i + h]), hi = hn::BitCast(d32, b[4 * i + 2 + h]);
             a[4 * i + 2 * h] = hn::BitCast(d, hn::InterleaveLower(d32, lo, hi));
@@ -209,6 +216,7 @@ HWY_INLINE void transpose16(const std::int16_t* const from[8], std::int16_t* to)
         }
     }
     // a[4i + p]: blocks 2p, 2p + 1 of positions 4i ... 4i + 3.
+#pragma GCC unroll 4
     for (int p = 0; p < 4; ++p) {
         const auto lo = hn::BitCast(d64, a[p]), hi = hn::BitCast(d64, a[4 + p]);
         hn::Store(hn::BitCast(d, hn::InterleaveLower(d64, lo, hi)), d, to + 2 * p * 64);

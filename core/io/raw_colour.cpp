@@ -224,7 +224,7 @@ Size RawSamples::uprightSize() const
 void raw_to_linear(const RawSamples& from, const RawToLinear& params, float* linear, std::int64_t start,
                    std::int64_t end) noexcept
 {
-    const auto& m = params.matrix;
+    const auto m = params.matrix; // a copy: what `to` points at could be a matrix, for all the compiler knows
     const std::int64_t columns = from.uprightSize().width;
     const bool exchanged = from.flip & 4;
     // Sample of upright (row, column): a start and a step, both in stored pixels.
@@ -240,8 +240,12 @@ void raw_to_linear(const RawSamples& from, const RawToLinear& params, float* lin
         for (std::int64_t x = 0; x < columns; ++x, at += step, to += 3) {
             const std::uint16_t* s = from.samples + at * 4;
             const float a = s[0], b = s[1], c = s[2], d = s[3];
-            for (std::size_t r = 0; r < 3; ++r)
-                to[r] = std::max(m[r][0] * a + m[r][1] * b + m[r][2] * c + m[r][3] * d, 0.0f);
+            const float red = m[0][0] * a + m[0][1] * b + m[0][2] * c + m[0][3] * d;
+            const float green = m[1][0] * a + m[1][1] * b + m[1][2] * c + m[1][3] * d;
+            const float blue = m[2][0] * a + m[2][1] * b + m[2][2] * c + m[2][3] * d;
+            to[0] = red > 0.0f ? red : 0.0f;
+            to[1] = green > 0.0f ? green : 0.0f;
+            to[2] = blue > 0.0f ? blue : 0.0f;
         }
     }
 }

@@ -9,6 +9,8 @@
 
 #include <limits>
 
+#include <hwy/targets.h>
+
 namespace tamlo {
 namespace {
 
@@ -110,31 +112,37 @@ TEST(ColorNegative, VectorPassesAgreeWithTheScalarChain)
     scalar.saturation = 0.14;
     matrix.matrix = ProfileMatrix{{1.26, -0.07, -0.01}, {-0.03, 1.15, -0.01}, {-0.02, -0.06, 1.24}};
     const float inf = std::numeric_limits<float>::infinity();
-    for (const auto& couplers : {std::optional<Couplers>{}, std::optional{scalar}, std::optional{matrix}})
-        for (const std::int64_t width : {1, 15, 16, 17, 31, 33}) {
-            negative.couplers = GPUCouplers(couplers, false, true, false);
-            RGBImage image = test::noisePicture(width, 3, 11, 40.0f);
-            float* p = image.mutableData();
-            p[0] = -1.0f;
-            p[1] = 0.0f;
-            p[2] = inf;
-            p[3] = std::numeric_limits<float>::quiet_NaN();
-            Plane field(width, 3);
-            for (std::int64_t i = 0; i < field.count(); ++i)
-                field.mutableData()[i] = 0.3f * std::sin(static_cast<float>(i));
+    const std::optional<Couplers> allCouplers[] = {std::nullopt, scalar, matrix};
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        for (const auto& couplers : allCouplers)
+            for (const std::int64_t width : {1, 15, 16, 17, 31, 33}) {
+                negative.couplers = GPUCouplers(couplers, false, true, false);
+                RGBImage image = test::noisePicture(width, 3, 11, 40.0f);
+                float* p = image.mutableData();
+                p[0] = -1.0f;
+                p[1] = 0.0f;
+                p[2] = inf;
+                p[3] = std::numeric_limits<float>::quiet_NaN();
+                Plane field(width, 3);
+                for (std::int64_t i = 0; i < field.count(); ++i)
+                    field.mutableData()[i] = 0.3f * std::sin(static_cast<float>(i));
 
-            RGBImage fast = image;
-            curves_color(fast, negative, &field);
-            subtract_anchor(fast, {negative.curves[0].fD0, negative.curves[1].fD0, negative.curves[2].fD0});
-            print_color(fast, paper);
-            for (std::int64_t i = 0; i < image.pixelCount(); ++i) {
-                const Vec3f slow = printedSlowly(image.pixel(i % width, i / width), negative,
-                                                 field.data[static_cast<std::size_t>(i)], paper);
-                for (std::size_t c = 0; c < 3; ++c)
-                    ASSERT_NEAR(fast.pixel(i % width, i / width)[c], slow[c], 3e-5f)
-                        << "pixel " << i << " of " << width;
+                RGBImage fast = image;
+                curves_color(fast, negative, &field);
+                subtract_anchor(fast,
+                                {negative.curves[0].fD0, negative.curves[1].fD0, negative.curves[2].fD0});
+                print_color(fast, paper);
+                for (std::int64_t i = 0; i < image.pixelCount(); ++i) {
+                    const Vec3f slow = printedSlowly(image.pixel(i % width, i / width), negative,
+                                                     field.data[static_cast<std::size_t>(i)], paper);
+                    for (std::size_t c = 0; c < 3; ++c)
+                        ASSERT_NEAR(fast.pixel(i % width, i / width)[c], slow[c], 3e-5f)
+                            << "pixel " << i << " of " << width << " on " << hwy::TargetName(target);
+                }
             }
-        }
+    }
+    hwy::SetSupportedTargetsForTest(0);
 }
 
 TEST(ColorNegative, AGreyCardPrintsAsGrey)

@@ -31,7 +31,8 @@ TEST(Pipeline, AGreyCardComesOutGreyOnTheNeutralTriple)
     const RGBImage out = neutral(RGBImage(64, 48, {0.18f, 0.18f, 0.18f}));
     EXPECT_EQ(out.size(), (Size{64, 48}));
     for (const float v : out.data) ASSERT_NEAR(v, 0.18f, 1e-4f);
-    for (const std::uint8_t v : ImageWriter::encodeSRGB8RGB(out)) ASSERT_NEAR(v, 118, 1);
+    const PageBuffer bytes = ImageWriter::encodeSRGB8RGB(out);
+    for (const std::uint8_t v : bytes.bytes(64 * 48 * 3)) ASSERT_NEAR(v, 118, 1);
 }
 
 TEST(Pipeline, IsThePictureAtAnySizeAndForAnyWorkers)

@@ -1,0 +1,102 @@
+// Speed of the emulsion's effects and of classic grain on interleaved RGB, in E (bench/unit_e.h), at the
+// pitch of a 35 mm master, 5.5 µm a pixel.
+#include "bench/unit_e.h"
+
+#include "core/film/adjacency.h"
+#include "core/film/classic_grain.h"
+#include "core/film/emulsion_soften.h"
+#include "core/film/halation.h"
+#include "core/image/bands.h"
+
+namespace tamlo {
+namespace {
+
+constexpr double kPxUm = 5.5;
+
+RGBImage testImage(benchmark::State& state)
+{
+    const std::int64_t w = state.range(0), h = state.range(1);
+    RGBImage image(w, h);
+    float* values = image.mutableData();
+    parallelBands(h, w, [&](std::int64_t start, std::int64_t end) {
+        for (std::int64_t i = start * w * 3; i < end * w * 3; ++i)
+            values[i] = static_cast<float>((i * 2'654'435'761) & 0xFFFF) / 65'536.0f;
+    });
+    return image;
+}
+
+void soften(benchmark::State& state)
+{
+    RGBImage image = testImage(state);
+    FilmProfile film;
+    film.mtf = FilmMTF{static_cast<double>(state.range(2))};
+    bench::inE(state, image.pixelCount() * 3,
+               [&] { image = Film::emulsionSoften(std::move(image), film, kPxUm); });
+}
+
+void halation(benchmark::State& state)
+{
+    RGBImage image = testImage(state);
+    HalationParams params;
+    params.strength = 1e-4;
+    params.radiusUm = static_cast<double>(state.range(2));
+    bench::inE(state, image.pixelCount() * 3,
+               [&] { image = Film::applyHalation(std::move(image), params, kPxUm, 1.0); });
+}
+
+void adjacency(benchmark::State& state)
+{
+    RGBImage image = testImage(state);
+    DevelopedFilm film;
+    film.adjacency = 0.001;
+    film.adjacencyUm = static_cast<double>(state.range(2));
+    bench::inE(state, image.pixelCount() * 3,
+               [&] { image = Film::applyAdjacency(std::move(image), film, kPxUm); });
+}
+
+void classicGrain(benchmark::State& state)
+{
+    RGBImage image = testImage(state);
+    GrainParams gprof;
+    gprof.sizeUm = static_cast<double>(state.range(2));
+    gprof.amount = 2e-5; // above the least that is drawn: the picture stays itself over the rounds
+    bench::inE(state, image.pixelCount() * 3, [&] {
+        image = Grain::addColor(std::move(image), {}, {2, 2, 2}, {.gprof = gprof, .pxUm = kPxUm, .seed = 1});
+    });
+}
+
+void classicSigma48Color(benchmark::State& state)
+{
+    for (auto _ : state) benchmark::DoNotOptimize(Grain::classicSigma48Color({}, {}, {2, 2, 2}));
+}
+
+BENCHMARK(soften)
+    ->ArgNames({"w", "h", "f50"})
+    ->Args({6000, 4000, 50})
+    ->Args({6000, 4000, 20})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(halation)
+    ->ArgNames({"w", "h", "um"})
+    ->Args({6000, 4000, 300})
+    ->Args({6000, 4000, 40})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(adjacency)
+    ->ArgNames({"w", "h", "um"})
+    ->Args({6000, 4000, 40})
+    ->Args({6000, 4000, 150})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(classicGrain)
+    ->ArgNames({"w", "h", "um"})
+    ->Args({6000, 4000, 4})
+    ->Args({6000, 4000, 14})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(classicSigma48Color)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace tamlo
+
+BENCHMARK_MAIN();
