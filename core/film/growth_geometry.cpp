@@ -13,7 +13,7 @@ namespace tamlo::Grain {
 
 std::int64_t growthScale(double pxUm)
 {
-    return roundAway(std::clamp(pxUm / growthSiteUm, 1.0, 1e9));
+    return roundAway(std::clamp(pxUm / growthSiteUm, 1.0, 1e15));
 }
 
 GrowthLattice growthLattice(Size size, double formatLongUm)
