@@ -1,5 +1,7 @@
 #include "platform/exif_orientation.h"
 
+#include "platform/exiv2_session.h"
+
 #include <exiv2/exiv2.hpp>
 
 namespace tamlo::platform {
@@ -7,12 +9,7 @@ namespace tamlo::platform {
 int exifOrientation(std::span<const std::uint8_t> exif)
 {
     if (exif.empty()) return 1;
-    // The parser complains on standard error about what a camera got wrong; that is nobody's business here.
-    static const bool quiet = [] {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        return true;
-    }();
-    static_cast<void>(quiet);
+    readyExiv2();
     try {
         Exiv2::ExifData data;
         Exiv2::ExifParser::decode(data, exif.data(), static_cast<std::uint32_t>(exif.size()));

@@ -1,5 +1,7 @@
 #include "platform/shot_properties.h"
 
+#include "platform/exiv2_session.h"
+
 #include <exiv2/exiv2.hpp>
 
 #include <cmath>
@@ -46,7 +48,7 @@ ShotProperties readShotProperties(const std::filesystem::path& path)
 {
     ShotProperties shot;
     try {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        readyExiv2();
         const auto image = Exiv2::ImageFactory::open(path.string());
         if (!image.get()) return shot;
         image->readMetadata();

@@ -2,7 +2,8 @@
 // and for a spreadsheet: comma-separated columns over decimal log exposure from grey.
 //   curve_table [FILM [PAPER]]
 // film_*: density of each layer. paper: density of the paper over the log of the light on it. print_*: the
-// finished positive (display-linear) of a neutral scene, after couplers, paper and look, without grain.
+// finished positive (display-linear) of a neutral scene, after couplers, paper and look, without grain and
+// halation.
 #include "core/film/color_negative.h"
 #include "core/film/development.h"
 #include "core/film/print.h"
@@ -19,7 +20,7 @@ using namespace tamlo;
 constexpr double kFromLog = -3.0;
 constexpr double kToLog = 3.0;
 constexpr std::int64_t kSteps = 301;
-constexpr double kPxUm = 5.5; // the pixel of a master
+constexpr double kPxUm = 1e4; // steps so far apart that neither softness nor edge effects reach across
 
 double logExposureAt(std::int64_t step)
 {
@@ -41,11 +42,10 @@ void printTable(const std::string& filmName, const std::string& paperName)
     const PaperProfile paper = ProfileStore::shared().paper(paperName);
     RenderOptions options = optionsForFilm(RenderOptions(), film, {});
     options.grainMult = 0;
+    options.halationMult = 0;
     const DevelopedFilm developed = applyFilmStateAndDevelopment(film, options);
-    GrainRNG random(0);
-    const Film::ColorNegative negative =
-        Film::colorNegativeDb(neutralWedge(), developed, options, kPxUm, random);
-    const RGBImage print = Film::renderColor(neutralWedge(), developed, paper, options, kPxUm, random);
+    const Film::ColorNegative negative = Film::colorNegativeDb(neutralWedge(), developed, options, kPxUm);
+    const RGBImage print = Film::renderColor(neutralWedge(), developed, paper, options, kPxUm);
     const HDCurve paperCurve =
         Print::paperCurve(paper, options.grade, options.printBlack, options.printWhite);
 

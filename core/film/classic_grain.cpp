@@ -73,12 +73,12 @@ GrainField planField(double sigmaPx, std::uint32_t seed, std::uint32_t layer)
     const auto radius = static_cast<std::int64_t>(sigmaPx * 4.0 + 0.5);
     const std::vector<double> kernel = gaussianKernel1D(sigmaPx, radius);
     // White noise of unit variance, blurred along both axes, has this standard deviation.
-    double deviation = 0.0;
-    for (const double w : kernel) deviation += w * w;
+    double spread = 0.0;
+    for (const double w : kernel) spread += w * w;
     field.rowKernel.clear();
     field.columnKernel.clear();
     for (auto w = kernel.begin() + radius; w != kernel.end(); ++w) {
-        field.rowKernel.push_back(static_cast<float>(*w / deviation));
+        field.rowKernel.push_back(static_cast<float>(*w / spread));
         field.columnKernel.push_back(static_cast<float>(*w));
     }
     return field;
@@ -95,12 +95,12 @@ double benchSigma48(const LayerPlan& layer, double dmin, double dmax, CalibRNG& 
     Plane field(kBenchSidePx, kBenchSidePx, std::span<const float>(normals));
     if (layer.sigmaPx > kMinBlurSigmaPx)
         field = gaussianFilter(std::move(field), layer.sigmaPx, EdgeMode::wrap);
-    const double deviation = std::max(field.std(), 1e-12);
+    const double spread = std::max(field.std(), 1e-12);
     const GrainEnvelope envelope = planEnvelope(dmin, dmax, layer.amplitude);
     const float density = static_cast<float>(dmin + 1.0);
     const float amplitude = envelope.at(density);
     const Plane grained =
-        field.map([&](float v) { return density + amplitude * static_cast<float>(v / deviation); });
+        field.map([&](float v) { return density + amplitude * static_cast<float>(v / spread); });
     return Grain::disc48Std(grained, kBenchPxUm);
 }
 
@@ -108,6 +108,44 @@ CalibRNG benchNoise()
 {
     constexpr std::uint64_t kKey[] = {48};
     return CalibRNG(CalibRNG::seed(kKey));
+}
+
+/// Means of the plane over a disc of radius r, centred on each sample that lies ceil(r) from every side.
+std::vector<double> discMeans(const Plane& plane, double r)
+{
+    const auto radius = static_cast<std::int64_t>(std::ceil(r));
+    std::vector<std::int64_t> halfChord; // of each row of the disc; -1 for a row beyond it
+    double cells = 0.0;
+    for (std::int64_t dy = -radius; dy <= radius; ++dy) {
+        const double square = r * r - static_cast<double>(dy * dy);
+        halfChord.push_back(square < 0.0 ? -1 : static_cast<std::int64_t>(std::sqrt(square)));
+        if (halfChord.back() >= 0) cells += static_cast<double>(2 * halfChord.back() + 1);
+    }
+    const std::int64_t columns = plane.width - 2 * radius;
+    std::vector<double> means(static_cast<std::size_t>(columns * (plane.height - 2 * radius)), 0.0);
+    double* sums = means.data();
+    for (std::int64_t y = radius; y < plane.height - radius; ++y, sums += columns) {
+        for (std::int64_t dy = -radius; dy <= radius; ++dy) {
+            const std::int64_t half = halfChord[static_cast<std::size_t>(dy + radius)];
+            for (std::int64_t dx = -half; dx <= half; ++dx) {
+                const float* from = plane.row(y + dy) + radius + dx;
+                for (std::int64_t x = 0; x < columns; ++x) sums[x] += from[x];
+            }
+        }
+        for (std::int64_t x = 0; x < columns; ++x) sums[x] /= cells;
+    }
+    return means;
+}
+
+/// Population standard deviation; 0 for fewer than two values.
+double deviation(const std::vector<double>& values)
+{
+    if (values.size() < 2) return 0.0;
+    double mean = 0.0, square = 0.0;
+    for (const double v : values) mean += v;
+    mean /= static_cast<double>(values.size());
+    for (const double v : values) square += (v - mean) * (v - mean);
+    return std::sqrt(square / static_cast<double>(values.size()));
 }
 
 } // namespace
@@ -151,42 +189,10 @@ RGBImage Grain::addColor(RGBImage density, const Vec3d& dmins, const Vec3d& dmax
 
 double Grain::disc48Std(const Plane& plane, double pxUm)
 {
-    constexpr double kDiscRadiusUm = 24.0;
-    const double r = kDiscRadiusUm / pxUm;
-    const double reach = std::ceil(r);
-    if (!(2.0 * reach < static_cast<double>(std::min(plane.width, plane.height)))) return 0.0;
-    const auto radius = static_cast<std::int64_t>(reach);
-    const std::int64_t columns = plane.width - 2 * radius, rows = plane.height - 2 * radius;
-    if (columns * rows < 2) return 0.0;
-
-    // Half the chord of each row of the disc; a row beyond the disc has none.
-    std::vector<std::int64_t> chord;
-    std::int64_t cells = 0;
-    for (std::int64_t dy = -radius; dy <= radius; ++dy) {
-        const double square = r * r - static_cast<double>(dy * dy);
-        chord.push_back(square < 0.0 ? -1 : static_cast<std::int64_t>(std::sqrt(square)));
-        cells += 2 * chord.back() + 1 > 0 ? 2 * chord.back() + 1 : 0;
-    }
-    std::vector<double> sums(static_cast<std::size_t>(columns));
-    std::vector<double> means;
-    means.reserve(static_cast<std::size_t>(columns * rows));
-    for (std::int64_t y = radius; y < plane.height - radius; ++y) {
-        std::fill(sums.begin(), sums.end(), 0.0);
-        for (std::int64_t dy = -radius; dy <= radius; ++dy) {
-            const std::int64_t half = chord[static_cast<std::size_t>(dy + radius)];
-            for (std::int64_t dx = -half; dx <= half; ++dx) {
-                const float* from = plane.row(y + dy) + radius + dx;
-                for (std::int64_t x = 0; x < columns; ++x) sums[static_cast<std::size_t>(x)] += from[x];
-            }
-        }
-        for (const double sum : sums) means.push_back(sum / static_cast<double>(cells));
-    }
-    double mean = 0.0;
-    for (const double m : means) mean += m;
-    mean /= static_cast<double>(means.size());
-    double square = 0.0;
-    for (const double m : means) square += (m - mean) * (m - mean);
-    return std::sqrt(square / static_cast<double>(means.size()));
+    constexpr double kApertureRadiusUm = 24.0;
+    const double r = kApertureRadiusUm / pxUm;
+    if (!(2.0 * std::ceil(r) < static_cast<double>(std::min(plane.width, plane.height)))) return 0.0;
+    return deviation(discMeans(plane, r));
 }
 
 double Grain::classicSigma48(const GrainParams& gprof, double dmin, double dmax)

@@ -1,10 +1,15 @@
 #include "core/film/color_negative.h"
 
+#include "core/film/adjacency.h"
+#include "core/film/classic_grain.h"
 #include "core/film/color_negative_passes.h"
 #include "core/film/dev_field.h"
+#include "core/film/emulsion_soften.h"
+#include "core/film/halation.h"
 #include "core/film/pending_stages.h"
 #include "core/film/print.h"
 #include "core/profiles/profile_error.h"
+#include "core/profiles/seed_stream.h"
 
 #include <cmath>
 
@@ -46,6 +51,20 @@ PrintColorParams planPrint(const Film::ColorNegative& negative, const DevelopedF
     return params;
 }
 
+/// Grain on absolute density: rebuilt from crystals where the frame's size is known, else laid over it.
+RGBImage addGrain(RGBImage density, const std::array<HDCurve, 3>& curves, const FilmProfile& film,
+                  const RenderOptions& options, double pxUm)
+{
+    const Vec3d dmins{curves[0].dmin, curves[1].dmin, curves[2].dmin};
+    const Vec3d dmaxs{curves[0].dmax, curves[1].dmax, curves[2].dmax};
+    const GrainParams grain = Film::grainProfile(film, options);
+    const std::uint32_t seed = Pipeline::growthSeed(options);
+    if (options.grainEngine == GrainEngine::growth && options.formatLongUm > 0.0)
+        return Pending::growthColor(std::move(density));
+    return Grain::addColor(std::move(density), dmins, dmaxs,
+                           {grain, pxUm, options.grainSizeMult, options.grainMult, seed});
+}
+
 } // namespace
 
 GPUCouplers::GPUCouplers(const std::optional<Couplers>& couplers, bool allowNegative, bool allowMatrix,
@@ -69,18 +88,18 @@ GPUCouplers::GPUCouplers(const std::optional<Couplers>& couplers, bool allowNega
 }
 
 Film::ColorNegative Film::colorNegativeDb(RGBImage light, const DevelopedFilm& film,
-                                          const RenderOptions& options, double pxUm, GrainRNG& rng)
+                                          const RenderOptions& options, double pxUm)
 {
     if (!film.film.layers) throw ProfileError::invalid("color film without 'layers'");
-    light = Pending::emulsionSoften(std::move(light), film, pxUm);
-    light = Pending::applyHalation(std::move(light), film, pxUm, options.halationMult);
+    light = emulsionSoften(std::move(light), film.film, pxUm);
+    light = applyHalation(std::move(light), film.film.halation, pxUm, options.halationMult);
 
     const CurvesColorParams params = planCurves(film, options);
     ColorNegative negative{std::move(light), {}, params.curves};
     curves_color(negative.db, params, film.unevenField ? &*film.unevenField : nullptr);
 
-    negative.db = Pending::applyAdjacency(std::move(negative.db), film, pxUm);
-    negative.db = Pending::addGrain(std::move(negative.db), film, options, pxUm, rng);
+    negative.db = applyAdjacency(std::move(negative.db), film, pxUm);
+    negative.db = addGrain(std::move(negative.db), params.curves, film.film, options, pxUm);
 
     for (std::size_t c = 0; c < 3; ++c) negative.d0[c] = params.curves[c].fD0;
     subtract_anchor(negative.db, negative.d0);
@@ -95,9 +114,9 @@ double Film::enlargerFlareAdd(double flare, std::span<const float> density, Chan
 }
 
 RGBImage Film::renderColor(RGBImage light, const DevelopedFilm& film, const PaperProfile& paper,
-                           const RenderOptions& options, double pxUm, GrainRNG& rng)
+                           const RenderOptions& options, double pxUm)
 {
-    ColorNegative negative = colorNegativeDb(std::move(light), film, options, pxUm, rng);
+    ColorNegative negative = colorNegativeDb(std::move(light), film, options, pxUm);
     const PrintColorParams params = planPrint(negative, film, paper, options);
     print_color(negative.db, params);
     return std::move(negative.db);

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "core/film/hd_curve.h"
-#include "core/image/random.h"
 #include "core/image/rgb_image.h"
 #include "core/profiles/developed_film.h"
 #include "core/profiles/paper_profile.h"
@@ -43,7 +42,7 @@ struct ColorNegative {
 /// Domain: the light at the emulsion in, density difference out, in place. Units: pxUm micrometres of film a
 /// pixel. Errors: ProfileError "color film without 'layers'".
 ColorNegative colorNegativeDb(RGBImage light, const DevelopedFilm& film, const RenderOptions& options,
-                              double pxUm, GrainRNG& rng);
+                              double pxUm);
 
 /// One channel of an interleaved picture.
 struct Channel {
@@ -58,7 +57,7 @@ double enlargerFlareAdd(double flare, std::span<const float> density, Channel ch
 
 /// Light at the emulsion to the display-linear positive, 0...1, in place.
 RGBImage renderColor(RGBImage light, const DevelopedFilm& film, const PaperProfile& paper,
-                     const RenderOptions& options, double pxUm, GrainRNG& rng);
+                     const RenderOptions& options, double pxUm);
 
 } // namespace Film
 

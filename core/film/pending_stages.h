@@ -3,7 +3,6 @@
 // its placeholder here and at its call.
 #pragma once
 
-#include "core/image/random.h"
 #include "core/image/rgb_image.h"
 #include "core/profiles/developed_film.h"
 #include "core/profiles/render_options.h"
@@ -24,26 +23,8 @@ inline FilmStateResult filmState(const FilmProfile& film, const RenderOptions&)
     return {film, std::nullopt, 0.0};
 }
 
-/// Softness of the emulsion by its MTF.
-inline RGBImage emulsionSoften(RGBImage light, const DevelopedFilm&, double)
-{
-    return light;
-}
-
-/// Light that the film base returns round the highlights.
-inline RGBImage applyHalation(RGBImage light, const DevelopedFilm&, double, double)
-{
-    return light;
-}
-
-/// Edge effects of the developer and of the film.
-inline RGBImage applyAdjacency(RGBImage density, const DevelopedFilm&, double)
-{
-    return density;
-}
-
-/// Grain of a colour film.
-inline RGBImage addGrain(RGBImage density, const DevelopedFilm&, const RenderOptions&, double, GrainRNG&)
+/// Grain of a colour film, rebuilt from dye clouds.
+inline RGBImage growthColor(RGBImage density)
 {
     return density;
 }

@@ -68,7 +68,7 @@ RGBImage renderColorOnBWPaper(RGBImage light, const FilmInput&)
 
 RGBImage renderColor(RGBImage light, const FilmInput& in)
 {
-    return Film::renderColor(std::move(light), in.film, in.paper, in.options, in.pxUm, in.rng);
+    return Film::renderColor(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
 struct Row {
@@ -127,9 +127,8 @@ Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, 
     DevelopedFilm even = film;
     even.unevenField.reset();
 
-    GrainRNG rng(0); // grain is off: its state does not show
     std::optional<Plane> noMask;
-    RGBImage image = render(RGBImage(blackProbePx, blackProbePx), {even, paper, probe, pxUm, rng, noMask});
+    RGBImage image = render(RGBImage(blackProbePx, blackProbePx), {even, paper, probe, pxUm, noMask});
     image = Pending::applyRepro(std::move(image));
     image = Pending::applyScan(std::move(image));
 

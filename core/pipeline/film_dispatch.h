@@ -1,7 +1,6 @@
 // Film and printing: which stage turns the light at the emulsion into a positive, by film and paper.
 #pragma once
 
-#include "core/image/random.h"
 #include "core/image/rgb_image.h"
 #include "core/profiles/developed_film.h"
 #include "core/profiles/paper_profile.h"
@@ -17,7 +16,6 @@ struct FilmInput {
     const PaperProfile& paper;
     const RenderOptions& options;
     double pxUm = 0.0; // micrometres of film a pixel
-    GrainRNG& rng;
     /// Coverage of the picture window in the rebate; a stage that has used it up drops it.
     std::optional<Plane>& windowMask;
 };

@@ -11,7 +11,6 @@
 #include "core/pipeline/render_size.h"
 #include "core/process/border.h"
 #include "core/profiles/film_format.h"
-#include "core/profiles/seed_stream.h"
 
 #include <algorithm>
 #include <cmath>
@@ -108,8 +107,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     image = Film::applyEmulsion(std::move(image), film, options.interlayer, options.wbMode);
     hooks.cancellationPoint();
     if (film.isCollodion()) developed = Pending::withoutGlassOnOpaque(std::move(developed));
-    GrainRNG filmRng = streamRNG(options, SeedStream::film, 0);
-    image = Film::render(std::move(image), {developed, paper, options, pxUm, filmRng, windowMask});
+    image = Film::render(std::move(image), {developed, paper, options, pxUm, windowMask});
 
     // Reproduction may enlarge the picture and a scan reduce it; the sizes follow.
     const auto followResolution = [&] {
