@@ -4,6 +4,7 @@
 #include "core/film/development.h"
 #include "core/film/emulsion_input.h"
 #include "core/film/pending_stages.h"
+#include "core/film/scan.h"
 #include "core/film/source_light.h"
 #include "core/image/orient.h"
 #include "core/image/rounding.h"
@@ -119,7 +120,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     hooks.progress("print", 0.8);
     if (paper.isRepro() || paper.surface) image = Pending::applyRepro(std::move(image));
     followResolution();
-    if (paper.isScan()) image = Pending::applyScan(std::move(image));
+    if (paper.isScan()) image = Film::applyScan(std::move(image), paper);
     followResolution();
 
     if (isInstant) {
