@@ -5,8 +5,8 @@
 #include "core/film/color_negative_passes.h"
 #include "core/film/dev_field.h"
 #include "core/film/emulsion_soften.h"
+#include "core/film/growth_grain.h"
 #include "core/film/halation.h"
-#include "core/film/pending_stages.h"
 #include "core/film/print.h"
 #include "core/profiles/profile_error.h"
 #include "core/profiles/seed_stream.h"
@@ -60,7 +60,14 @@ RGBImage addGrain(RGBImage density, const std::array<HDCurve, 3>& curves, const 
     const GrainParams grain = Film::grainProfile(film, options);
     const std::uint32_t seed = Pipeline::growthSeed(options);
     if (options.grainEngine == GrainEngine::growth && options.formatLongUm > 0.0)
-        return Pending::growthColor(std::move(density));
+        return Grain::growthColor(std::move(density), dmins, dmaxs,
+                                  {.grain = grain,
+                                   .formatLongUm = options.formatLongUm,
+                                   .seed = seed,
+                                   .ampMult = options.grainMult,
+                                   .sizeMult = options.grainSizeMult,
+                                   .zone = options.grainZone,
+                                   .tiling = {}});
     return Grain::addColor(std::move(density), dmins, dmaxs,
                            {grain, pxUm, options.grainSizeMult, options.grainMult, seed});
 }

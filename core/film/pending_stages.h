@@ -23,12 +23,6 @@ inline FilmStateResult filmState(const FilmProfile& film, const RenderOptions&)
     return {film, std::nullopt, 0.0};
 }
 
-/// Grain of a colour film, rebuilt from dye clouds.
-inline RGBImage growthColor(RGBImage density)
-{
-    return density;
-}
-
 // Stages of the driver, in the order of the pipeline.
 
 /// Cuts the tilted crop from the source.
