@@ -5,20 +5,11 @@
 
 #include "core/image/rgb_image.h"
 #include "core/profiles/developed_film.h"
-#include "core/profiles/render_options.h"
 
-#include <optional>
 #include <utility>
 
 namespace tamlo::Pending {
 
-// Stages of the driver, in the order of the pipeline.
-
-/// Cuts the tilted crop from the source.
-inline RGBImage rotateCropInput(RGBImage image)
-{
-    return image;
-}
 /// Cuts an instant picture to its card's aspect.
 inline RGBImage cropToCard(RGBImage image)
 {

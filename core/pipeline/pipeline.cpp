@@ -8,6 +8,7 @@
 #include "core/film/source_light.h"
 #include "core/image/orient.h"
 #include "core/image/rounding.h"
+#include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/render_size.h"
 #include "core/process/border.h"
@@ -75,7 +76,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
 
     // The film, the cut of the source and the film under it.
     DevelopedFilm developed = applyFilmStateAndDevelopment(film, options);
-    image = Pending::rotateCropInput(std::move(image));
+    image = rotateCropInput(std::move(image), options.crop);
     const FilmLength length = filmLength(film, options, source, image.size());
     image = orientImage(std::move(image), options.rotate, options.mirror);
     if (options.masterCap)
