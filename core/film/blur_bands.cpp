@@ -86,7 +86,7 @@ Image reduced(const BlurTask& task, Size small)
 }
 
 template <typename Image>
-void blurReduced(const BlurTask& task)
+EnlargedRows heldReduced(const BlurTask& task)
 {
     constexpr double kReducedSigmaPx = 6.0;
     constexpr std::int64_t kMinSidePx = 16;
@@ -97,18 +97,26 @@ void blurReduced(const BlurTask& task)
     const Size small{side(task.size.width), side(task.size.height)};
     const double sigma =
         task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    Image light = gaussianFilter(reduced<Image>(task, small), sigma, EdgeMode::nearest);
-    light = pilResize(light, task.size.width, small.height, Resampling::bilinear);
-    const ResampleCoeffs table(small.height, task.size.height, Resampling::bilinear);
+    return {gaussianFilter(reduced<Image>(task, small), sigma, EdgeMode::nearest), task.size};
+}
+
+template <typename Image>
+EnlargedRows held(const BlurTask& task)
+{
+    if (task.sigmaPx > kDirectBlurSigmaPx) return heldReduced<Image>(task);
+    Image whole(task.size.width, task.size.height);
+    task.fetch(0, task.size.height, whole.mutableData());
+    return {gaussianFilter(std::move(whole), task.sigmaPx, EdgeMode::nearest), task.size};
+}
+
+template <typename Image>
+void blurReduced(const BlurTask& task)
+{
+    const EnlargedRows light = heldReduced<Image>(task);
     parallelBands(task.size.height, task.rowSamples(), [&](std::int64_t start, std::int64_t end) {
         std::vector<float> row(static_cast<std::size_t>(task.rowSamples()));
-        std::vector<const float*> taps;
         for (std::int64_t y = start; y < end; ++y) {
-            const auto i = static_cast<std::size_t>(y);
-            taps.clear();
-            for (std::int64_t j = 0; j < table.n[i]; ++j) taps.push_back(light.row(table.xmin[i] + j));
-            resample_column(
-                {taps.data(), table.k.data() + y * table.ksize, table.n[i], task.rowSamples(), row.data()});
+            light.row(y, row.data());
             task.use(y, row.data());
         }
     });
@@ -124,6 +132,37 @@ void blurImage(const BlurTask& task)
 }
 
 } // namespace
+
+EnlargedRows::EnlargedRows(const RGBImage& small, Size full)
+    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
+                   3)
+{}
+
+EnlargedRows::EnlargedRows(const Plane& small, Size full)
+    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
+                   1)
+{}
+
+EnlargedRows::EnlargedRows(FloatBuffer wide, Size small, Size full, std::int64_t channels)
+    : wide_(std::move(wide)),
+      samples_(full.width * channels),
+      table_(small.height, full.height, Resampling::bilinear)
+{
+    for (std::int64_t y = 0; y < small.height; ++y) rows_.push_back(wide_.data() + y * samples_);
+}
+
+void EnlargedRows::row(std::int64_t y, float* to) const
+{
+    const auto i = static_cast<std::size_t>(y);
+    const float* const* taps = rows_.data() + table_.xmin[i];
+    resample_column({taps, table_.k.data() + y * table_.ksize, table_.n[i], samples_, to});
+}
+
+EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source)
+{
+    const BlurTask task{size, channels, sigmaPx, source, {}};
+    return channels == 3 ? held<RGBImage>(task) : held<Plane>(task);
+}
 
 double boundedSigmaPx(double sigmaPx, Size size)
 {

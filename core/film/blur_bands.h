@@ -5,10 +5,12 @@
 #pragma once
 
 #include "core/image/plane.h"
+#include "core/image/resample.h"
 #include "core/image/rgb_image.h"
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace tamlo {
 
@@ -17,6 +19,29 @@ namespace tamlo {
 using SourceRow = std::function<void(std::int64_t y, float* to)>;
 /// Takes row y of the blur. It is called once for each row, by many threads at a time.
 using BlurredRow = std::function<void(std::int64_t y, const float* blurred)>;
+
+/// A small picture seen at another size, a row at a time: the values of pilResize with the bilinear filter,
+/// without the large picture. It stands across at its full width and down at its small height.
+class EnlargedRows {
+public:
+    EnlargedRows(const RGBImage& small, Size full);
+    EnlargedRows(const Plane& small, Size full);
+
+    /// Row y of the full size: width × channels samples.
+    void row(std::int64_t y, float* to) const;
+
+private:
+    EnlargedRows(FloatBuffer wide, Size small, Size full, std::int64_t channels);
+
+    FloatBuffer wide_;
+    std::int64_t samples_;
+    ResampleCoeffs table_;
+    std::vector<const float*> rows_;
+};
+
+/// A blur kept for later rows: reduced when it is wide, whole up to kDirectBlurSigmaPx. For a stage that adds
+/// several blurs of one source, which `source` must still give while they are made. Sigma is 0 or more.
+EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source);
 
 /// A sigma held to 64 picture widths, far beyond the one that spreads evenly over the picture: a profile may
 /// name any reach in micrometres, and the kernel's length must stay within reason.
