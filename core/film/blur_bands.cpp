@@ -2,8 +2,6 @@
 
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
-#include "core/image/resample.h"
-#include "core/image/resample_passes.h"
 #include "core/image/rounding.h"
 
 #include <algorithm>
@@ -13,8 +11,6 @@
 namespace tamlo {
 namespace {
 
-constexpr std::int64_t kBandRows = 512; // a tenth of a 24-megapixel picture with its margins
-
 struct BlurTask {
     Size size;
     std::int64_t channels;
@@ -23,13 +19,6 @@ struct BlurTask {
     const BlurredRow& use;
 
     std::int64_t rowSamples() const { return size.width * channels; }
-
-    void fetch(std::int64_t first, std::int64_t end, float* to) const
-    {
-        parallelBands(end - first, rowSamples(), [&](std::int64_t a, std::int64_t b) {
-            for (std::int64_t i = a; i < b; ++i) source(first + i, to + i * rowSamples());
-        });
-    }
 };
 
 /// A window slides down the source, each time with the kernel's reach above and below the rows that it
@@ -40,7 +29,7 @@ void blurDirect(const BlurTask& task)
 {
     const auto radius = static_cast<std::int64_t>(task.sigmaPx * 4.0 + 0.5);
     const std::int64_t samples = task.rowSamples();
-    const std::int64_t windowRows = std::max(kBandRows, 2 * radius) + 2 * radius;
+    const std::int64_t windowRows = std::max(kPictureBandRows, 2 * radius) + 2 * radius;
     std::vector<float> around;
     Image window;
     std::int64_t top = 0, done = 0;
@@ -50,7 +39,7 @@ void blurDirect(const BlurTask& task)
         float* rows = window.mutableData();
         std::copy(around.begin(), around.end(), rows);
         const std::int64_t known = static_cast<std::int64_t>(around.size()) / samples;
-        task.fetch(top + known, bottom, rows + known * samples);
+        fetchRows(top + known, bottom, samples, task.source, rows + known * samples);
         const std::int64_t end = bottom == task.size.height ? bottom : bottom - radius;
         const float* next = rows + (end - radius - top) * samples;
         if (end < bottom) around.assign(next, next + 2 * radius * samples);
@@ -62,27 +51,6 @@ void blurDirect(const BlurTask& task)
         done = end;
         top = end - radius;
     }
-}
-
-/// The source at a smaller width, a band of rows at a time, then at the smaller height: the order in which
-/// the resampler works.
-template <typename Image>
-Image reduced(const BlurTask& task, Size small)
-{
-    const std::int64_t smallSamples = small.width * task.channels;
-    Image narrow(small.width, task.size.height);
-    Image band, narrowBand;
-    for (std::int64_t y = 0; y < task.size.height; y += kBandRows) {
-        const std::int64_t rows = std::min(kBandRows, task.size.height - y);
-        if (band.height != rows) {
-            band = Image(task.size.width, rows);
-            narrowBand = Image(small.width, rows);
-        }
-        task.fetch(y, y + rows, band.mutableData());
-        pilResizeInto(band, narrowBand, Resampling::bilinear);
-        std::copy_n(narrowBand.data.data(), rows * smallSamples, narrow.mutableData() + y * smallSamples);
-    }
-    return pilResize(narrow, small, Resampling::bilinear);
 }
 
 template <typename Image>
@@ -97,21 +65,9 @@ void blurReduced(const BlurTask& task)
     const Size small{side(task.size.width), side(task.size.height)};
     const double sigma =
         task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    Image light = gaussianFilter(reduced<Image>(task, small), sigma, EdgeMode::nearest);
-    light = pilResize(light, task.size.width, small.height, Resampling::bilinear);
-    const ResampleCoeffs table(small.height, task.size.height, Resampling::bilinear);
-    parallelBands(task.size.height, task.rowSamples(), [&](std::int64_t start, std::int64_t end) {
-        std::vector<float> row(static_cast<std::size_t>(task.rowSamples()));
-        std::vector<const float*> taps;
-        for (std::int64_t y = start; y < end; ++y) {
-            const auto i = static_cast<std::size_t>(y);
-            taps.clear();
-            for (std::int64_t j = 0; j < table.n[i]; ++j) taps.push_back(light.row(table.xmin[i] + j));
-            resample_column(
-                {taps.data(), table.k.data() + y * table.ksize, table.n[i], task.rowSamples(), row.data()});
-            task.use(y, row.data());
-        }
-    });
+    Image light = reduceInBands<Image>(task.size, small, task.source);
+    light = gaussianFilter(std::move(light), sigma, EdgeMode::nearest);
+    enlargeByRows<Image>(light, task.size, task.use);
 }
 
 template <typename Image>

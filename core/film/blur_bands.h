@@ -4,26 +4,23 @@
 // blurred light and density here.
 #pragma once
 
+#include "core/film/resample_bands.h"
 #include "core/image/plane.h"
-#include "core/image/rgb_image.h"
 
 #include <cstdint>
-#include <functional>
 
 namespace tamlo {
 
-/// Where the blur's input comes from: writes row y of the source. It is asked for each row once, by many
-/// threads at a time, and never for a row that `use` has been given.
-using SourceRow = std::function<void(std::int64_t y, float* to)>;
-/// Takes row y of the blur. It is called once for each row, by many threads at a time.
-using BlurredRow = std::function<void(std::int64_t y, const float* blurred)>;
+/// Takes row y of the blur.
+using BlurredRow = ResultRow;
 
 /// A sigma held to 64 picture widths, far beyond the one that spreads evenly over the picture: a profile may
 /// name any reach in micrometres, and the kernel's length must stay within reason.
 double boundedSigmaPx(double sigmaPx, Size size);
 
 /// Blurs a source of the given size and channels (1 or 3), edges repeated. Units: sigma in pixels, above 0.
-/// `use` may change the rows that `source` reads from: a row is used when no more of its source is wanted.
+/// `use` may change the rows that `source` reads from: `source` is never asked for a row that `use` has been
+/// given.
 void blurInBands(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source,
                  const BlurredRow& use);
 

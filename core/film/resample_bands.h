@@ -1,0 +1,40 @@
+// Reducing a large picture and laying an enlarged small one against it, row by row, so that neither a second
+// picture nor the enlarged one stands in memory. The values are those of pilResize with the bilinear filter,
+// bit for bit. Wide blurs and the rays of a filter work on such a reduced picture.
+#pragma once
+
+#include "core/image/plane.h"
+#include "core/image/rgb_image.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace tamlo {
+
+/// Rows that are held at a time: a tenth of a 24-megapixel picture.
+inline constexpr std::int64_t kPictureBandRows = 512;
+
+/// Where a picture comes from: writes row y of the source. It is asked for each row once, by many threads at
+/// a time.
+using SourceRow = std::function<void(std::int64_t y, float* to)>;
+/// Takes row y of the result. It is called once for each row, by many threads at a time.
+using ResultRow = std::function<void(std::int64_t y, const float* row)>;
+
+/// Asks for the source's rows first...end - 1, side by side into `to`.
+void fetchRows(std::int64_t first, std::int64_t end, std::int64_t rowSamples, const SourceRow& source,
+               float* to);
+
+/// The source, of size `size`, at another size. Image is Plane or RGBImage.
+template <typename Image>
+Image reduceInBands(Size size, Size reduced, const SourceRow& source);
+
+/// Gives each row of the picture enlarged to `size` to `use`.
+template <typename Image>
+void enlargeByRows(const Image& picture, Size size, const ResultRow& use);
+
+extern template Plane reduceInBands<Plane>(Size, Size, const SourceRow&);
+extern template RGBImage reduceInBands<RGBImage>(Size, Size, const SourceRow&);
+extern template void enlargeByRows<Plane>(const Plane&, Size, const ResultRow&);
+extern template void enlargeByRows<RGBImage>(const RGBImage&, Size, const ResultRow&);
+
+} // namespace tamlo
