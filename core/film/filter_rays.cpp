@@ -3,7 +3,6 @@
 #include "core/film/filter_passes.h"
 #include "core/film/ray_kernel.h"
 #include "core/film/resample_bands.h"
-#include "core/image/bands.h"
 #include "core/image/fft_convolve.h"
 #include "core/image/rounding.h"
 #include "platform/worker_pool.h"
@@ -13,7 +12,6 @@
 #include <cmath>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace tamlo {
 namespace {
@@ -99,12 +97,12 @@ RGBImage Filters::applyRays(RGBImage image, const FilterProfile& profile, double
     RGBImage light = reduceInBands<RGBImage>(image.size(), plan.grid, [&](std::int64_t y, float* to) {
         ray_hi(seen.row(y), samples, plan.params.threshold, to);
     });
-    for (std::size_t c = 0; c < 3; ++c) {
-        if (plan.params.strength[c] == 0.0f) continue;
-        Plane channel = light.plane(static_cast<int>(c));
-        if (peak_of(channel.data.data(), channel.count()) == 0.0f) continue;
-        const auto kernel = cachedRayKernel(plan.shapes[c]);
-        light.setPlane(static_cast<int>(c), FFTConvolve::same(std::move(channel), *kernel));
+    {
+        FFTConvolve::Workspace workspace;
+        for (std::size_t c = 0; c < 3; ++c)
+            if (plan.params.strength[c] > 0.0f)
+                FFTConvolve::sameChannel(light, static_cast<int>(c), *cachedRayKernel(plan.shapes[c]),
+                                         workspace);
     }
     float* pixels = image.mutableData();
     const std::int64_t width = image.width;

@@ -14,8 +14,8 @@ namespace tamlo {
 /// Rows that are held at a time: a tenth of a 24-megapixel picture.
 inline constexpr std::int64_t kPictureBandRows = 512;
 
-/// Where a picture comes from: writes row y of the source. It is asked for each row once, by many threads at
-/// a time.
+/// Where a picture comes from: writes row y of the source. It is asked by many threads at a time, for some
+/// rows by more than one.
 using SourceRow = std::function<void(std::int64_t y, float* to)>;
 /// Takes row y of the result. It is called once for each row, by many threads at a time.
 using ResultRow = std::function<void(std::int64_t y, const float* row)>;
@@ -32,9 +32,13 @@ Image reduceInBands(Size size, Size reduced, const SourceRow& source);
 template <typename Image>
 void enlargeByRows(const Image& picture, Size size, const ResultRow& use);
 
-extern template Plane reduceInBands<Plane>(Size, Size, const SourceRow&);
-extern template RGBImage reduceInBands<RGBImage>(Size, Size, const SourceRow&);
-extern template void enlargeByRows<Plane>(const Plane&, Size, const ResultRow&);
-extern template void enlargeByRows<RGBImage>(const RGBImage&, Size, const ResultRow&);
+template <>
+Plane reduceInBands<Plane>(Size, Size, const SourceRow&);
+template <>
+RGBImage reduceInBands<RGBImage>(Size, Size, const SourceRow&);
+template <>
+void enlargeByRows<Plane>(const Plane&, Size, const ResultRow&);
+template <>
+void enlargeByRows<RGBImage>(const RGBImage&, Size, const ResultRow&);
 
 } // namespace tamlo

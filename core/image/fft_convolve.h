@@ -3,7 +3,9 @@
 // is 0. The same bits for any number of workers.
 #pragma once
 
+#include "core/image/page_buffer.h"
 #include "core/image/plane.h"
+#include "core/image/rgb_image.h"
 
 namespace tamlo::FFTConvolve {
 
@@ -12,5 +14,13 @@ namespace tamlo::FFTConvolve {
 /// Domain: finite samples of either sign; about 1e-6 of the peak is lost to rounding.
 /// Errors: invalidArgument for a kernel without samples; io when the memory can't be had.
 Plane same(Plane image, const Plane& kernel);
+
+/// The same on channel c of an image, in place. The kernels of several channels may follow one another: the
+/// memory of the spectra in `workspace` is used again where it is large enough, since fresh pages cost as much
+/// as the transforms.
+struct Workspace {
+    PageBuffer image, kernel;
+};
+void sameChannel(RGBImage& image, int c, const Plane& kernel, Workspace& workspace);
 
 } // namespace tamlo::FFTConvolve
