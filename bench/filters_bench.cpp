@@ -46,8 +46,7 @@ void raysTransforms(benchmark::State& state)
     const double shrink = std::max(static_cast<double>(longSide) * 0.0016 / 3.0, 1.0);
     const auto padded = [&](std::int64_t n) {
         const double reach = 0.14 * static_cast<double>(longSide) / shrink;
-        return platform::quickFftLength(
-            static_cast<std::int64_t>(static_cast<double>(n) / shrink + reach));
+        return platform::quickFftLength(static_cast<std::int64_t>(static_cast<double>(n) / shrink + reach));
     };
     const std::int64_t w = padded(state.range(0)), h = padded(state.range(1));
     const std::int64_t blocks = (w / 2 + platform::kFftColumns) / platform::kFftColumns;

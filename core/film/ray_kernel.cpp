@@ -80,7 +80,8 @@ Plane Filters::rayKernel(const RayShape& shape)
     line.reach = shape.sigma * 15.0; // e^-112
     std::vector<RayLine> lines;
     for (std::int64_t k = 0; k < families; ++k) {
-        const double degrees = shape.angleDeg + static_cast<double>(k) * 180.0 / static_cast<double>(families);
+        const double degrees =
+            shape.angleDeg + static_cast<double>(k) * 180.0 / static_cast<double>(families);
         const double theta = degrees * std::numbers::pi / 180.0;
         line.si = std::sin(theta);
         line.co = std::cos(theta);

@@ -16,7 +16,10 @@ namespace {
 class RowsAtWidth {
 public:
     RowsAtWidth(Size in, std::int64_t width, std::int64_t taps, std::int64_t first, const SourceRow& source)
-        : source_(source), next_(first), slots_(taps + 1), stride_(width * 3 + kResampleLanes),
+        : source_(source),
+          next_(first),
+          slots_(taps + 1),
+          stride_(width * 3 + kResampleLanes),
           ring_(static_cast<std::size_t>(slots_ * stride_)),
           row_(static_cast<std::size_t>(in.width * 3 + kResampleLanes))
     {
@@ -64,8 +67,7 @@ void resampleByRows(Size in, Size out, const SourceRow& source, const ResultRow&
                 use(y, rows.front());
                 continue;
             }
-            resample_column(
-                {rows.data(), table.k.data() + y * table.ksize, table.n[i], samples, row.data()});
+            resample_column({rows.data(), table.k.data() + y * table.ksize, table.n[i], samples, row.data()});
             use(y, row.data());
         }
     });

@@ -16,8 +16,8 @@ namespace tamlo::FFTConvolve {
 Plane same(Plane image, const Plane& kernel);
 
 /// The same on channel c of an image, in place. The kernels of several channels may follow one another: the
-/// memory of the spectra in `workspace` is used again where it is large enough, since fresh pages cost as much
-/// as the transforms.
+/// memory of the spectra in `workspace` is used again where it is large enough, since fresh pages cost as
+/// much as the transforms.
 struct Workspace {
     PageBuffer image, kernel;
 };
