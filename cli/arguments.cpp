@@ -46,6 +46,31 @@ std::vector<std::string> withEachSettingNamed(const std::vector<std::string>& ar
     return out;
 }
 
+struct FilterOption {
+    const char* name;
+    const char* key; ///< of the option of the render
+    const char* help;
+};
+
+constexpr FilterOption kFilterOptions[] = {
+    {"--filter-cut", "filter_cut", "Colour filter (amount: --set filter_cut_amount=0.7)"},
+    {"--filter-diffusion", "filter_diffusion",
+     "Diffusion filter (amount: --set filter_diffusion_amount=0.5)"},
+    {"--filter-rays", "filter_rays", "Star or streak filter (rotation: --set rays_angle=20)"},
+    {"--filter-grad", "filter_grad", "Graduated filter (line: --set grad_pos=0.2 grad_angle=10)"},
+};
+
+void describeFilters(CLI::App& command, DevelopArguments& into)
+{
+    for (const FilterOption& option : kFilterOptions) {
+        const std::string key = option.key;
+        command
+            .add_option_function<std::string>(
+                option.name, [&into, key](const std::string& id) { into.filters[key] = id; }, option.help)
+            ->type_name("ID");
+    }
+}
+
 void describeDevelop(CLI::App& command, DevelopArguments& into)
 {
     command.add_option("INPUT", into.inputs, "Photographs: JPEG, PNG, TIFF, HEIC or camera RAW")->required();
@@ -66,6 +91,7 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
         .add_option("--paper", into.paper,
                     "Paper or scanner (default: color_ra4 for a colour negative, else what suits the film)")
         ->type_name("ID");
+    describeFilters(command, into);
     command
         .add_option("--set", into.settings, "Set an option of the render, such as print_ev=0.3 border=0.05")
         ->type_name("KEY=VALUE")

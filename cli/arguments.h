@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <variant>
@@ -18,7 +19,9 @@ struct DevelopArguments {
     std::optional<std::filesystem::path> outFolder;
     std::string film = "portra400";
     std::string lens = "modern_clean";
-    std::optional<std::string> paper;  ///< absent: the one that suits the film
+    std::optional<std::string> paper; ///< absent: the one that suits the film
+    /// Filters by the key of their option; absent: as the options have it.
+    std::map<std::string, std::string> filters;
     std::vector<std::string> settings; ///< "key=value", in order
     std::optional<std::filesystem::path> optionsFile;
     std::optional<std::int64_t> seed; ///< absent: from the picture's file name

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <utility>
 
 namespace tamlo::cli {
 namespace {
@@ -67,6 +68,20 @@ std::string applySetting(RenderOptions& options, const std::string& setting)
     return key;
 }
 
+/// A filter named on the command line must be there. One that only the option file names is left to the
+/// render, which skips what it does not know: the file may come from elsewhere.
+void requireFilters(const RenderOptions& options, const std::set<std::string>& named,
+                    const ProfileStore& store)
+{
+    const std::pair<const char*, const OptText&> slots[] = {{"filter", options.filter},
+                                                            {"filter_cut", options.filterCut},
+                                                            {"filter_diffusion", options.filterDiffusion},
+                                                            {"filter_rays", options.filterRays},
+                                                            {"filter_grad", options.filterGrad}};
+    for (const auto& [key, id] : slots)
+        if (named.contains(key) && id && !id->empty()) requireProfile(store, Kind::filters, *id);
+}
+
 std::string defaultPaper(const FilmProfile& film)
 {
     return film.type == "color" ? "color_ra4" : ProfileStore::defaultPaperName(film);
@@ -89,8 +104,12 @@ DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileSt
     FileOptions file;
     if (arguments.optionsFile) file = readOptions(*arguments.optionsFile);
     render.options = file.options;
-    for (const std::string& setting : arguments.settings)
-        file.given.insert(applySetting(render.options, setting));
+    std::set<std::string> named;
+    for (const std::string& setting : arguments.settings) named.insert(applySetting(render.options, setting));
+    for (const auto& [key, id] : arguments.filters)
+        named.insert(applySetting(render.options, key + "=" + id));
+    requireFilters(render.options, named, store);
+    file.given.merge(named);
     render.options = optionsForFilm(std::move(render.options), render.film, file.given);
     choices.seedIsGiven = arguments.seed.has_value() || file.given.contains("seed");
     if (arguments.seed) render.options.seed = *arguments.seed;

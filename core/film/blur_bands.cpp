@@ -2,8 +2,6 @@
 
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
-#include "core/image/resample.h"
-#include "core/image/resample_passes.h"
 #include "core/image/rounding.h"
 
 #include <algorithm>
@@ -13,8 +11,6 @@
 namespace tamlo {
 namespace {
 
-constexpr std::int64_t kBandRows = 512; // a tenth of a 24-megapixel picture with its margins
-
 struct BlurTask {
     Size size;
     std::int64_t channels;
@@ -23,13 +19,6 @@ struct BlurTask {
     const BlurredRow& use;
 
     std::int64_t rowSamples() const { return size.width * channels; }
-
-    void fetch(std::int64_t first, std::int64_t end, float* to) const
-    {
-        parallelBands(end - first, rowSamples(), [&](std::int64_t a, std::int64_t b) {
-            for (std::int64_t i = a; i < b; ++i) source(first + i, to + i * rowSamples());
-        });
-    }
 };
 
 /// A window slides down the source, each time with the kernel's reach above and below the rows that it
@@ -40,7 +29,7 @@ void blurDirect(const BlurTask& task)
 {
     const auto radius = static_cast<std::int64_t>(task.sigmaPx * 4.0 + 0.5);
     const std::int64_t samples = task.rowSamples();
-    const std::int64_t windowRows = std::max(kBandRows, 2 * radius) + 2 * radius;
+    const std::int64_t windowRows = std::max(kPictureBandRows, 2 * radius) + 2 * radius;
     std::vector<float> around;
     Image window;
     std::int64_t top = 0, done = 0;
@@ -50,7 +39,7 @@ void blurDirect(const BlurTask& task)
         float* rows = window.mutableData();
         std::copy(around.begin(), around.end(), rows);
         const std::int64_t known = static_cast<std::int64_t>(around.size()) / samples;
-        task.fetch(top + known, bottom, rows + known * samples);
+        fetchRows(top + known, bottom, samples, task.source, rows + known * samples);
         const std::int64_t end = bottom == task.size.height ? bottom : bottom - radius;
         const float* next = rows + (end - radius - top) * samples;
         if (end < bottom) around.assign(next, next + 2 * radius * samples);
@@ -64,29 +53,9 @@ void blurDirect(const BlurTask& task)
     }
 }
 
-/// The source at a smaller width, a band of rows at a time, then at the smaller height: the order in which
-/// the resampler works.
+/// The blurred light at the smaller size.
 template <typename Image>
-Image reduced(const BlurTask& task, Size small)
-{
-    const std::int64_t smallSamples = small.width * task.channels;
-    Image narrow(small.width, task.size.height);
-    Image band, narrowBand;
-    for (std::int64_t y = 0; y < task.size.height; y += kBandRows) {
-        const std::int64_t rows = std::min(kBandRows, task.size.height - y);
-        if (band.height != rows) {
-            band = Image(task.size.width, rows);
-            narrowBand = Image(small.width, rows);
-        }
-        task.fetch(y, y + rows, band.mutableData());
-        pilResizeInto(band, narrowBand, Resampling::bilinear);
-        std::copy_n(narrowBand.data.data(), rows * smallSamples, narrow.mutableData() + y * smallSamples);
-    }
-    return pilResize(narrow, small, Resampling::bilinear);
-}
-
-template <typename Image>
-EnlargedRows heldReduced(const BlurTask& task)
+Image reducedBlur(const BlurTask& task)
 {
     constexpr double kReducedSigmaPx = 6.0;
     constexpr std::int64_t kMinSidePx = 16;
@@ -97,29 +66,16 @@ EnlargedRows heldReduced(const BlurTask& task)
     const Size small{side(task.size.width), side(task.size.height)};
     const double sigma =
         task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    return {gaussianFilter(reduced<Image>(task, small), sigma, EdgeMode::nearest), task.size};
+    return gaussianFilter(reduceInBands<Image>(task.size, small, task.source), sigma, EdgeMode::nearest);
 }
 
 template <typename Image>
 EnlargedRows held(const BlurTask& task)
 {
-    if (task.sigmaPx > kDirectBlurSigmaPx) return heldReduced<Image>(task);
+    if (task.sigmaPx > kDirectBlurSigmaPx) return {reducedBlur<Image>(task), task.size};
     Image whole(task.size.width, task.size.height);
-    task.fetch(0, task.size.height, whole.mutableData());
+    fetchRows(0, task.size.height, task.rowSamples(), task.source, whole.mutableData());
     return {gaussianFilter(std::move(whole), task.sigmaPx, EdgeMode::nearest), task.size};
-}
-
-template <typename Image>
-void blurReduced(const BlurTask& task)
-{
-    const EnlargedRows light = heldReduced<Image>(task);
-    parallelBands(task.size.height, task.rowSamples(), [&](std::int64_t start, std::int64_t end) {
-        std::vector<float> row(static_cast<std::size_t>(task.rowSamples()));
-        for (std::int64_t y = start; y < end; ++y) {
-            light.row(y, row.data());
-            task.use(y, row.data());
-        }
-    });
 }
 
 template <typename Image>
@@ -128,35 +84,10 @@ void blurImage(const BlurTask& task)
     if (task.sigmaPx <= kDirectBlurSigmaPx)
         blurDirect<Image>(task);
     else
-        blurReduced<Image>(task);
+        enlargeByRows<Image>(reducedBlur<Image>(task), task.size, task.use);
 }
 
 } // namespace
-
-EnlargedRows::EnlargedRows(const RGBImage& small, Size full)
-    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
-                   3)
-{}
-
-EnlargedRows::EnlargedRows(const Plane& small, Size full)
-    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
-                   1)
-{}
-
-EnlargedRows::EnlargedRows(FloatBuffer wide, Size small, Size full, std::int64_t channels)
-    : wide_(std::move(wide)),
-      samples_(full.width * channels),
-      table_(small.height, full.height, Resampling::bilinear)
-{
-    for (std::int64_t y = 0; y < small.height; ++y) rows_.push_back(wide_.data() + y * samples_);
-}
-
-void EnlargedRows::row(std::int64_t y, float* to) const
-{
-    const auto i = static_cast<std::size_t>(y);
-    const float* const* taps = rows_.data() + table_.xmin[i];
-    resample_column({taps, table_.k.data() + y * table_.ksize, table_.n[i], samples_, to});
-}
 
 EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source)
 {
