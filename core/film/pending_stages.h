@@ -15,31 +15,6 @@ inline RGBImage cropToCard(RGBImage image)
 {
     return image;
 }
-/// Graduated filter.
-inline RGBImage applyGrad(RGBImage image)
-{
-    return image;
-}
-/// Ray filter.
-inline RGBImage applyRays(RGBImage image)
-{
-    return image;
-}
-/// The lens.
-inline RGBImage applyOptics(RGBImage image)
-{
-    return image;
-}
-/// Colour-cut filter.
-inline RGBImage applyCut(RGBImage image)
-{
-    return image;
-}
-/// Diffusion filter.
-inline RGBImage applyDiffusion(RGBImage image)
-{
-    return image;
-}
 /// The film's edge, drawn ahead of the emulsion.
 inline RGBImage drawRebate(RGBImage image)
 {

@@ -3,6 +3,8 @@
 #include "core/film/dev_field.h"
 #include "core/film/development.h"
 #include "core/film/emulsion_input.h"
+#include "core/film/filters.h"
+#include "core/film/optics.h"
 #include "core/film/pending_stages.h"
 #include "core/film/scan.h"
 #include "core/film/source_light.h"
@@ -13,6 +15,7 @@
 #include "core/pipeline/render_size.h"
 #include "core/process/border.h"
 #include "core/profiles/film_format.h"
+#include "core/profiles/profile_store.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,7 +69,7 @@ Vec3f Pipeline::borderRGB(const Vec3f& base, const DevelopedFilm& developed, con
     return {static_cast<float>(black[0]), static_cast<float>(black[1]), static_cast<float>(black[2])};
 }
 
-RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile&,
+RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile& lens,
                            const PaperProfile& paper, RenderOptions options, const RenderHooks& hooks)
 {
     if (image.pixelCount() == 0) throw TamloError::invalidArgument("a picture of no pixels");
@@ -88,12 +91,13 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     // Light, filters and lens.
     hooks.progress("light", 0.1);
     image = Filters::applySource(std::move(image), film, options);
-    image = Pending::applyGrad(std::move(image));
-    image = Pending::applyRays(std::move(image));
+    image = Filters::applyFront(std::move(image), options, ProfileStore::shared(), true);
     hooks.progress("lens", 0.15);
-    image = Pending::applyOptics(std::move(image));
-    image = Pending::applyCut(std::move(image));
-    image = Pending::applyDiffusion(std::move(image));
+    const Optics::Controls controls{options.stop, options.glowMult, options.glowRadiusMult,
+                                    options.distortion};
+    const Vec3f means = image.channelMeans();
+    image = Optics::apply(std::move(image), lens, means, controls);
+    image = Filters::apply(std::move(image), developed.film, options, ProfileStore::shared());
 
     // The frame on the film, and the physical scale of all that follows.
     std::optional<Plane> windowMask;
