@@ -53,8 +53,9 @@ void blurDirect(const BlurTask& task)
     }
 }
 
+/// The blurred light at the smaller size.
 template <typename Image>
-void blurReduced(const BlurTask& task)
+Image reducedBlur(const BlurTask& task)
 {
     constexpr double kReducedSigmaPx = 6.0;
     constexpr std::int64_t kMinSidePx = 16;
@@ -65,9 +66,16 @@ void blurReduced(const BlurTask& task)
     const Size small{side(task.size.width), side(task.size.height)};
     const double sigma =
         task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    Image light = reduceInBands<Image>(task.size, small, task.source);
-    light = gaussianFilter(std::move(light), sigma, EdgeMode::nearest);
-    enlargeByRows<Image>(light, task.size, task.use);
+    return gaussianFilter(reduceInBands<Image>(task.size, small, task.source), sigma, EdgeMode::nearest);
+}
+
+template <typename Image>
+EnlargedRows held(const BlurTask& task)
+{
+    if (task.sigmaPx > kDirectBlurSigmaPx) return {reducedBlur<Image>(task), task.size};
+    Image whole(task.size.width, task.size.height);
+    fetchRows(0, task.size.height, task.rowSamples(), task.source, whole.mutableData());
+    return {gaussianFilter(std::move(whole), task.sigmaPx, EdgeMode::nearest), task.size};
 }
 
 template <typename Image>
@@ -76,10 +84,16 @@ void blurImage(const BlurTask& task)
     if (task.sigmaPx <= kDirectBlurSigmaPx)
         blurDirect<Image>(task);
     else
-        blurReduced<Image>(task);
+        enlargeByRows<Image>(reducedBlur<Image>(task), task.size, task.use);
 }
 
 } // namespace
+
+EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source)
+{
+    const BlurTask task{size, channels, sigmaPx, source, {}};
+    return channels == 3 ? held<RGBImage>(task) : held<Plane>(task);
+}
 
 double boundedSigmaPx(double sigmaPx, Size size)
 {

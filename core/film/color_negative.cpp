@@ -1,15 +1,13 @@
 #include "core/film/color_negative.h"
 
 #include "core/film/adjacency.h"
-#include "core/film/classic_grain.h"
 #include "core/film/color_negative_passes.h"
 #include "core/film/dev_field.h"
 #include "core/film/emulsion_soften.h"
-#include "core/film/growth_grain.h"
+#include "core/film/grain_stage.h"
 #include "core/film/halation.h"
 #include "core/film/print.h"
 #include "core/profiles/profile_error.h"
-#include "core/profiles/seed_stream.h"
 
 #include <cmath>
 
@@ -49,27 +47,6 @@ PrintColorParams planPrint(const Film::ColorNegative& negative, const DevelopedF
     if (paper.tone)
         for (std::size_t c = 0; c < 3; ++c) params.tone[c] = static_cast<float>((*paper.tone)[c]);
     return params;
-}
-
-/// Grain on absolute density: rebuilt from crystals where the frame's size is known, else laid over it.
-RGBImage addGrain(RGBImage density, const std::array<HDCurve, 3>& curves, const FilmProfile& film,
-                  const RenderOptions& options, double pxUm)
-{
-    const Vec3d dmins{curves[0].dmin, curves[1].dmin, curves[2].dmin};
-    const Vec3d dmaxs{curves[0].dmax, curves[1].dmax, curves[2].dmax};
-    const GrainParams grain = Film::grainProfile(film, options);
-    const std::uint32_t seed = Pipeline::growthSeed(options);
-    if (options.grainEngine == GrainEngine::growth && options.formatLongUm > 0.0)
-        return Grain::growthColor(std::move(density), dmins, dmaxs,
-                                  {.grain = grain,
-                                   .formatLongUm = options.formatLongUm,
-                                   .seed = seed,
-                                   .ampMult = options.grainMult,
-                                   .sizeMult = options.grainSizeMult,
-                                   .zone = options.grainZone,
-                                   .tiling = {}});
-    return Grain::addColor(std::move(density), dmins, dmaxs,
-                           {grain, pxUm, options.grainSizeMult, options.grainMult, seed});
 }
 
 } // namespace

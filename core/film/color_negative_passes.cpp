@@ -50,7 +50,8 @@ void curvesColorRun(float* pixels, std::size_t count, const CurvesColorParams& p
     const hn::ScalableTag<float> d;
     using V = hn::Vec<decltype(d)>;
     const auto layer = [&](V light, std::size_t c, V field) HWY_ATTR {
-        const V x = hn::Add(logExposure(d, light, params.evTerm), hn::Set(d, params.layerEv[c]));
+        V x = hn::Add(logExposure(d, light, params.evTerm), hn::Set(d, params.layerEv[c]));
+        if (params.negate) x = hn::Neg(x);
         V above = densityAboveDmin(d, params.curves[c], x);
         if (uneven) {
             const V factor = hn::Add(hn::Set(d, 1.0f), hn::Mul(field, hn::Set(d, params.unevenWeights[c])));

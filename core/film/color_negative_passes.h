@@ -10,6 +10,8 @@ namespace tamlo {
 struct CurvesColorParams {
     std::array<HDCurve, 3> curves;
     float evTerm = 0.0f;
+    /// A direct positive: the curve at -x, so that more light gives less density.
+    bool negate = false;
     /// Offset of each layer in log exposure, ahead of its curve.
     Vec3f layerEv{};
     Vec3f unevenWeights{1.0f, 1.0f, 1.0f};

@@ -1,6 +1,6 @@
 #include "core/film/development.h"
 
-#include "core/film/pending_stages.h"
+#include "core/film/film_state.h"
 
 #include <algorithm>
 #include <array>
@@ -233,7 +233,7 @@ DevelopedFilm applyDevelopment(const FilmProfile& film, const DevelopmentKnobs& 
 
 DevelopedFilm applyFilmStateAndDevelopment(const FilmProfile& film, const RenderOptions& options)
 {
-    const Pending::FilmStateResult state = Pending::filmState(film, options);
+    const FilmState::Result state = FilmState::apply(film, options);
     DevelopedFilm developed = applyDevelopment(state.film, DevelopmentKnobs::of(options));
     developed.exposureShift += state.exposureShift;
     developed.layerEV = state.layerEV;

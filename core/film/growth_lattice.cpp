@@ -231,12 +231,24 @@ private:
     float* light_;
 };
 
-/// Cuts of 0...count into parts of at most `part`.
-std::vector<std::pair<std::int64_t, std::int64_t>> cut(std::int64_t count, std::int64_t part)
+/// 0...count in the fewest even parts of at most `most`.
+std::vector<std::pair<std::int64_t, std::int64_t>> evenParts(std::int64_t count, std::int64_t most)
 {
+    const std::int64_t number = (count + most - 1) / most, part = (count + number - 1) / number;
     std::vector<std::pair<std::int64_t, std::int64_t>> parts;
     for (std::int64_t at = 0; at < count; at += part) parts.emplace_back(at, std::min(at + part, count));
     return parts;
+}
+
+/// Rows of pixels of a band: as the tiling says, or fewer where a small frame would leave workers idle.
+std::int64_t bandRows(const GrowthTiling& tiling, std::int64_t stripPx, std::int64_t strips,
+                      const GrowthLatticePlan& plan, std::int64_t height)
+{
+    constexpr std::int64_t kJobsPerWorker = 4;
+    constexpr std::int64_t kLeastSiteRows = 256; // below it the rows made ahead of a band weigh too much
+    const std::int64_t whole = tiling.bandSites / (stripPx * plan.scale * plan.scale);
+    const std::int64_t shared = height * strips / (kJobsPerWorker * platform::activeWorkers());
+    return std::max<std::int64_t>(std::min(whole, std::max(shared, kLeastSiteRows / plan.scale)), 1);
 }
 
 } // namespace
@@ -265,9 +277,9 @@ void growthTransmission(const GrowthChannel& density, const GrowthLatticePlan& p
     const Size size = density.size;
     float* out = light.mutableData();
     const std::int64_t stripPx = std::clamp<std::int64_t>(tiling.stripSites / plan.scale, 1, size.width);
-    const std::int64_t bandPx =
-        std::max<std::int64_t>(tiling.bandSites / (stripPx * plan.scale * plan.scale), 1);
-    const auto strips = cut(size.width, stripPx), bands = cut(size.height, bandPx);
+    const auto strips = evenParts(size.width, stripPx);
+    const auto bands = evenParts(
+        size.height, bandRows(tiling, stripPx, static_cast<std::int64_t>(strips.size()), plan, size.height));
     platform::runConcurrently(static_cast<int>(strips.size() * bands.size()), [&](int job) {
         const auto [x0, x1] = strips[static_cast<std::size_t>(job) % strips.size()];
         const auto [y0, y1] = bands[static_cast<std::size_t>(job) / strips.size()];

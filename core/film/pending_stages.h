@@ -5,31 +5,11 @@
 
 #include "core/image/rgb_image.h"
 #include "core/profiles/developed_film.h"
-#include "core/profiles/render_options.h"
 
-#include <optional>
 #include <utility>
 
 namespace tamlo::Pending {
 
-/// Age, loading and intensification of a film.
-struct FilmStateResult {
-    FilmProfile film;
-    std::optional<Vec3d> layerEV; // stops
-    double exposureShift = 0.0;   // stops
-};
-inline FilmStateResult filmState(const FilmProfile& film, const RenderOptions&)
-{
-    return {film, std::nullopt, 0.0};
-}
-
-// Stages of the driver, in the order of the pipeline.
-
-/// Cuts the tilted crop from the source.
-inline RGBImage rotateCropInput(RGBImage image)
-{
-    return image;
-}
 /// Cuts an instant picture to its card's aspect.
 inline RGBImage cropToCard(RGBImage image)
 {
@@ -70,21 +50,6 @@ inline DevelopedFilm withoutGlassOnOpaque(DevelopedFilm film)
 {
     return film;
 }
-/// Slide onto reversal paper.
-inline RGBImage renderSlidePrint(RGBImage light)
-{
-    return light;
-}
-/// Slide as a transparency.
-inline RGBImage renderSlide(RGBImage light)
-{
-    return light;
-}
-/// A positive under the scanner.
-inline RGBImage scanPositive(RGBImage positive)
-{
-    return positive;
-}
 /// Three plates through three filters.
 inline RGBImage renderTricolor(RGBImage light)
 {
@@ -110,23 +75,8 @@ inline RGBImage renderAlt(RGBImage light)
 {
     return light;
 }
-/// A silver negative and its print.
-inline RGBImage renderBW(RGBImage light)
-{
-    return light;
-}
-/// A colour negative on black-and-white paper.
-inline RGBImage renderColorOnBWPaper(RGBImage light)
-{
-    return light;
-}
 /// Offset, inkjet, the screen, and added surface structure.
 inline RGBImage applyRepro(RGBImage positive)
-{
-    return positive;
-}
-/// The scanner's optics, ceiling, sharpening and clip.
-inline RGBImage applyScan(RGBImage positive)
 {
     return positive;
 }

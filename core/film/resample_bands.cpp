@@ -1,11 +1,11 @@
 #include "core/film/resample_bands.h"
 
 #include "core/image/bands.h"
-#include "core/image/resample.h"
 #include "core/image/resample_passes.h"
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tamlo {
@@ -75,6 +75,31 @@ void resampleByRows(Size in, Size out, const SourceRow& source, const ResultRow&
 
 } // namespace
 
+EnlargedRows::EnlargedRows(const RGBImage& small, Size full)
+    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
+                   3)
+{}
+
+EnlargedRows::EnlargedRows(const Plane& small, Size full)
+    : EnlargedRows(pilResize(small, full.width, small.height, Resampling::bilinear).data, small.size(), full,
+                   1)
+{}
+
+EnlargedRows::EnlargedRows(FloatBuffer wide, Size small, Size full, std::int64_t channels)
+    : wide_(std::move(wide)),
+      samples_(full.width * channels),
+      table_(small.height, full.height, Resampling::bilinear)
+{
+    for (std::int64_t y = 0; y < small.height; ++y) rows_.push_back(wide_.data() + y * samples_);
+}
+
+void EnlargedRows::row(std::int64_t y, float* to) const
+{
+    const auto i = static_cast<std::size_t>(y);
+    const float* const* taps = rows_.data() + table_.xmin[i];
+    resample_column({taps, table_.k.data() + y * table_.ksize, table_.n[i], samples_, to});
+}
+
 void fetchRows(std::int64_t first, std::int64_t end, std::int64_t rowSamples, const SourceRow& source,
                float* to)
 {
@@ -116,17 +141,11 @@ RGBImage reduceInBands<RGBImage>(Size size, Size reduced, const SourceRow& sourc
 template <>
 void enlargeByRows<Plane>(const Plane& picture, Size size, const ResultRow& use)
 {
-    const Plane wide = pilResize(picture, size.width, picture.height, Resampling::bilinear);
-    const ResampleCoeffs table(picture.height, size.height, Resampling::bilinear);
+    const EnlargedRows enlarged(picture, size);
     parallelBands(size.height, size.width, [&](std::int64_t start, std::int64_t end) {
         std::vector<float> row(static_cast<std::size_t>(size.width));
-        std::vector<const float*> taps;
         for (std::int64_t y = start; y < end; ++y) {
-            const auto i = static_cast<std::size_t>(y);
-            taps.clear();
-            for (std::int64_t j = 0; j < table.n[i]; ++j) taps.push_back(wide.row(table.xmin[i] + j));
-            resample_column(
-                {taps.data(), table.k.data() + y * table.ksize, table.n[i], size.width, row.data()});
+            enlarged.row(y, row.data());
             use(y, row.data());
         }
     });

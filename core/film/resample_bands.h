@@ -4,10 +4,12 @@
 #pragma once
 
 #include "core/image/plane.h"
+#include "core/image/resample.h"
 #include "core/image/rgb_image.h"
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace tamlo {
 
@@ -27,6 +29,25 @@ void fetchRows(std::int64_t first, std::int64_t end, std::int64_t rowSamples, co
 /// The source, of size `size`, at another size. Image is Plane or RGBImage.
 template <typename Image>
 Image reduceInBands(Size size, Size reduced, const SourceRow& source);
+
+/// A small picture seen at another size, a row at a time: the values of pilResize with the bilinear filter,
+/// without the large picture. It stands across at its full width and down at its small height.
+class EnlargedRows {
+public:
+    EnlargedRows(const RGBImage& small, Size full);
+    EnlargedRows(const Plane& small, Size full);
+
+    /// Row y of the full size: width × channels samples.
+    void row(std::int64_t y, float* to) const;
+
+private:
+    EnlargedRows(FloatBuffer wide, Size small, Size full, std::int64_t channels);
+
+    FloatBuffer wide_;
+    std::int64_t samples_;
+    ResampleCoeffs table_;
+    std::vector<const float*> rows_;
+};
 
 /// Gives each row of the picture enlarged to `size` to `use`.
 template <typename Image>

@@ -153,6 +153,16 @@ HWY_INLINE hn::Vec<D> loadRun(D d, const float* from, std::size_t count)
     return hn::Load(d, block);
 }
 
+/// The first `count` lanes, at most all of them, to memory.
+template <class D, class V>
+HWY_INLINE void storeRun(D d, V v, float* to, std::size_t count)
+{
+    if (count >= hn::Lanes(d)) return hn::StoreU(v, d, to);
+    HWY_ALIGN float block[hn::MaxLanes(d)];
+    hn::Store(v, d, block);
+    for (std::size_t k = 0; k < count; ++k) to[k] = block[k];
+}
+
 /// op(Triple, first pixel's index, pixels in it) on `count` interleaved pixels in place. The last pixels of a
 /// run go through the same vector code by way of a padded block, so that no result depends on where a run
 /// ends.

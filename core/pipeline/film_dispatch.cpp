@@ -1,8 +1,12 @@
 #include "core/pipeline/film_dispatch.h"
 
+#include "core/film/black_and_white.h"
 #include "core/film/color_negative.h"
 #include "core/film/development.h"
 #include "core/film/pending_stages.h"
+#include "core/film/scan.h"
+#include "core/film/scan_positive.h"
+#include "core/film/slide.h"
 #include "core/image/tamlo_error.h"
 
 #include <utility>
@@ -12,26 +16,25 @@ namespace {
 
 using Film::FilmInput;
 
-bool scansPositive(const FilmInput& in)
+RGBImage scannedPositive(RGBImage positive, const FilmInput& in)
 {
-    return in.paper.scansPositive();
+    if (!in.paper.scansPositive()) return positive;
+    return Film::scanPositive(std::move(positive), in.paper, in.options);
 }
 
-RGBImage renderSlidePrint(RGBImage light, const FilmInput&)
+RGBImage renderSlidePrint(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderSlidePrint(std::move(light));
+    return Film::renderSlidePrint(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
 RGBImage renderSlide(RGBImage light, const FilmInput& in)
 {
-    light = Pending::renderSlide(std::move(light));
-    return scansPositive(in) ? Pending::scanPositive(std::move(light)) : light;
+    return scannedPositive(Film::renderSlide(std::move(light), in.film, in.options, in.pxUm), in);
 }
 
 RGBImage renderTricolor(RGBImage light, const FilmInput& in)
 {
-    light = Pending::renderTricolor(std::move(light));
-    return scansPositive(in) ? Pending::scanPositive(std::move(light)) : light;
+    return scannedPositive(Pending::renderTricolor(std::move(light)), in);
 }
 
 RGBImage viewPlate(RGBImage light, const FilmInput&)
@@ -56,14 +59,14 @@ RGBImage renderAlt(RGBImage light, const FilmInput& in)
     return light;
 }
 
-RGBImage renderBW(RGBImage light, const FilmInput&)
+RGBImage renderBW(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderBW(std::move(light));
+    return Film::renderBW(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
-RGBImage renderColorOnBWPaper(RGBImage light, const FilmInput&)
+RGBImage renderColorOnBWPaper(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderColorOnBWPaper(std::move(light));
+    return Film::renderColorOnBWPaper(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
 RGBImage renderColor(RGBImage light, const FilmInput& in)
@@ -130,7 +133,7 @@ Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, 
     std::optional<Plane> noMask;
     RGBImage image = render(RGBImage(blackProbePx, blackProbePx), {even, paper, probe, pxUm, noMask});
     image = Pending::applyRepro(std::move(image));
-    image = Pending::applyScan(std::move(image));
+    if (paper.isScan()) image = applyScan(std::move(image), paper);
 
     Vec3d sum{};
     for (std::int64_t i = 0; i < image.pixelCount(); ++i)

@@ -4,9 +4,11 @@
 #include "core/film/development.h"
 #include "core/film/emulsion_input.h"
 #include "core/film/pending_stages.h"
+#include "core/film/scan.h"
 #include "core/film/source_light.h"
 #include "core/image/orient.h"
 #include "core/image/rounding.h"
+#include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/render_size.h"
 #include "core/process/border.h"
@@ -74,7 +76,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
 
     // The film, the cut of the source and the film under it.
     DevelopedFilm developed = applyFilmStateAndDevelopment(film, options);
-    image = Pending::rotateCropInput(std::move(image));
+    image = rotateCropInput(std::move(image), options.crop);
     const FilmLength length = filmLength(film, options, source, image.size());
     image = orientImage(std::move(image), options.rotate, options.mirror);
     if (options.masterCap)
@@ -119,7 +121,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     hooks.progress("print", 0.8);
     if (paper.isRepro() || paper.surface) image = Pending::applyRepro(std::move(image));
     followResolution();
-    if (paper.isScan()) image = Pending::applyScan(std::move(image));
+    if (paper.isScan()) image = Film::applyScan(std::move(image), paper);
     followResolution();
 
     if (isInstant) {

@@ -70,6 +70,7 @@ TEST(Pipeline, LaysTheBorderInThePapersBase)
 {
     Darkroom darkroom;
     darkroom.options.border = 0.1;
+    darkroom.options.grainMult = 0.0;
     const RGBImage out = darkroom(RGBImage(50, 30, {0.18f, 0.18f, 0.18f}));
     ASSERT_EQ(out.size(), (Size{60, 40}));
     EXPECT_EQ(out.pixel(0, 0), (Vec3f{1.0f, 0.996f, 0.985f}));
