@@ -41,12 +41,14 @@ fftwf_plan makePlan(Transform transform, int n)
                                sign, FFTW_ESTIMATE);
 }
 
+using Plans = std::map<std::pair<Transform, std::int64_t>, fftwf_plan>;
+
 /// The kept plan. Lengths are products of small primes, which are few: the map stays small. FFTW makes plans
 /// in one thread at a time; this lock is the only road to its planner.
 fftwf_plan planFor(Transform transform, std::int64_t length)
 {
     static std::mutex lock;
-    static std::map<std::pair<Transform, std::int64_t>, fftwf_plan> plans;
+    static Plans& plans = *new Plans; // never freed: a worker may still transform while the process ends
     if (length < 1 || length > std::numeric_limits<int>::max() / (2 * kFftColumns))
         throw PlatformError("no Fourier transform of length " + std::to_string(length));
     const std::lock_guard guard(lock);
