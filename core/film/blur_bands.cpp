@@ -13,7 +13,9 @@
 namespace tamlo {
 namespace {
 
-constexpr std::int64_t kBandRows = 512; // a tenth of a 24-megapixel picture with its margins
+// Bands of a few megabytes come back from the cache, and cost no fresh pages.
+constexpr std::int64_t kWindowRows = 128; // of a direct blur, when its margins are narrow
+constexpr std::int64_t kReducedRows = 64; // of a source on its way to a smaller size
 
 struct BlurTask {
     Size size;
@@ -40,7 +42,7 @@ void blurDirect(const BlurTask& task)
 {
     const auto radius = static_cast<std::int64_t>(task.sigmaPx * 4.0 + 0.5);
     const std::int64_t samples = task.rowSamples();
-    const std::int64_t windowRows = std::max(kBandRows, 2 * radius) + 2 * radius;
+    const std::int64_t windowRows = std::max(kWindowRows, 8 * radius) + 2 * radius;
     std::vector<float> around;
     Image window;
     std::int64_t top = 0, done = 0;
@@ -72,8 +74,8 @@ Image reduced(const BlurTask& task, Size small)
     const std::int64_t smallSamples = small.width * task.channels;
     Image narrow(small.width, task.size.height);
     Image band, narrowBand;
-    for (std::int64_t y = 0; y < task.size.height; y += kBandRows) {
-        const std::int64_t rows = std::min(kBandRows, task.size.height - y);
+    for (std::int64_t y = 0; y < task.size.height; y += kReducedRows) {
+        const std::int64_t rows = std::min(kReducedRows, task.size.height - y);
         if (band.height != rows) {
             band = Image(task.size.width, rows);
             narrowBand = Image(small.width, rows);
@@ -85,19 +87,28 @@ Image reduced(const BlurTask& task, Size small)
     return pilResize(narrow, small, Resampling::bilinear);
 }
 
-template <typename Image>
-EnlargedRows heldReduced(const BlurTask& task)
+struct ReducedBlur {
+    Size small;
+    double sigmaPx;
+};
+
+ReducedBlur planReduced(Size size, double sigmaPx)
 {
     constexpr double kReducedSigmaPx = 6.0;
     constexpr std::int64_t kMinSidePx = 16;
-    const double factor = task.sigmaPx / kReducedSigmaPx;
+    const double factor = sigmaPx / kReducedSigmaPx;
     const auto side = [&](std::int64_t n) {
         return std::max(pyRound(static_cast<double>(n) / factor), kMinSidePx);
     };
-    const Size small{side(task.size.width), side(task.size.height)};
-    const double sigma =
-        task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    return {gaussianFilter(reduced<Image>(task, small), sigma, EdgeMode::nearest), task.size};
+    const Size small{side(size.width), side(size.height)};
+    return {small, sigmaPx * static_cast<double>(small.width) / static_cast<double>(size.width)};
+}
+
+template <typename Image>
+EnlargedRows heldReduced(const BlurTask& task)
+{
+    const ReducedBlur plan = planReduced(task.size, task.sigmaPx);
+    return {gaussianFilter(reduced<Image>(task, plan.small), plan.sigmaPx, EdgeMode::nearest), task.size};
 }
 
 template <typename Image>
@@ -162,6 +173,15 @@ EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const So
 {
     const BlurTask task{size, channels, sigmaPx, source, {}};
     return channels == 3 ? held<RGBImage>(task) : held<Plane>(task);
+}
+
+EnlargedRows heldBlur(const RGBImage& image, double sigmaPx)
+{
+    if (!(sigmaPx > kDirectBlurSigmaPx))
+        return {gaussianFilter(image, sigmaPx, EdgeMode::nearest), image.size()};
+    const ReducedBlur plan = planReduced(image.size(), sigmaPx);
+    RGBImage small = pilResize(image, plan.small, Resampling::bilinear);
+    return {gaussianFilter(std::move(small), plan.sigmaPx, EdgeMode::nearest), image.size()};
 }
 
 double boundedSigmaPx(double sigmaPx, Size size)
