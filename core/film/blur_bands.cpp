@@ -13,9 +13,8 @@
 namespace tamlo {
 namespace {
 
-// Bands of a few megabytes come back from the cache, and cost no fresh pages.
-constexpr std::int64_t kWindowRows = 128; // of a direct blur, when its margins are narrow
-constexpr std::int64_t kReducedRows = 64; // of a source on its way to a smaller size
+constexpr std::int64_t kWindowRows = 512; // of a direct blur: each window takes fresh scratch of its own
+constexpr std::int64_t kReducedRows = 32; // on the way to a smaller size: rows that stay in the cache
 
 struct BlurTask {
     Size size;
@@ -42,7 +41,7 @@ void blurDirect(const BlurTask& task)
 {
     const auto radius = static_cast<std::int64_t>(task.sigmaPx * 4.0 + 0.5);
     const std::int64_t samples = task.rowSamples();
-    const std::int64_t windowRows = std::max(kWindowRows, 8 * radius) + 2 * radius;
+    const std::int64_t windowRows = std::max(kWindowRows, 2 * radius) + 2 * radius;
     std::vector<float> around;
     Image window;
     std::int64_t top = 0, done = 0;
@@ -73,17 +72,21 @@ Image reduced(const BlurTask& task, Size small)
 {
     const std::int64_t smallSamples = small.width * task.channels;
     Image narrow(small.width, task.size.height);
-    Image band, narrowBand;
-    for (std::int64_t y = 0; y < task.size.height; y += kReducedRows) {
-        const std::int64_t rows = std::min(kReducedRows, task.size.height - y);
-        if (band.height != rows) {
-            band = Image(task.size.width, rows);
-            narrowBand = Image(small.width, rows);
+    float* to = narrow.mutableData();
+    parallelBands(task.size.height, task.rowSamples(), [&](std::int64_t start, std::int64_t end) {
+        Image band, narrowBand;
+        for (std::int64_t y = start; y < end; y += kReducedRows) {
+            const std::int64_t rows = std::min(kReducedRows, end - y);
+            if (band.height != rows) {
+                band = Image(task.size.width, rows);
+                narrowBand = Image(small.width, rows);
+            }
+            float* row = band.mutableData();
+            for (std::int64_t i = 0; i < rows; ++i) task.source(y + i, row + i * task.rowSamples());
+            pilResizeInto(band, narrowBand, Resampling::bilinear);
+            std::copy_n(narrowBand.data.data(), rows * smallSamples, to + y * smallSamples);
         }
-        task.fetch(y, y + rows, band.mutableData());
-        pilResizeInto(band, narrowBand, Resampling::bilinear);
-        std::copy_n(narrowBand.data.data(), rows * smallSamples, narrow.mutableData() + y * smallSamples);
-    }
+    });
     return pilResize(narrow, small, Resampling::bilinear);
 }
 
