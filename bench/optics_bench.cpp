@@ -4,6 +4,7 @@
 
 #include "core/film/optics.h"
 #include "core/image/bands.h"
+#include "core/profiles/profile_store.h"
 
 namespace tamlo {
 namespace {
@@ -22,25 +23,7 @@ RGBImage testImage(benchmark::State& state)
 
 LensProfile petzval()
 {
-    LensProfile lens;
-    lens.optics = {.veil = 0.05,
-                   .bloom = 0.22,
-                   .bloomThreshold = 0.6,
-                   .bloomSigma1 = 0.005,
-                   .bloomSigma2 = 0.026,
-                   .bloomHaloMix = 0.45,
-                   .bloomTint = Vec3d{1.0, 0.98, 0.93},
-                   .ca = 0.0003,
-                   .vignette = 0.823,
-                   .vignettePower = 1.8,
-                   .soften = 0.15,
-                   .softenMix = 0.4,
-                   .cast = Vec3d{1.02, 1.0, 0.96},
-                   .distortion = -0.004,
-                   .fieldCurvature = 0.0035,
-                   .astigmatism = 0.012,
-                   .defocusBias = 0.55};
-    return lens;
+    return ProfileStore::shared().lens("petzval1900");
 }
 
 LensProfile softFocus()

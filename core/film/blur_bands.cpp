@@ -53,20 +53,30 @@ void blurDirect(const BlurTask& task)
     }
 }
 
+struct ReducedBlur {
+    Size small;
+    double sigmaPx;
+};
+
+ReducedBlur planReduced(Size size, double sigmaPx)
+{
+    constexpr double kReducedSigmaPx = 6.0;
+    constexpr std::int64_t kMinSidePx = 16;
+    const double factor = sigmaPx / kReducedSigmaPx;
+    const auto side = [&](std::int64_t n) {
+        return std::max(pyRound(static_cast<double>(n) / factor), kMinSidePx);
+    };
+    const Size small{side(size.width), side(size.height)};
+    return {small, sigmaPx * static_cast<double>(small.width) / static_cast<double>(size.width)};
+}
+
 /// The blurred light at the smaller size.
 template <typename Image>
 Image reducedBlur(const BlurTask& task)
 {
-    constexpr double kReducedSigmaPx = 6.0;
-    constexpr std::int64_t kMinSidePx = 16;
-    const double factor = task.sigmaPx / kReducedSigmaPx;
-    const auto side = [&](std::int64_t n) {
-        return std::max(pyRound(static_cast<double>(n) / factor), kMinSidePx);
-    };
-    const Size small{side(task.size.width), side(task.size.height)};
-    const double sigma =
-        task.sigmaPx * static_cast<double>(small.width) / static_cast<double>(task.size.width);
-    return gaussianFilter(reduceInBands<Image>(task.size, small, task.source), sigma, EdgeMode::nearest);
+    const ReducedBlur plan = planReduced(task.size, task.sigmaPx);
+    return gaussianFilter(reduceInBands<Image>(task.size, plan.small, task.source), plan.sigmaPx,
+                          EdgeMode::nearest);
 }
 
 template <typename Image>
@@ -93,6 +103,15 @@ EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const So
 {
     const BlurTask task{size, channels, sigmaPx, source, {}};
     return channels == 3 ? held<RGBImage>(task) : held<Plane>(task);
+}
+
+EnlargedRows heldBlur(const RGBImage& image, double sigmaPx)
+{
+    if (!(sigmaPx > kDirectBlurSigmaPx))
+        return {gaussianFilter(image, sigmaPx, EdgeMode::nearest), image.size()};
+    const ReducedBlur plan = planReduced(image.size(), sigmaPx);
+    RGBImage small = pilResize(image, plan.small, Resampling::bilinear);
+    return {gaussianFilter(std::move(small), plan.sigmaPx, EdgeMode::nearest), image.size()};
 }
 
 double boundedSigmaPx(double sigmaPx, Size size)

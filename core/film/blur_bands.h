@@ -17,6 +17,8 @@ using BlurredRow = ResultRow;
 /// A blur kept for later rows: reduced when it is wide, whole up to kDirectBlurSigmaPx. For a stage that adds
 /// several blurs of one source, which `source` must still give while they are made. Sigma is 0 or more.
 EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source);
+/// The same of an image as it stands.
+EnlargedRows heldBlur(const RGBImage& image, double sigmaPx);
 
 /// A sigma held to 64 picture widths, far beyond the one that spreads evenly over the picture: a profile may
 /// name any reach in micrometres, and the kernel's length must stay within reason.

@@ -54,36 +54,32 @@ std::array<std::vector<float>, kFieldBands> normalisedWeights(std::int64_t radii
     return out;
 }
 
-/// The rows of the polar plane that a ring weighs, smeared: only they are worked on, with the rows around
-/// them that the blur along the radius reaches for.
-void addRing(Plane& sum, const Plane& polar, const Optics::FieldRing& ring, std::span<const float> weights)
+std::vector<double> halfKernel(double sigma)
 {
-    const auto weighs = [](float w) { return w > 0.0f; };
-    const auto from = std::find_if(weights.begin(), weights.end(), weighs);
-    if (from == weights.end()) return;
-    const std::int64_t first = from - weights.begin();
-    const std::int64_t last = weights.rend() - std::find_if(weights.rbegin(), weights.rend(), weighs);
-    const bool blursRadius = ring.alongRadius > kMinRingSigma;
-    const std::int64_t reach = blursRadius ? static_cast<std::int64_t>(ring.alongRadius * 4.0 + 0.5) : 0;
-    const std::int64_t top = std::max<std::int64_t>(first - reach, 0);
-    const std::int64_t bottom = std::min(last + reach, polar.height);
-    Plane rows(polar.width, bottom - top);
-    std::copy_n(polar.row(top), rows.count(), rows.mutableData());
-    if (ring.alongAngle > kMinRingSigma)
-        rows = gaussianFilter1D(std::move(rows), ring.alongAngle, FilterAxis::x, EdgeMode::wrap);
-    if (blursRadius)
-        rows = gaussianFilter1D(std::move(rows), ring.alongRadius, FilterAxis::y, EdgeMode::nearest);
-    ring_add(sum, rows, top, weights);
+    if (!(sigma > kMinRingSigma)) return {1.0};
+    const auto radius = static_cast<std::int64_t>(sigma * 4.0 + 0.5);
+    const std::vector<double> full = gaussianKernel1D(sigma, radius);
+    return {full.begin() + radius, full.end()};
+}
+
+std::array<SmearRing, kFieldBands> smearRings(const FieldPlan& plan)
+{
+    auto weights = normalisedWeights(plan.radii);
+    std::array<SmearRing, kFieldBands> rings;
+    for (std::size_t j = 0; j < kFieldBands; ++j)
+        rings[j] = {halfKernel(plan.rings[j].alongAngle), halfKernel(plan.rings[j].alongRadius),
+                    std::move(weights[j])};
+    return rings;
 }
 
 /// The polar image with each ring smeared by its own sigmas.
 void smear(PolarPlanes& polar, const FieldPlan& plan)
 {
-    const auto weights = normalisedWeights(plan.radii);
+    const auto rings = smearRings(plan);
+    Plane smeared(plan.angles, plan.radii);
     for (Plane& channel : polar) {
-        Plane sum(channel.width, channel.height);
-        for (std::size_t j = 0; j < kFieldBands; ++j) addRing(sum, channel, plan.rings[j], weights[j]);
-        channel = std::move(sum);
+        smear_rings(channel, rings, smeared);
+        std::swap(channel, smeared);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "core/film/optics_field_passes.h"
 
 #include "core/image/bands.h"
+#include "core/image/gaussian_passes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,6 +12,7 @@
 namespace tamlo {
 namespace {
 
+constexpr std::int64_t kSmearRows = 48; // polar rows blurred together, with their scratch in the cache
 constexpr std::int64_t kPolarCost = 16; // a polar sample in units of a plain one
 
 inline float lerp(float a, float b, float share)
@@ -27,6 +29,68 @@ float centreOf(std::int64_t n)
 {
     return 0.5f * static_cast<float>(n - 1);
 }
+
+/// Some rows of the smeared image at a time, with scratch that stays in the cache.
+class SmearBlock {
+public:
+    SmearBlock(const Plane& polar, std::int64_t reachX, std::int64_t reachY)
+        : polar_(polar),
+          stride_(gaussPadded(polar.width)),
+          padded_(size(stride_)),
+          line_(size(stride_ + 2 * reachX)),
+          strip_(gaussStripDoubles(kSmearRows, reachY)),
+          turned_(size((kSmearRows + 2 * reachY) * stride_)),
+          folded_(size(kSmearRows * stride_))
+    {}
+
+    void run(std::span<const SmearRing> rings, std::int64_t y, std::int64_t count, float* to)
+    {
+        std::fill_n(to, count * polar_.width, 0.0f);
+        for (const SmearRing& ring : rings) {
+            const auto first = ring.weights.begin() + y;
+            if (std::none_of(first, first + count, [](float w) { return w > 0.0f; })) continue;
+            blur(ring, y, count);
+            for (std::int64_t i = 0; i < count; ++i) {
+                const float weight = ring.weights[size(y + i)];
+                const float* from = folded_.data() + i * stride_;
+                float* row = to + i * polar_.width;
+                for (std::int64_t x = 0; x < polar_.width; ++x) row[x] += weight * from[x];
+            }
+        }
+    }
+
+private:
+    static std::size_t size(std::int64_t n) { return static_cast<std::size_t>(n); }
+
+    void blur(const SmearRing& ring, std::int64_t y, std::int64_t count)
+    {
+        const GaussHalfKernel alongAngle{ring.alongAngle}, alongRadius{ring.alongRadius};
+        const std::int64_t reach = alongRadius.radius();
+        rows_.assign(size(count + 2 * reach), nullptr);
+        const float* made = nullptr;
+        std::int64_t last = -1;
+        for (std::int64_t i = 0; i < count + 2 * reach; ++i) {
+            const std::int64_t source = std::clamp<std::int64_t>(y - reach + i, 0, polar_.height - 1);
+            if (source != last) {
+                std::copy_n(polar_.row(source), polar_.width, padded_.data());
+                float* to = turned_.data() + i * stride_;
+                gauss_row({padded_.data(), polar_.width, 1, to, line_.data()}, alongAngle, EdgeMode::wrap);
+                made = to;
+                last = source;
+            }
+            rows_[size(i)] = made;
+        }
+        gauss_columns({rows_.data(), count, polar_.width, folded_.data(), stride_, strip_.data()},
+                      alongRadius);
+    }
+
+    const Plane& polar_;
+    std::int64_t stride_;
+    std::vector<float> padded_;
+    std::vector<double> line_, strip_;
+    std::vector<float> turned_, folded_;
+    std::vector<const float*> rows_;
+};
 
 } // namespace
 
@@ -63,18 +127,18 @@ void polar_forward(const RGBImage& image, double radiusStep, PolarPlanes& polar)
     });
 }
 
-void ring_add(Plane& sum, const Plane& ring, std::int64_t top, std::span<const float> weights)
+void smear_rings(const Plane& polar, std::span<const SmearRing> rings, Plane& out)
 {
-    float* to = sum.mutableData();
-    const std::int64_t width = sum.width;
-    parallelBands(ring.height, width, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t y = start; y < end; ++y) {
-            const float weight = weights[static_cast<std::size_t>(top + y)];
-            if (!(weight > 0.0f)) continue;
-            const float* from = ring.row(y);
-            float* row = to + (top + y) * width;
-            for (std::int64_t x = 0; x < width; ++x) row[x] += weight * from[x];
-        }
+    float* to = out.mutableData();
+    std::int64_t reachX = 0, reachY = 0;
+    for (const SmearRing& ring : rings) {
+        reachX = std::max(reachX, GaussHalfKernel{ring.alongAngle}.radius());
+        reachY = std::max(reachY, GaussHalfKernel{ring.alongRadius}.radius());
+    }
+    parallelBands(polar.height, polar.width * kPolarCost, [&](std::int64_t start, std::int64_t end) {
+        SmearBlock block(polar, reachX, reachY);
+        for (std::int64_t y = start; y < end; y += kSmearRows)
+            block.run(rings, y, std::min(kSmearRows, end - y), to + y * polar.width);
     });
 }
 

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace tamlo {
 
@@ -17,8 +18,15 @@ using PolarPlanes = std::array<Plane, 3>; // rows are radii, columns are angles,
 /// lies half a step out.
 void polar_forward(const RGBImage& image, double radiusStep, PolarPlanes& polar);
 
-/// sum += weight[r] × ring for rows first... of the sum; the ring's row 0 is row `top` of the sum.
-void ring_add(Plane& sum, const Plane& ring, std::int64_t top, std::span<const float> weights);
+/// One ring of the field: half kernels (the centre first) along the angle and along the radius, and the share
+/// of the ring in each polar row.
+struct SmearRing {
+    std::vector<double> alongAngle, alongRadius;
+    std::vector<float> weights;
+};
+/// out = Σ weight × ring, each row blurred along the angle with the turn closed, then along the radius with
+/// the ends repeated. Only rows that a ring has a share in are blurred for it.
+void smear_rings(const Plane& polar, std::span<const SmearRing> rings, Plane& out);
 
 /// Where the proxy takes the smeared light, and how much of it.
 struct FieldMix {

@@ -91,12 +91,20 @@ struct Halo {
     std::optional<EnlargedRows> core;
 };
 
-Halo makeHalo(const RGBImage& image, const SourceRow& source, std::int64_t channels, double sigmaPx,
-              bool ring)
+constexpr double kCoreShare = 0.42; // of the halo's sigma
+
+Halo haloOf(const RGBImage& image, double sigmaPx, bool ring)
 {
-    constexpr double kCoreShare = 0.42;
-    Halo halo{heldBlur(image.size(), channels, sigmaPx, source), std::nullopt};
-    if (ring) halo.core = heldBlur(image.size(), channels, kCoreShare * sigmaPx, source);
+    Halo halo{heldBlur(image, sigmaPx), std::nullopt};
+    if (ring) halo.core = heldBlur(image, kCoreShare * sigmaPx);
+    return halo;
+}
+
+Halo haloOfChannel(const RGBImage& image, std::size_t c, double sigmaPx, bool ring)
+{
+    const SourceRow source = channelOf(image.data.data(), image.width, c);
+    Halo halo{heldBlur(image.size(), 1, sigmaPx, source), std::nullopt};
+    if (ring) halo.core = heldBlur(image.size(), 1, kCoreShare * sigmaPx, source);
     return halo;
 }
 
@@ -130,11 +138,16 @@ RGBImage Optics::veil(RGBImage image, double share, const Vec3f& inputMeans)
     VeilPlan plan{static_cast<float>(kSpread * share), {}};
     for (std::size_t c = 0; c < 3; ++c)
         plan.even[c] = static_cast<float>(kEven * share * static_cast<double>(inputMeans[c]));
+    const EnlargedRows spread = heldBlur(image, heldSigma(kSigmaOfLong * longPx(image), image));
     float* pixels = image.mutableData();
     const std::int64_t width = image.width;
-    blurInBands(
-        image.size(), 3, heldSigma(kSigmaOfLong * longPx(image), image), rowsOf(pixels, width),
-        [&](std::int64_t y, const float* spread) { veil_row(pixels + y * width * 3, spread, width, plan); });
+    parallelBands(image.height, width * 3, [&](std::int64_t start, std::int64_t end) {
+        std::vector<float> row = rowBuffer(width * 3);
+        for (std::int64_t y = start; y < end; ++y) {
+            spread.row(y, row.data());
+            veil_row(pixels + y * width * 3, row.data(), width, plan);
+        }
+    });
     return image;
 }
 
@@ -165,15 +178,13 @@ RGBImage Optics::glow(RGBImage image, const OpticsParams& params, double saGain,
     if (image.pixelCount() == 0) return image;
     const auto plan = planGlow(image, params, mult * saGain * params.glow.value_or(0.0), radiusMult);
     if (!plan) return image;
-    const float* pixels = image.mutableData();
     const Vec3d& sigma = plan->sigmaPx;
     const bool ring = plan->ring > 0.0f;
     std::vector<Halo> halos;
     if (sigma[0] == sigma[1] && sigma[1] == sigma[2])
-        halos.push_back(makeHalo(image, rowsOf(pixels, image.width), 3, sigma[0], ring));
+        halos.push_back(haloOf(image, sigma[0], ring));
     else
-        for (std::size_t c = 0; c < 3; ++c)
-            halos.push_back(makeHalo(image, channelOf(pixels, image.width, c), 1, sigma[c], ring));
+        for (std::size_t c = 0; c < 3; ++c) halos.push_back(haloOfChannel(image, c, sigma[c], ring));
     mixHalos(image, halos, *plan);
     halos.clear();
     return plan->focusPx > 0.0 ? blur(std::move(image), plan->focusPx) : image;

@@ -108,22 +108,28 @@ void fetchRows(std::int64_t first, std::int64_t end, std::int64_t rowSamples, co
     });
 }
 
-/// A plane goes through the resampler four rows at a time: a band at the new width, then the whole at the new
-/// height.
+/// A plane goes through the resampler a few rows at a time that stay in the cache: at the new width first,
+/// then the whole at the new height.
 template <>
 Plane reduceInBands<Plane>(Size size, Size reduced, const SourceRow& source)
 {
-    Plane narrow(reduced.width, size.height), band, narrowBand;
-    for (std::int64_t y = 0; y < size.height; y += kPictureBandRows) {
-        const std::int64_t rows = std::min(kPictureBandRows, size.height - y);
-        if (band.height != rows) {
-            band = Plane(size.width, rows);
-            narrowBand = Plane(reduced.width, rows);
+    constexpr std::int64_t kRows = 32;
+    Plane narrow(reduced.width, size.height);
+    float* to = narrow.mutableData();
+    parallelBands(size.height, size.width, [&](std::int64_t start, std::int64_t end) {
+        Plane band, narrowBand;
+        for (std::int64_t y = start; y < end; y += kRows) {
+            const std::int64_t rows = std::min(kRows, end - y);
+            if (band.height != rows) {
+                band = Plane(size.width, rows);
+                narrowBand = Plane(reduced.width, rows);
+            }
+            float* row = band.mutableData();
+            for (std::int64_t i = 0; i < rows; ++i) source(y + i, row + i * size.width);
+            pilResizeInto(band, narrowBand, Resampling::bilinear);
+            std::copy_n(narrowBand.data.data(), rows * reduced.width, to + y * reduced.width);
         }
-        fetchRows(y, y + rows, size.width, source, band.mutableData());
-        pilResizeInto(band, narrowBand, Resampling::bilinear);
-        std::copy_n(narrowBand.data.data(), rows * reduced.width, narrow.mutableData() + y * reduced.width);
-    }
+    });
     return pilResize(narrow, reduced, Resampling::bilinear);
 }
 
