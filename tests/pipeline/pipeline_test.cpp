@@ -31,8 +31,7 @@ TEST(Pipeline, AGreyCardComesOutGreyOnTheNeutralTriple)
     // The neutral lens keeps a trace of veil and fall-off: the card is read in the middle of the frame.
     const RGBImage seen = neutral(RGBImage(64, 48, {0.18f, 0.18f, 0.18f}));
     const PageBuffer bytes = ImageWriter::encodeSRGB8RGB(seen);
-    for (std::size_t c = 0; c < 3; ++c)
-        EXPECT_NEAR(bytes.bytes(64 * 48 * 3)[(24 * 64 + 32) * 3 + c], 118, 1);
+    for (std::size_t c = 0; c < 3; ++c) EXPECT_NEAR(bytes.bytes(64 * 48 * 3)[(24 * 64 + 32) * 3 + c], 118, 1);
 
     neutral.lens = {};
     const RGBImage out = neutral(RGBImage(64, 48, {0.18f, 0.18f, 0.18f}));
