@@ -21,8 +21,8 @@ std::vector<std::uint8_t> makeProfile()
     std::vector<std::uint8_t> bytes(size);
     if (!cmsSaveProfileToMem(profile.get(), bytes.data(), &size))
         throw PlatformError("cannot make the sRGB profile");
-    // Bytes 24 to 35 of the header are the time of making (ICC.1:2010, 7.2.8). A fixed one, the day of the
-    // ICC specification's current version 4.3: the same picture must give the same file tomorrow.
+    // Bytes 24 to 35 of the header are the time of making (ICC.1:2010, 7.2.8). A fixed one, the day of that
+    // standard: the same picture must give the same file tomorrow.
     constexpr std::uint8_t kDate[12] = {0x07, 0xDA, 0, 12, 0, 1, 0, 0, 0, 0, 0, 0};
     std::copy(std::begin(kDate), std::end(kDate), bytes.begin() + 24);
     return bytes;

@@ -1,6 +1,7 @@
-// Draws photographs before and after: a row each, the picture as it was read on the left, developed on the
-// right.
-//   contact_sheet SHEET.png PHOTO... [options of tamlo develop]
+// Draws photographs before and after: a row each, the picture as it was read on the left, developed beside
+// it.
+//   contact_sheet SHEET.png PHOTO... [options of tamlo develop] [+ options]...
+// Each + adds a column with its options on top of the first ones.
 // --long is the long side of each picture on the sheet, 640 when it is not given.
 // Status: 0, 1 when a picture could not be developed, 2 for a wrong command line.
 #include "cli/arguments.h"
@@ -21,20 +22,22 @@ using namespace tamlo;
 constexpr std::int64_t kMarginPx = 16;
 constexpr std::int64_t kDefaultLongPx = 640;
 
-struct Pair {
-    RGBImage before, after;
-};
+using Row = std::vector<RGBImage>;
 
-Pair develop(const std::filesystem::path& photo, const cli::DevelopChoices& choices, std::int64_t longPx)
+RGBImage source(const std::filesystem::path& photo, const cli::DevelopChoices& choices, std::int64_t longPx)
+{
+    const RenderOptions& options = choices.render.options;
+    return resized(ImageLoader::loadLinear(photo, ImageLoader::decodeWBMode(options.wbMode),
+                                           SourceExposure::fromKey(options.srcExposure), longPx),
+                   longPx);
+}
+
+RGBImage develop(const RGBImage& before, const std::filesystem::path& photo,
+                 const cli::DevelopChoices& choices, std::int64_t longPx)
 {
     RenderChoices render = choices.render;
     if (!choices.seedIsGiven) render.options.seed = FrameSeed::crc32(photo.filename().string());
-    RGBImage before =
-        resized(ImageLoader::loadLinear(photo, ImageLoader::decodeWBMode(render.options.wbMode),
-                                        SourceExposure::fromKey(render.options.srcExposure), longPx),
-                longPx);
-    RGBImage after = resized(CPUBackend().process(before, render), longPx);
-    return {std::move(before), std::move(after)};
+    return resized(CPUBackend().process(before, render), longPx);
 }
 
 void paste(RGBImage& sheet, const RGBImage& picture, std::int64_t left, std::int64_t top)
@@ -44,42 +47,73 @@ void paste(RGBImage& sheet, const RGBImage& picture, std::int64_t left, std::int
         std::copy_n(picture.row(y), picture.width * 3, to + ((top + y) * sheet.width + left) * 3);
 }
 
-RGBImage arrange(const std::vector<Pair>& pairs)
+std::int64_t heightOf(const Row& row)
 {
-    std::int64_t columnPx = 0;
-    std::int64_t heightPx = kMarginPx;
-    for (const Pair& pair : pairs) {
-        columnPx = std::max({columnPx, pair.before.width, pair.after.width});
-        heightPx += std::max(pair.before.height, pair.after.height) + kMarginPx;
+    std::int64_t heightPx = 0;
+    for (const RGBImage& picture : row) heightPx = std::max(heightPx, picture.height);
+    return heightPx;
+}
+
+RGBImage arrange(const std::vector<Row>& rows)
+{
+    std::int64_t columnPx = 0, heightPx = kMarginPx;
+    for (const Row& row : rows) {
+        for (const RGBImage& picture : row) columnPx = std::max(columnPx, picture.width);
+        heightPx += heightOf(row) + kMarginPx;
     }
-    RGBImage sheet(2 * columnPx + 3 * kMarginPx, heightPx, Vec3f{1.0f, 1.0f, 1.0f});
+    const auto columns = static_cast<std::int64_t>(rows.front().size());
+    RGBImage sheet(columns * (columnPx + kMarginPx) + kMarginPx, heightPx, Vec3f{1.0f, 1.0f, 1.0f});
     std::int64_t top = kMarginPx;
-    for (const Pair& pair : pairs) {
-        paste(sheet, pair.before, kMarginPx + (columnPx - pair.before.width) / 2, top);
-        paste(sheet, pair.after, 2 * kMarginPx + columnPx + (columnPx - pair.after.width) / 2, top);
-        top += std::max(pair.before.height, pair.after.height) + kMarginPx;
+    for (const Row& row : rows) {
+        std::int64_t left = kMarginPx;
+        for (const RGBImage& picture : row) {
+            paste(sheet, picture, left + (columnPx - picture.width) / 2, top);
+            left += columnPx + kMarginPx;
+        }
+        top += heightOf(row) + kMarginPx;
     }
     return sheet;
+}
+
+/// The command line of each column: the first one's words, then those behind its +.
+std::vector<cli::DevelopArguments> columnsOf(const std::vector<std::string>& words)
+{
+    std::vector<std::vector<std::string>> lines{{"develop"}};
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        if (words[i] == "+")
+            lines.push_back(lines.front());
+        else
+            lines.back().push_back(words[i]);
+    }
+    std::vector<cli::DevelopArguments> columns;
+    for (const auto& line : lines) {
+        const cli::Command command = cli::parseArguments(line);
+        const auto* arguments = std::get_if<cli::DevelopArguments>(&command);
+        if (arguments == nullptr)
+            throw cli::UsageError("contact_sheet takes pictures and options of tamlo develop");
+        columns.push_back(*arguments);
+    }
+    return columns;
 }
 
 int run(const std::vector<std::string>& words)
 {
     if (words.size() < 2)
-        throw cli::UsageError("usage: contact_sheet SHEET.png PHOTO... [options of tamlo develop]");
-    std::vector<std::string> line{"develop"};
-    line.insert(line.end(), words.begin() + 1, words.end());
-    const cli::Command command = cli::parseArguments(line);
-    const auto* arguments = std::get_if<cli::DevelopArguments>(&command);
-    if (arguments == nullptr)
-        throw cli::UsageError("contact_sheet takes pictures and options of tamlo develop");
-
-    const cli::DevelopChoices choices = cli::resolveChoices(*arguments, ProfileStore::shared());
-    std::vector<Pair> pairs;
-    for (const auto& photo : arguments->inputs) {
+        throw cli::UsageError(
+            "usage: contact_sheet SHEET.png PHOTO... [options of tamlo develop] [+ options]...");
+    const std::vector<cli::DevelopArguments> columns = columnsOf(words);
+    std::vector<cli::DevelopChoices> choices;
+    for (const auto& column : columns) choices.push_back(cli::resolveChoices(column, ProfileStore::shared()));
+    const std::int64_t longPx = columns.front().longPx.value_or(kDefaultLongPx);
+    std::vector<Row> rows;
+    for (const auto& photo : columns.front().inputs) {
         std::cerr << photo.string() << '\n';
-        pairs.push_back(develop(photo, choices, arguments->longPx.value_or(kDefaultLongPx)));
+        Row row{source(photo, choices.front(), longPx)};
+        for (const cli::DevelopChoices& choice : choices)
+            row.push_back(develop(row.front(), photo, choice, longPx));
+        rows.push_back(std::move(row));
     }
-    ImageWriter::save(arrange(pairs), words[0], arguments->quality, std::nullopt);
+    ImageWriter::save(arrange(rows), words[0], columns.front().quality, std::nullopt);
     std::cout << words[0] << '\n';
     return 0;
 }
