@@ -40,11 +40,6 @@ FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Siz
     return {window.fmtUm, window.capUm};
 }
 
-std::int64_t masterCap(const FilmProfile& film, double capUm)
-{
-    return Pipeline::masterLongPx(film, capUm);
-}
-
 Vec3f paperBase(const PaperProfile& paper)
 {
     const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
@@ -83,7 +78,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     const FilmLength length = filmLength(film, options, source, image.size());
     image = orientImage(std::move(image), options.rotate, options.mirror);
     if (options.masterCap)
-        image = applyMasterCap(std::move(image), length.fmtUm, masterCap(film, length.capUm));
+        image = applyMasterCap(std::move(image), length.fmtUm, masterLongPx(film, length.capUm));
     image = Pending::cropToCard(std::move(image));
     std::int64_t baseLong = image.longSide();
     hooks.cancellationPoint();
