@@ -9,6 +9,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
+#include "core/pipeline/film_dispatch.h"
 #include "platform/console.h"
 
 #include <iostream>
@@ -102,6 +103,9 @@ int develop(const DevelopArguments& arguments, std::ostream& results)
 {
     const std::vector<DevelopJob> jobs = planJobs(arguments);
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    if (const auto pending = Film::pendingStage(choices.render.film, choices.render.paper))
+        std::cerr << "tamlo: note: " << *pending << " can't be drawn yet; the picture passes through"
+                  << std::endl;
     platform::catchStopSignals();
 
     Progress progress(jobs.size());

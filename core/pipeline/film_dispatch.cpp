@@ -77,6 +77,8 @@ RGBImage renderColor(RGBImage light, const FilmInput& in)
 struct Row {
     bool (*holds)(const FilmProfile&, const PaperProfile&);
     RGBImage (*stage)(RGBImage, const FilmInput&);
+    /// What is not built yet and lets the light through; null where the stage stands.
+    const char* pending = nullptr;
 };
 
 bool isNegative(const FilmProfile& film)
@@ -94,11 +96,15 @@ constexpr Row kTable[] = {
     {[](const FilmProfile& f, const PaperProfile& p) { return f.isSlide() && p.isReversal(); },
      renderSlidePrint},
     {[](const FilmProfile& f, const PaperProfile&) { return f.isSlide(); }, renderSlide},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor},
-    {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isMonoInstant(); }, renderInstantMono},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isInstant(); }, renderInstant},
-    {[](const FilmProfile& f, const PaperProfile& p) { return isNegative(f) && p.isAlt(); }, renderAlt},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor,
+     "three-colour plates"},
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate,
+     "the view of a plate"},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isMonoInstant(); }, renderInstantMono,
+     "instant film"},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isInstant(); }, renderInstant, "instant film"},
+    {[](const FilmProfile& f, const PaperProfile& p) { return isNegative(f) && p.isAlt(); }, renderAlt,
+     "alternative prints"},
     {[](const FilmProfile& f, const PaperProfile&) { return isSilver(f); }, renderBW},
     {[](const FilmProfile& f, const PaperProfile& p) { return f.type == "color" && p.isBW(); },
      renderColorOnBWPaper},
@@ -115,6 +121,17 @@ RGBImage Film::render(RGBImage light, const FilmInput& input)
         if (row.holds(input.film.film, input.paper)) return row.stage(std::move(light), input);
     throw TamloError::invalidArgument("film type \"" + input.film.film.type +
                                       "\" (use color, bw, slide, instant, collodion or tricolor)");
+}
+
+std::optional<std::string> Film::pendingStage(const FilmProfile& film, const PaperProfile& paper)
+{
+    for (const Row& row : kTable)
+        if (row.holds(film, paper)) {
+            if (row.pending) return row.pending;
+            break;
+        }
+    if (paper.isRepro()) return "reproduction on a screen or in print";
+    return std::nullopt;
 }
 
 Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,

@@ -7,6 +7,7 @@
 #include "core/profiles/render_options.h"
 
 #include <optional>
+#include <string>
 
 namespace tamlo::Film {
 
@@ -22,6 +23,9 @@ struct FilmInput {
 
 /// Runs the first stage whose condition holds. Errors: invalidArgument for a film of unknown type.
 RGBImage render(RGBImage light, const FilmInput& input);
+
+/// What of a film on a paper is not built yet and lets the picture through unprinted; absent when all stands.
+std::optional<std::string> pendingStage(const FilmProfile& film, const PaperProfile& paper);
 
 /// The darkest that this process reaches on this paper, per channel: an unexposed 8 × 8 frame without grain
 /// and tank pattern, through film, reproduction and scan.

@@ -150,6 +150,22 @@ TEST(Pipeline, EveryReferenceFilmAndPaperRunsThrough)
     EXPECT_THROW(darkroom(source), TamloError);
 }
 
+TEST(Pipeline, SaysWhatLetsThePictureThrough)
+{
+    const ProfileStore& store = ProfileStore::shared();
+    const auto pending = [&](const char* film, const char* paper) {
+        return Film::pendingStage(store.film(film), store.paper(paper)).has_value();
+    };
+    EXPECT_FALSE(pending("portra400", "color_ra4"));
+    EXPECT_FALSE(pending("trix400", "bw_neutral"));
+    EXPECT_FALSE(pending("velvia50", "scan_film"));
+    EXPECT_FALSE(pending("collodion_wet", "bw_neutral"));
+    EXPECT_TRUE(pending("collodion_wet", "ambrotype"));
+    EXPECT_TRUE(pending("polaroid_sx70", "color_scan"));
+    EXPECT_TRUE(pending("trix400", "platinum"));
+    EXPECT_TRUE(pending("portra400", "offset_newsprint"));
+}
+
 TEST(Pipeline, FinishingIsWantedOrNot)
 {
     RenderOptions options;
