@@ -36,7 +36,7 @@ HDCurve silverCurve(const FilmProfile& film, double intensify)
 }
 
 /// Prints one plane of density differences d - d0 on the paper.
-RGBImage printPlane(Plane density, float d0, const PaperProfile& paper, const RenderOptions& options)
+RGBImage printPlane(const Plane& density, float d0, const PaperProfile& paper, const RenderOptions& options)
 {
     PrintBWParams params;
     params.curve = Print::paperCurve(paper, options.grade, options.printBlack, options.printWhite);
@@ -78,7 +78,7 @@ RGBImage Film::renderBW(RGBImage light, const DevelopedFilm& film, const PaperPr
                         const RenderOptions& options, double pxUm)
 {
     SilverNegative negative = bwNegativeDb(std::move(light), film, options, pxUm);
-    return printPlane(std::move(negative.density), negative.curve.fD0, paper, options);
+    return printPlane(negative.density, negative.curve.fD0, paper, options);
 }
 
 RGBImage Film::renderColorOnBWPaper(RGBImage light, const DevelopedFilm& film, const PaperProfile& paper,
@@ -90,7 +90,7 @@ RGBImage Film::renderColorOnBWPaper(RGBImage light, const DevelopedFilm& film, c
     Plane db(negative.db.width, negative.db.height);
     dot3(db, negative.db, normalised(paper.spectralWeights.value_or(kPaperWeights)), {});
     negative.db = {};
-    return printPlane(std::move(db), 0.0f, paper, options);
+    return printPlane(db, 0.0f, paper, options);
 }
 
 } // namespace tamlo
