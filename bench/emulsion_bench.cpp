@@ -1,33 +1,21 @@
 // Speed of the emulsion's effects and of classic grain on interleaved RGB, in E (bench/unit_e.h), at the
 // pitch of a 35 mm master, 5.5 µm a pixel.
+#include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 
 #include "core/film/adjacency.h"
 #include "core/film/classic_grain.h"
 #include "core/film/emulsion_soften.h"
 #include "core/film/halation.h"
-#include "core/image/bands.h"
 
 namespace tamlo {
 namespace {
 
 constexpr double kPxUm = 5.5;
 
-RGBImage testImage(benchmark::State& state)
-{
-    const std::int64_t w = state.range(0), h = state.range(1);
-    RGBImage image(w, h);
-    float* values = image.mutableData();
-    parallelBands(h, w, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t i = start * w * 3; i < end * w * 3; ++i)
-            values[i] = static_cast<float>((i * 2'654'435'761) & 0xFFFF) / 65'536.0f;
-    });
-    return image;
-}
-
 void soften(benchmark::State& state)
 {
-    RGBImage image = testImage(state);
+    RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     FilmProfile film;
     film.mtf = FilmMTF{static_cast<double>(state.range(2))};
     bench::inE(state, image.pixelCount() * 3,
@@ -36,7 +24,7 @@ void soften(benchmark::State& state)
 
 void halation(benchmark::State& state)
 {
-    RGBImage image = testImage(state);
+    RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     HalationParams params;
     params.strength = 1e-4;
     params.radiusUm = static_cast<double>(state.range(2));
@@ -46,7 +34,7 @@ void halation(benchmark::State& state)
 
 void adjacency(benchmark::State& state)
 {
-    RGBImage image = testImage(state);
+    RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     DevelopedFilm film;
     film.adjacency = 0.001;
     film.adjacencyUm = static_cast<double>(state.range(2));
@@ -56,7 +44,7 @@ void adjacency(benchmark::State& state)
 
 void classicGrain(benchmark::State& state)
 {
-    RGBImage image = testImage(state);
+    RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     GrainParams gprof;
     gprof.sizeUm = static_cast<double>(state.range(2));
     gprof.amount = 2e-5; // above the least that is drawn: the picture stays itself over the rounds

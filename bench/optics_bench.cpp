@@ -1,25 +1,13 @@
 // Speed of the lens on interleaved RGB, in E (bench/unit_e.h): whole lenses wide open, and each effect alone
 // at the strength of an old portrait lens.
+#include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 
 #include "core/film/optics.h"
-#include "core/image/bands.h"
 #include "core/profiles/profile_store.h"
 
 namespace tamlo {
 namespace {
-
-RGBImage testImage(benchmark::State& state)
-{
-    const std::int64_t w = state.range(0), h = state.range(1);
-    RGBImage image(w, h);
-    float* values = image.mutableData();
-    parallelBands(h, w, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t i = start * w * 3; i < end * w * 3; ++i)
-            values[i] = static_cast<float>((i * 2'654'435'761) & 0xFFFF) / 65'536.0f;
-    });
-    return image;
-}
 
 LensProfile petzval()
 {
@@ -38,7 +26,7 @@ LensProfile softFocus()
 
 void apply(benchmark::State& state, const LensProfile& lens)
 {
-    RGBImage image = testImage(state);
+    RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     const Vec3f means{0.3f, 0.3f, 0.3f};
     bench::inE(state, image.pixelCount() * 3,
                [&] { image = Optics::apply(std::move(image), lens, means, {}); });

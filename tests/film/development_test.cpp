@@ -1,28 +1,14 @@
 #include "core/film/development.h"
+#include "tests/film/film_fixture.h"
 
 #include <gtest/gtest.h>
 
 namespace tamlo {
 namespace {
 
-NegativeLayer layer(double dmin, double dmax, double gamma)
-{
-    NegativeLayer l;
-    l.dmin = dmin;
-    l.dmax = dmax;
-    l.gamma = gamma;
-    return l;
-}
-
 FilmProfile filmOf(const std::string& type)
 {
-    FilmProfile film;
-    film.type = type;
-    if (type == "bw" || type == "collodion" || type == "tricolor")
-        film.negative = layer(0.2, 2.3, 0.6);
-    else
-        film.layers = ColorLayers{layer(0.2, 2.3, 0.6), layer(0.2, 2.3, 0.6), layer(0.2, 2.3, 0.6)};
-    return film;
+    return test::plainFilm(type, 2.3);
 }
 
 DevelopmentKnobs knobs(double push, Development dev = Development::standard)

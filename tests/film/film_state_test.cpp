@@ -1,4 +1,5 @@
 #include "core/film/film_state.h"
+#include "tests/film/film_fixture.h"
 
 #include <cmath>
 
@@ -7,23 +8,9 @@
 namespace tamlo {
 namespace {
 
-NegativeLayer layer(double dmin, double dmax, double gamma)
-{
-    NegativeLayer l;
-    l.dmin = dmin;
-    l.dmax = dmax;
-    l.gamma = gamma;
-    return l;
-}
-
 FilmProfile filmOf(const std::string& type, double grainUm)
 {
-    FilmProfile film;
-    film.type = type;
-    if (type == "bw" || type == "collodion" || type == "tricolor")
-        film.negative = layer(0.2, 2.2, 0.6);
-    else
-        film.layers = ColorLayers{layer(0.2, 2.2, 0.6), layer(0.2, 2.2, 0.6), layer(0.2, 2.2, 0.6)};
+    FilmProfile film = test::plainFilm(type, 2.2);
     film.grain = GrainParams{};
     film.grain->sizeUm = grainUm;
     film.grain->amount = 0.05;

@@ -1,11 +1,9 @@
 // Pictures and answers shared by the tests of the imaging foundation.
 #pragma once
 
-#include "core/image/rgb_image.h"
-#include "platform/worker_pool.h"
+#include "tests/support/pictures.h"
 
 #include <bit>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -33,27 +31,6 @@ inline RGBImage testImage(std::int64_t w, std::int64_t h)
 {
     const Plane r = testPlane(w, h);
     return {r, r.map([](float v) { return 0.5f * v * v; }), r.map([](float v) { return 3.0f - v; })};
-}
-
-template <typename Image>
-bool sameBytes(const Image& a, const Image& b)
-{
-    return a.size() == b.size() &&
-           (a.data.empty() || std::memcmp(a.data.data(), b.data.data(), a.data.size() * 4) == 0);
-}
-
-/// make() under 1, 2 and 7 workers gives the same bytes.
-template <typename F>
-void expectSameForAnyWorkers(F&& make)
-{
-    const auto one = [&] {
-        const platform::WorkerLimit limit(1);
-        return make();
-    }();
-    for (const int workers : {2, 7}) {
-        const platform::WorkerLimit limit(workers);
-        EXPECT_TRUE(sameBytes(one, make())) << workers << " workers";
-    }
 }
 
 /// A case of a file of answers: the words of its first line and the floats of its second.
