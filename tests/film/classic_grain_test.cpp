@@ -4,6 +4,8 @@
 #include "core/image/position_hash.h"
 #include "tests/support/pictures.h"
 
+#include <hwy/targets.h>
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -56,8 +58,14 @@ TEST(ClassicGrain, FieldIsTheBlurredHashNoiseOfUnitDeviation)
         for (std::int64_t y = 0; y < 19; ++y)
             EXPECT_TRUE(std::equal(corner.row(y), corner.row(y) + 37, field.row(y)));
     }
-    const Plane white = Grain::field({70, 33}, 0.05, 5, 1);
-    EXPECT_NEAR(white.at(69, 32), gaussNoise(69, 32, 5, 1), 1e-5);
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        const Plane white = Grain::field({70, 33}, 0.05, 5, 1);
+        EXPECT_NEAR(white.at(69, 32), gaussNoise(69, 32, 5, 1), 1e-5) << hwy::TargetName(target);
+        const Plane soft = Grain::field({70, 33}, 1.3, 5, 1);
+        EXPECT_NEAR(soft.at(67, 31), slowField(67, 31, 1.3, 5, 1), 2e-5) << hwy::TargetName(target);
+    }
+    hwy::SetSupportedTargetsForTest(0);
 }
 
 TEST(ClassicGrain, LayersAndSeedsAreIndependent)

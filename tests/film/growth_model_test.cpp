@@ -6,6 +6,7 @@
 #include <limits>
 
 #include <gtest/gtest.h>
+#include <hwy/targets.h>
 
 namespace tamlo {
 namespace {
@@ -76,9 +77,14 @@ TEST(GrowthTwin, FullAndAggregateAreTheSlowModel)
                 const std::size_t c = film.silver ? 0 : 2;
                 const test::Twin twin = test::twinOf(film, density.plane(static_cast<int>(c)), c, frame);
                 const bool full = zone == Grain::GrowthZone::full;
-                expectTwins(layerOf(film, density, c, frame), full ? twin.full() : twin.aggregate(),
-                            std::string(film.name) + (full ? " full " : " aggregate ") +
-                                std::to_string(at.pxUm));
+                const Plane slow = full ? twin.full() : twin.aggregate();
+                for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+                    hwy::SetSupportedTargetsForTest(target);
+                    expectTwins(layerOf(film, density, c, frame), slow,
+                                std::string(film.name) + (full ? " full " : " aggregate ") +
+                                    std::to_string(at.pxUm) + " on " + hwy::TargetName(target));
+                }
+                hwy::SetSupportedTargetsForTest(0);
             }
         }
 }
