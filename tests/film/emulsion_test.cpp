@@ -8,6 +8,8 @@
 #include "core/image/zcolor.h"
 #include "tests/support/pictures.h"
 
+#include <hwy/targets.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -275,6 +277,29 @@ TEST(Emulsion, SameBytesForAnyNumberOfWorkers)
             out = Film::applyHalation(std::move(out), halationOf(0.2), pxUm, 1.0);
             return Film::applyAdjacency(std::move(out), filmWithEdges(0.2, 100.0, 0.3), pxUm);
         });
+}
+
+TEST(Emulsion, EveryVectorTargetAgrees)
+{
+    const RGBImage image = roughImage<RGBImage>({83, 41});
+    const HalationParams halation = halationOf(0.3, 60.0, 0.4, Vec3d{1.0, 0.4, 0.1});
+    const DevelopedFilm edges = filmWithEdges(0.22, 110.0, 0.3, edgesOf(0.08, 60.0));
+    const auto make = [&](const RGBImage& from) {
+        RGBImage light = Film::applyHalation(from, halation, 11.0, 1.0);
+        light = Film::applyHalation(std::move(light), from.plane(1), halation, 11.0, 1.0);
+        return Film::applyAdjacency(std::move(light), edges, 11.0);
+    };
+    const RGBImage best = make(image);
+    const Plane bestPlane = Film::applyAdjacency(image.plane(0), edges, 11.0);
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        EXPECT_LT(test::worstDifference(make(image).data, best.data), 1e-5f) << hwy::TargetName(target);
+        EXPECT_LT(
+            test::worstDifference(Film::applyAdjacency(image.plane(0), edges, 11.0).data, bestPlane.data),
+            1e-5f)
+            << hwy::TargetName(target);
+    }
+    hwy::SetSupportedTargetsForTest(0);
 }
 
 TEST(Emulsion, TakesAnyNumberAndPicture)
