@@ -30,7 +30,8 @@ function(tamlo_test name)
   target_link_libraries(${name}_test PRIVATE ${ARG_LINKS} tamlo_rules GTest::gtest_main)
   target_compile_definitions(${name}_test PRIVATE TAMLO_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
                                                   TAMLO_SAMPLES="${PROJECT_SOURCE_DIR}/tests/samples")
-  gtest_discover_tests(${name}_test DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+  gtest_discover_tests(${name}_test DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600
+                       ENVIRONMENT TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/tsan.supp)
 endfunction()
 
 # tamlo_bench(NAME LINKS ...): a Google Benchmark program NAME_bench from NAME_bench.cpp.

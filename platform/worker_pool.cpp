@@ -20,6 +20,31 @@ int availableCores()
 
 std::atomic<int> workerLimit{0}; // 0: none
 
+#ifdef __SANITIZE_THREAD__
+extern "C" void __tsan_acquire(void*);
+extern "C" void __tsan_release(void*);
+#endif
+
+/// The order that the pool keeps between its caller and its iterations, told to the thread sanitizer, which
+/// can't see it inside a library that is not instrumented.
+struct Handover {
+#ifdef __SANITIZE_THREAD__
+    void give()
+    {
+        __tsan_release(this);
+    }
+    void take()
+    {
+        __tsan_acquire(this);
+    }
+#else
+    void give()
+    {}
+    void take()
+    {}
+#endif
+};
+
 } // namespace
 
 int activeWorkers()
@@ -37,8 +62,17 @@ void runConcurrently(int iterations, const std::function<void(int)>& work)
         return;
     }
     // Grain 1 and the simple partitioner: an iteration is a large piece of a picture.
+    Handover begin, end;
+    begin.give();
     tbb::parallel_for(
-        0, iterations, 1, [&](int i) { work(i); }, tbb::simple_partitioner{});
+        0, iterations, 1,
+        [&](int i) {
+            begin.take();
+            work(i);
+            end.give();
+        },
+        tbb::simple_partitioner{});
+    end.take();
 }
 
 WorkerLimit::WorkerLimit(int count) : previous_(workerLimit.exchange(std::max(count, 1)))
