@@ -105,8 +105,15 @@ TEST(GrowthGranularity, AggregatePixelsDeviateAsFullOnes)
             for (std::size_t c = 0; c < full.size(); ++c) {
                 EXPECT_NEAR(aggregate[c].std() / full[c].std(), 1.0, 0.05) << film.name << " " << pxUm;
                 EXPECT_NEAR(aggregate[c].mean() / full[c].mean(), 1.0, 0.003) << film.name << " " << pxUm;
-                const double ratio = apertureStd(aggregate[c], pxUm) / target[c];
-                EXPECT_TRUE(ratio > 0.63 && ratio < 0.87) << film.name << " " << pxUm << ": " << ratio;
+            }
+            // The aggregate costs little: a patch so large that the measuring error is 0.2 %. Tri-X at 14 µm,
+            // the finest pixel on which its clumps still fit, is the quietest with 0.647; all others lie
+            // above 0.65.
+            const auto wide = grainedFlat(film, {1400, 1400}, pxUm, 1.0, Grain::GrowthZone::automatic);
+            for (std::size_t c = 0; c < wide.size(); ++c) {
+                const double ratio = apertureStd(wide[c], pxUm) / target[c];
+                const double quietest = film.silver && pxUm == 14.0 ? 0.645 : 0.65;
+                EXPECT_TRUE(ratio > quietest && ratio < 0.85) << film.name << " " << pxUm << ": " << ratio;
             }
         }
 }
