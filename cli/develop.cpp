@@ -6,12 +6,14 @@
 #include "cli/progress.h"
 #include "core/film/source_light.h"
 #include "core/image/random.h"
+#include "core/image/render_profiler.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
 #include "core/pipeline/film_dispatch.h"
 #include "platform/console.h"
 
+#include <chrono>
 #include <iostream>
 #include <new>
 
@@ -60,14 +62,19 @@ public:
         if (!choices_.seedIsGiven) render.options.seed = FrameSeed::crc32(job.input.filename().string());
 
         progress_.phase("reading", 0);
-        RGBImage image = ImageLoader::loadLinear(job.input, ImageLoader::decodeWBMode(render.options.wbMode),
-                                                 SourceExposure::fromKey(render.options.srcExposure),
-                                                 arguments_.longPx.value_or(0));
+        RGBImage image = RenderProfiler::cpu("decoding", 0, [&] {
+            return ImageLoader::loadLinear(job.input, ImageLoader::decodeWBMode(render.options.wbMode),
+                                           SourceExposure::fromKey(render.options.srcExposure),
+                                           arguments_.longPx.value_or(0));
+        });
         stopIfAsked();
         image = withinLongSide(backend_.process(withinLongSide(std::move(image)), render));
         stopIfAsked();
         progress_.phase("writing", kRenderTo);
-        ImageWriter::save(image, job.output.string(), arguments_.quality, outputMetadata(job.input, render));
+        RenderProfiler::cpu("writing", image.pixelCount(), [&] {
+            ImageWriter::save(image, job.output.string(), arguments_.quality,
+                              outputMetadata(job.input, render));
+        });
     }
 
 private:
@@ -88,6 +95,19 @@ private:
     Progress& progress_;
     CPUBackend backend_;
 };
+
+/// Runs a picture's work; with TAMLO_PROFILE set, its stages go to standard error as a table.
+template <class Work>
+void profiled(const DevelopJob& job, Work&& work)
+{
+    constexpr std::size_t kRows = 40;
+    if (!RenderProfiler::enabled()) return work();
+    RenderProfiler::reset();
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    const std::chrono::duration<double> total = std::chrono::steady_clock::now() - start;
+    std::cerr << RenderProfiler::report(job.input.filename().string(), total.count(), kRows) << std::flush;
+}
 
 /// The reason in one sentence that names the picture.
 std::string failureText(const DevelopJob& job, const std::string& reason)
@@ -114,7 +134,7 @@ int develop(const DevelopArguments& arguments, std::ostream& results)
     for (const DevelopJob& job : jobs) {
         progress.beginPicture(job.input.filename().string());
         try {
-            run.developOne(job);
+            profiled(job, [&] { run.developOne(job); });
             progress.clear();
             results << job.output.string() << std::endl;
         } catch (const TamloError& error) {

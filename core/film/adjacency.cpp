@@ -2,6 +2,7 @@
 
 #include "core/film/blur_bands.h"
 #include "core/film/emulsion_passes.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 #include <utility>
@@ -63,11 +64,13 @@ Image withEdges(Image density, std::int64_t channels, const DevelopedFilm& film,
 
 RGBImage Film::applyAdjacency(RGBImage density, const DevelopedFilm& film, double pxUm)
 {
+    const RenderProfiler::Scope booked("adjacency", density.pixelCount());
     return withEdges(std::move(density), 3, film, pxUm);
 }
 
 Plane Film::applyAdjacency(Plane density, const DevelopedFilm& film, double pxUm)
 {
+    const RenderProfiler::Scope booked("adjacency", density.width * density.height);
     return withEdges(std::move(density), 1, film, pxUm);
 }
 

@@ -8,6 +8,7 @@
 #include "core/film/grain_stage.h"
 #include "core/film/halation.h"
 #include "core/film/print.h"
+#include "core/image/render_profiler.h"
 #include "core/profiles/profile_error.h"
 
 #include <algorithm>
@@ -38,6 +39,7 @@ HDCurve silverCurve(const FilmProfile& film, double intensify)
 /// Prints one plane of density differences d - d0 on the paper.
 RGBImage printPlane(const Plane& density, float d0, const PaperProfile& paper, const RenderOptions& options)
 {
+    const RenderProfiler::Scope booked("print", density.width * density.height);
     PrintBWParams params;
     params.curve = Print::paperCurve(paper, options.grade, options.printBlack, options.printWhite);
     params.d0 = d0;
@@ -60,14 +62,16 @@ Film::SilverNegative Film::bwNegativeDb(RGBImage light, const DevelopedFilm& fil
     if (!film.film.negative) throw ProfileError::invalid("BW film without 'negative'");
     const Vec3d own = film.film.spectralWeights.value_or(Vec3d{0.3, 0.36, 0.34});
     Plane y(light.width, light.height);
-    dot3(y, light, normalised(plate.weights.value_or(own)), {});
+    RenderProfiler::cpu("emulsion input", light.pixelCount(),
+                        [&] { dot3(y, light, normalised(plate.weights.value_or(own)), {}); });
     light = {}; // the silver chain runs on a third of the scene's memory
 
     y = emulsionSoften(std::move(y), film.film, pxUm);
     y = applyHalation(std::move(y), film.film.halation, pxUm, options.halationMult);
     const HDCurve curve = silverCurve(film.film, options.intensify);
     const double ev = plate.evExtra + options.ev + film.exposureShift;
-    curve_bw(y, curve, static_cast<float>(ev * LOG10_2));
+    RenderProfiler::cpu("curves", y.width * y.height,
+                        [&] { curve_bw(y, curve, static_cast<float>(ev * LOG10_2)); });
     if (film.unevenField) y = DevField::apply(std::move(y), curve.fDmin, *film.unevenField);
     y = applyAdjacency(std::move(y), film, pxUm);
     y = addGrain(std::move(y), curve, film.film, options, pxUm, plate.grainSeed);

@@ -7,6 +7,7 @@
 #include "core/film/grain_stage.h"
 #include "core/film/halation.h"
 #include "core/film/print.h"
+#include "core/image/render_profiler.h"
 #include "core/profiles/profile_error.h"
 
 #include <cmath>
@@ -80,13 +81,16 @@ Film::ColorNegative Film::colorNegativeDb(RGBImage light, const DevelopedFilm& f
 
     const CurvesColorParams params = planCurves(film, options);
     ColorNegative negative{std::move(light), {}, params.curves};
-    curves_color(negative.db, params, film.unevenField ? &*film.unevenField : nullptr);
+    RenderProfiler::cpu("curves", negative.db.pixelCount(), [&] {
+        curves_color(negative.db, params, film.unevenField ? &*film.unevenField : nullptr);
+    });
 
     negative.db = applyAdjacency(std::move(negative.db), film, pxUm);
     negative.db = addGrain(std::move(negative.db), params.curves, film.film, options, pxUm);
 
     for (std::size_t c = 0; c < 3; ++c) negative.d0[c] = params.curves[c].fD0;
-    subtract_anchor(negative.db, negative.d0);
+    RenderProfiler::cpu("curves", negative.db.pixelCount(),
+                        [&] { subtract_anchor(negative.db, negative.d0); });
     return negative;
 }
 
@@ -101,6 +105,7 @@ RGBImage Film::renderColor(RGBImage light, const DevelopedFilm& film, const Pape
                            const RenderOptions& options, double pxUm)
 {
     ColorNegative negative = colorNegativeDb(std::move(light), film, options, pxUm);
+    const RenderProfiler::Scope booked("print", negative.db.pixelCount());
     const PrintColorParams params = planPrint(negative, film, paper, options);
     print_color(negative.db, params);
     return std::move(negative.db);

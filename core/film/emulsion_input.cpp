@@ -1,6 +1,7 @@
 #include "core/film/emulsion_input.h"
 
 #include "core/film/source_light_passes.h"
+#include "core/image/render_profiler.h"
 #include "core/image/zcolor.h"
 
 #include <algorithm>
@@ -73,6 +74,7 @@ RGBImage Film::falseColorIR(RGBImage image, const IRProxy& ir)
 RGBImage Film::applyEmulsion(RGBImage image, const FilmProfile& film, bool interlayer,
                              std::string_view wbMode)
 {
+    const RenderProfiler::Scope booked("emulsion input", image.pixelCount());
     if (film.isBW()) return image;
     if (const auto gains = balanceGains(film, sceneIlluminantK(film, wbMode))) cast_clamp(image, *gains);
     if (film.irProxy) image = falseColorIR(std::move(image), *film.irProxy);

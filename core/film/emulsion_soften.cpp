@@ -2,6 +2,7 @@
 
 #include "core/film/blur_bands.h"
 #include "core/image/gaussian.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 #include <numbers>
@@ -31,12 +32,14 @@ double Film::softenSigmaUm(double f50CycMm)
 
 RGBImage Film::emulsionSoften(RGBImage image, const FilmProfile& film, double pxUm)
 {
+    const RenderProfiler::Scope booked("softening", image.pixelCount());
     const double sigmaPx = planSigmaPx(film, pxUm, image.size());
     return blur(std::move(image), sigmaPx);
 }
 
 Plane Film::emulsionSoften(Plane image, const FilmProfile& film, double pxUm)
 {
+    const RenderProfiler::Scope booked("softening", image.width * image.height);
     const double sigmaPx = planSigmaPx(film, pxUm, image.size());
     return blurChannel(std::move(image), sigmaPx);
 }

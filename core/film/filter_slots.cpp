@@ -1,5 +1,6 @@
 #include "core/film/filters.h"
 
+#include "core/image/render_profiler.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/profile_error.h"
 
@@ -55,6 +56,7 @@ std::optional<FilterProfile> Filters::raysProfile(const RenderOptions& options, 
 RGBImage Filters::applyFront(RGBImage image, const RenderOptions& options, const ProfileStore& store,
                              bool rays)
 {
+    const RenderProfiler::Scope booked("front filters", image.pixelCount());
     if (const auto grad = resolve(options.filterGrad, store))
         image = applyGrad(std::move(image), *grad, options.gradPos, options.gradAngle);
     if (!rays) return image;
@@ -66,6 +68,7 @@ RGBImage Filters::applyFront(RGBImage image, const RenderOptions& options, const
 RGBImage Filters::apply(RGBImage image, const FilmProfile& film, const RenderOptions& options,
                         const ProfileStore& store)
 {
+    const RenderProfiler::Scope booked("rear filters", image.pixelCount());
     const Slots chosen = slots(options, store);
     if (const auto cut = resolve(chosen.cut, store))
         image = applyCut(std::move(image), *cut, chosen.cutAmount, film);

@@ -2,6 +2,7 @@
 
 #include "core/film/classic_grain.h"
 #include "core/film/growth_grain.h"
+#include "core/image/render_profiler.h"
 #include "core/profiles/seed_stream.h"
 
 #include <utility>
@@ -36,6 +37,7 @@ Grain::ClassicGrain classicGrain(const FilmProfile& film, const RenderOptions& o
 RGBImage Film::addGrain(RGBImage density, const std::array<HDCurve, 3>& curves, const FilmProfile& film,
                         const RenderOptions& options, double pxUm)
 {
+    const RenderProfiler::Scope booked("grain", density.pixelCount());
     const Vec3d dmins{curves[0].dmin, curves[1].dmin, curves[2].dmin};
     const Vec3d dmaxs{curves[0].dmax, curves[1].dmax, curves[2].dmax};
     if (isGrown(options))
@@ -47,6 +49,7 @@ RGBImage Film::addGrain(RGBImage density, const std::array<HDCurve, 3>& curves, 
 Plane Film::addGrain(Plane density, const HDCurve& curve, const FilmProfile& film,
                      const RenderOptions& options, double pxUm, std::optional<std::uint32_t> growthSeed)
 {
+    const RenderProfiler::Scope booked("grain", density.width * density.height);
     if (isGrown(options))
         return Grain::growthBW(
             std::move(density), curve.dmin, curve.dmax,

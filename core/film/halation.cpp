@@ -2,6 +2,7 @@
 
 #include "core/film/blur_bands.h"
 #include "core/film/emulsion_passes.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 #include <utility>
@@ -70,6 +71,7 @@ RGBImage Film::applyHalation(RGBImage image, const Plane& source, const std::opt
 RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>& params, double pxUm,
                              double mult)
 {
+    const RenderProfiler::Scope booked("halation", image.pixelCount());
     const auto plan = planHalation(params, pxUm, mult, image.size());
     if (!plan) return image;
     const float* pixels = image.mutableData();
@@ -82,6 +84,7 @@ RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>
 
 Plane Film::applyHalation(Plane image, const std::optional<HalationParams>& params, double pxUm, double mult)
 {
+    const RenderProfiler::Scope booked("halation", image.width * image.height);
     const auto plan = planHalation(params, pxUm, mult, image.size());
     if (!plan) return image;
     float* light = image.mutableData();

@@ -2,6 +2,7 @@
 
 #include "core/film/optics_passes.h"
 #include "core/film/source_light_passes.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,6 +42,7 @@ Optics::StopGains Optics::stopGains(double stop, const OpticsParams& params)
 RGBImage Optics::apply(RGBImage image, const LensProfile& lens, const Vec3f& inputMeans,
                        const Controls& controls)
 {
+    const RenderProfiler::Scope booked("lens", image.pixelCount());
     if (image.pixelCount() == 0) return image;
     const OpticsParams& params = lens.optics;
     const StopGains gains = stopGains(controls.stop, params);

@@ -2,6 +2,7 @@
 
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
+#include "core/image/render_profiler.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 
@@ -74,6 +75,7 @@ std::optional<Size> Film::scanSize(Size size, const ScanParams& scan)
 
 RGBImage Film::applyScan(RGBImage image, const PaperProfile& paper)
 {
+    const RenderProfiler::Scope booked("scan", image.pixelCount());
     if (!paper.scan) return image;
     const ScanPlan plan = planScan(*paper.scan, image.size());
     if (plan.softSigmaPx > 0.0) image = blur(std::move(image), plan.softSigmaPx);

@@ -2,6 +2,7 @@
 
 #include "core/film/print.h"
 #include "core/film/slide_passes.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,6 +47,7 @@ HDCurve Film::scanToneCurve(float black, float white, float dcap)
 
 RGBImage Film::scanPositive(RGBImage image, const PaperProfile& paper, const RenderOptions& options)
 {
+    const RenderProfiler::Scope booked("scan positive", image.pixelCount());
     const auto params = scanPositiveParams(paper, options);
     if (!params) return image;
     const bool isPlain =

@@ -8,6 +8,7 @@
 #include "core/film/halation.h"
 #include "core/film/print.h"
 #include "core/film/slide_passes.h"
+#include "core/image/render_profiler.h"
 #include "core/profiles/profile_error.h"
 
 #include <algorithm>
@@ -62,13 +63,16 @@ RGBImage Film::renderSlide(RGBImage light, const DevelopedFilm& film, const Rend
     light = applyHalation(std::move(light), film.film.halation, pxUm, options.halationMult);
 
     const CurvesColorParams params = planCurves(film, options);
-    curves_color(light, params, film.unevenField ? &*film.unevenField : nullptr);
+    RenderProfiler::cpu("curves", light.pixelCount(), [&] {
+        curves_color(light, params, film.unevenField ? &*film.unevenField : nullptr);
+    });
     RGBImage density = applyAdjacency(std::move(light), film, pxUm);
     density = addGrain(std::move(density), params.curves, film.film, options, pxUm);
 
     const auto& curves = params.curves;
     const float reference = std::min({curves[0].fDmin, curves[1].fDmin, curves[2].fDmin});
-    positive_out(density, reference, LookOp(film.film.look));
+    RenderProfiler::cpu("print", density.pixelCount(),
+                        [&] { positive_out(density, reference, LookOp(film.film.look)); });
     return density;
 }
 
@@ -76,7 +80,8 @@ RGBImage Film::renderSlidePrint(RGBImage light, const DevelopedFilm& film, const
                                 const RenderOptions& options, double pxUm)
 {
     RGBImage transparency = renderSlide(std::move(light), film, options, pxUm);
-    slide_print(transparency, planPrint(paper, options));
+    RenderProfiler::cpu("print", transparency.pixelCount(),
+                        [&] { slide_print(transparency, planPrint(paper, options)); });
     return transparency;
 }
 

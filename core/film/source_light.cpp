@@ -3,6 +3,7 @@
 #include "core/film/emulsion_input.h"
 #include "core/film/source_light_passes.h"
 #include "core/image/bands.h"
+#include "core/image/render_profiler.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 #include "core/image/zcolor.h"
@@ -138,6 +139,7 @@ std::optional<Filters::SourceScale> Filters::sourceScale(const FilmProfile& film
 
 RGBImage Filters::applySource(RGBImage image, const FilmProfile& film, const RenderOptions& options)
 {
+    const RenderProfiler::Scope booked("source light", image.pixelCount());
     if (const auto scale = sourceScale(film, options)) in_source(image, *scale);
     return image;
 }

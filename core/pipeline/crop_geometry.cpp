@@ -2,6 +2,7 @@
 
 #include "core/image/bands.h"
 #include "core/image/orient.h"
+#include "core/image/render_profiler.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/crop_passes.h"
 
@@ -152,6 +153,7 @@ RGBImage Pipeline::cropInput(RGBImage image, const OptCrop& crop)
 
 RGBImage Pipeline::rotateCropInput(RGBImage image, const OptCrop& crop, OptAngle angle)
 {
+    const RenderProfiler::Scope booked("crop", image.pixelCount());
     const double tilt = tiltOf(crop, angle);
     if (std::abs(tilt) < kNoTilt) return cropInput(std::move(image), crop);
     const PixelRect rect = cropRectPx(orFull(crop), image.size());

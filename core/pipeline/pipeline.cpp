@@ -9,6 +9,7 @@
 #include "core/film/scan.h"
 #include "core/film/source_light.h"
 #include "core/image/orient.h"
+#include "core/image/render_profiler.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
@@ -76,7 +77,9 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     DevelopedFilm developed = applyFilmStateAndDevelopment(film, options);
     image = rotateCropInput(std::move(image), options.crop);
     const FilmLength length = filmLength(film, options, source, image.size());
-    image = orientImage(std::move(image), options.rotate, options.mirror);
+    image = RenderProfiler::cpu("orientation", image.pixelCount(), [&] {
+        return orientImage(std::move(image), options.rotate, options.mirror);
+    });
     if (options.masterCap)
         image = applyMasterCap(std::move(image), length.fmtUm, masterLongPx(film, length.capUm));
     image = Pending::cropToCard(std::move(image));
@@ -90,7 +93,8 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     hooks.progress("lens", 0.15);
     const Optics::Controls controls{options.stop, options.glowMult, options.glowRadiusMult,
                                     options.distortion};
-    const Vec3f means = image.channelMeans();
+    const Vec3f means =
+        RenderProfiler::cpu("channel means", image.pixelCount(), [&] { return image.channelMeans(); });
     image = Optics::apply(std::move(image), lens, means, controls);
     image = Filters::apply(std::move(image), developed.film, options, ProfileStore::shared());
 
@@ -100,7 +104,9 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     std::int64_t longSide = image.longSide();
     const double pxUm = length.fmtUm / static_cast<double>(longSide);
     options.formatLongUm = length.fmtUm;
-    developed.unevenField = unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
+    developed.unevenField = RenderProfiler::cpu("tank field", image.pixelCount(), [&] {
+        return unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
+    });
     resolvePrintScale(options, paper, {baseLong, longSide, length.fmtUm}, isInstant);
 
     // The emulsion and the print.

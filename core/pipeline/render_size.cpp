@@ -1,5 +1,6 @@
 #include "core/pipeline/render_size.h"
 
+#include "core/image/render_profiler.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/peel_size.h"
@@ -42,6 +43,7 @@ std::optional<Size> Pipeline::masterCapSize(Size size, std::int64_t cap)
 
 RGBImage Pipeline::applyMasterCap(RGBImage image, double fmtUm, std::optional<std::int64_t> cap)
 {
+    const RenderProfiler::Scope booked("master ceiling", image.pixelCount());
     const auto size = masterCapSize(image.size(), cap.value_or(roundAway(fmtUm / kMasterUm)));
     if (!size) return image;
     return pilResize(std::move(image), size->width, size->height, Resampling::lanczos);

@@ -1,6 +1,7 @@
 #include "core/process/border.h"
 
 #include "core/image/bands.h"
+#include "core/image/render_profiler.h"
 
 #include <algorithm>
 
@@ -16,6 +17,7 @@ void fill(float* to, std::int64_t pixels, const Vec3f& colour)
 
 RGBImage Pipeline::addBorder(RGBImage image, std::int64_t marginPx, const Vec3f& colour)
 {
+    const RenderProfiler::Scope booked("border", image.pixelCount());
     if (marginPx <= 0) return image;
     RGBImage out(image.width + 2 * marginPx, image.height + 2 * marginPx);
     float* to = out.mutableData();

@@ -223,5 +223,28 @@ TEST_F(DevelopTest, AnInterruptLeavesNothing)
     EXPECT_TRUE(scratch_.listing().empty());
 }
 
+// A table of stages on request: it books what ran, shares of one whole, and changes no byte of the picture.
+TEST_F(DevelopTest, TellsWhereTheTimeGoes)
+{
+    ASSERT_EQ(run({kPicture, "-o", "plain.png"}).status, 0);
+    RunSettings profiling;
+    profiling.environment["TAMLO_PROFILE"] = "1";
+    const RunResult profiled = run({kPicture, "-o", "profiled.png"}, profiling);
+    ASSERT_EQ(profiled.status, 0);
+    EXPECT_EQ(profiled.out, "profiled.png\n");
+    EXPECT_TRUE(readFile(scratch_ / "plain.png") == readFile(scratch_ / "profiled.png"));
+
+    double shares = 0.0;
+    for (const char* stage :
+         {"decoding", "lens", "halation", "curves", "adjacency", "grain", "print", "writing"}) {
+        const std::size_t row = profiled.err.find(std::string("\n") + stage + " ");
+        ASSERT_NE(row, std::string::npos) << stage << "\n" << profiled.err;
+        const std::size_t percent = profiled.err.find('%', row);
+        shares += std::stod(profiled.err.substr(profiled.err.rfind(' ', percent)));
+    }
+    EXPECT_GT(shares, 20.0);
+    EXPECT_LT(shares, 101.0);
+}
+
 } // namespace
 } // namespace tamlo::test
