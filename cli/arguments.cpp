@@ -46,41 +46,46 @@ std::vector<std::string> withEachSettingNamed(const std::vector<std::string>& ar
     return out;
 }
 
-struct FilterOption {
+struct NamedOption {
     const char* name;
     const char* key; ///< of the option of the render
+    const char* value;
     const char* help;
 };
 
-constexpr FilterOption kFilterOptions[] = {
-    {"--filter-cut", "filter_cut", "Colour filter (amount: --set filter_cut_amount=0.7)"},
-    {"--filter-diffusion", "filter_diffusion",
+/// Options of the render that are asked for often enough to have a name beside --set.
+constexpr NamedOption kNamedOptions[] = {
+    {"--filter-cut", "filter_cut", "ID", "Colour filter (amount: --set filter_cut_amount=0.7)"},
+    {"--filter-diffusion", "filter_diffusion", "ID",
      "Diffusion filter (amount: --set filter_diffusion_amount=0.5)"},
-    {"--filter-rays", "filter_rays", "Star or streak filter (rotation: --set rays_angle=20)"},
-    {"--filter-grad", "filter_grad", "Graduated filter (line: --set grad_pos=0.2 grad_angle=10)"},
+    {"--filter-rays", "filter_rays", "ID", "Star or streak filter (rotation: --set rays_angle=20)"},
+    {"--filter-grad", "filter_grad", "ID", "Graduated filter (line: --set grad_pos=0.2 grad_angle=10)"},
+    {"--crop", "crop", "X,Y,W,H[,ANGLE]",
+     "Part of the picture, in fractions of its width and height from the top left, and its tilt in degrees"},
+    {"--rotate", "rotate", "DEG", "Turn the picture clockwise by quarters: 0, 90, 180 or 270"},
+    {"--format", "format", "FORMAT", "Film format: 135, half, 120, sheet, 4x5 or plate"},
+    {"--frame-size", "frame_size", "SIZE", "Frame size in that format, such as 6x7 or xpan"},
+    {"--print-cm", "print_cm", "CM", "Long side of the print in centimetres"},
+    {"--sheet-cm", "sheet_cm", "CM", "Long side of the sheet; the print is what its borders leave"},
+    {"--border", "border", "FRACTION", "Border of the print, as a fraction of the picture's long side"},
 };
 
-void describeFilters(CLI::App& command, DevelopArguments& into)
+void describeNamed(CLI::App& command, RenderArguments& into)
 {
-    for (const FilterOption& option : kFilterOptions) {
+    for (const NamedOption& option : kNamedOptions) {
         const std::string key = option.key;
         command
             .add_option_function<std::string>(
-                option.name, [&into, key](const std::string& id) { into.filters[key] = id; }, option.help)
-            ->type_name("ID");
+                option.name, [&into, key](const std::string& text) { into.named[key] = text; }, option.help)
+            ->type_name(option.value);
     }
+    command.add_flag_callback(
+        "--mirror", [&into] { into.named["mirror"] = "true"; }, "Mirror the picture");
 }
 
-void describeDevelop(CLI::App& command, DevelopArguments& into)
+void describeRender(CLI::App& command, RenderArguments& into)
 {
     command.add_option("INPUT", into.inputs, "Photographs: JPEG, PNG, TIFF, HEIC or camera RAW")->required();
-    auto* output =
-        command.add_option("-o", into.output, "The file to write (.jpg, .png, .tif)")->type_name("FILE");
-    command
-        .add_option("--out-dir", into.outFolder,
-                    "Folder for the pictures, NAME-tamlo.jpg each (default: the current folder)")
-        ->type_name("DIR")
-        ->excludes(output);
     command.add_option("--film", into.film, "Film (see: tamlo list films)")
         ->type_name("ID")
         ->capture_default_str();
@@ -91,9 +96,8 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
         .add_option("--paper", into.paper,
                     "Paper or scanner (default: color_ra4 for a colour negative, else what suits the film)")
         ->type_name("ID");
-    describeFilters(command, into);
-    command
-        .add_option("--set", into.settings, "Set an option of the render, such as print_ev=0.3 border=0.05")
+    describeNamed(command, into);
+    command.add_option("--set", into.settings, "Set an option of the render, such as print_ev=0.3 grade=3")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     command
@@ -105,6 +109,21 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
     command.add_option("--long", into.longPx, "Long side of the finished picture at most, in pixels")
         ->type_name("PX")
         ->check(CLI::Range(std::int64_t{1}, std::int64_t{100000}));
+    command.add_option("--scale", into.scale, "Size of the finished picture, such as 0.5, at most 1")
+        ->type_name("FACTOR")
+        ->check(CLI::Range(0.01, 1.0));
+}
+
+void describeDevelop(CLI::App& command, DevelopArguments& into)
+{
+    describeRender(command, into);
+    auto* output =
+        command.add_option("-o", into.output, "The file to write (.jpg, .png, .tif)")->type_name("FILE");
+    command
+        .add_option("--out-dir", into.outFolder,
+                    "Folder for the pictures, NAME-tamlo.jpg each (default: the current folder)")
+        ->type_name("DIR")
+        ->excludes(output);
     command.add_option("--quality", into.quality, "JPEG quality, 1 to 100")
         ->type_name("Q")
         ->check(CLI::Range(1, 100))
@@ -134,10 +153,15 @@ Command parseArguments(const std::vector<std::string>& arguments)
     app.require_subcommand(1);
 
     DevelopArguments develop;
+    PlanArguments plan;
     ListArguments list;
     ShowArguments show;
     auto* developCommand = app.add_subcommand("develop", "Develop photographs and write finished pictures");
     describeDevelop(*developCommand, develop);
+    auto* planCommand =
+        app.add_subcommand("plan", "Tell size and scale of finished pictures, not drawing them");
+    describeRender(*planCommand, plan);
+    planCommand->add_flag("--json", plan.json, "As a JSON array");
     auto* listCommand = app.add_subcommand("list", "List films, lenses, papers or filters");
     listCommand->add_option("KIND", list.kind, "films, lenses, papers or filters")->required();
     listCommand->add_flag("--json", list.json, "As a JSON array");
@@ -156,10 +180,12 @@ Command parseArguments(const std::vector<std::string>& arguments)
         return Answer{versionText() + "\n"};
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
-            throw UsageError("there is no command '" + arguments[0] + "'; there are develop, list and show");
+            throw UsageError("there is no command '" + arguments[0] +
+                             "'; there are develop, plan, list and show");
         throw UsageError(sentence(error.what()) + " (tamlo --help tells the usage)");
     }
     if (developCommand->parsed()) return develop;
+    if (planCommand->parsed()) return plan;
     if (listCommand->parsed()) return list;
     return show;
 }

@@ -12,21 +12,31 @@
 
 namespace tamlo::cli {
 
-/// tamlo develop INPUT… [options]
-struct DevelopArguments {
+/// The photographs of a run and how they are to be developed.
+struct RenderArguments {
     std::vector<std::filesystem::path> inputs;
-    std::optional<std::filesystem::path> output;
-    std::optional<std::filesystem::path> outFolder;
     std::string film = "portra400";
     std::string lens = "modern_clean";
     std::optional<std::string> paper; ///< absent: the one that suits the film
-    /// Filters by the key of their option; absent: as the options have it.
-    std::map<std::string, std::string> filters;
+    /// Options of the render that have a name of their own, text by key; absent: as the options have it.
+    std::map<std::string, std::string> named;
     std::vector<std::string> settings; ///< "key=value", in order
     std::optional<std::filesystem::path> optionsFile;
     std::optional<std::int64_t> seed; ///< absent: from the picture's file name
     std::optional<std::int64_t> longPx;
+    double scale = 1.0; ///< of the finished picture
+};
+
+/// tamlo develop INPUT… [options]
+struct DevelopArguments : RenderArguments {
+    std::optional<std::filesystem::path> output;
+    std::optional<std::filesystem::path> outFolder;
     int quality = 95;
+};
+
+/// tamlo plan INPUT… [options] [--json]
+struct PlanArguments : RenderArguments {
+    bool json = false;
 };
 
 /// tamlo list KIND [--json]
@@ -46,7 +56,7 @@ struct Answer {
     std::string text;
 };
 
-using Command = std::variant<DevelopArguments, ListArguments, ShowArguments, Answer>;
+using Command = std::variant<DevelopArguments, PlanArguments, ListArguments, ShowArguments, Answer>;
 
 /// Errors: UsageError with one sentence.
 Command parseArguments(const std::vector<std::string>& arguments);

@@ -2,6 +2,7 @@
 
 #include "cli/develop_choices.h"
 #include "cli/develop_jobs.h"
+#include "cli/input_files.h"
 #include "cli/output_metadata.h"
 #include "cli/progress.h"
 #include "core/film/source_light.h"
@@ -11,6 +12,7 @@
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
 #include "core/pipeline/film_dispatch.h"
+#include "core/pipeline/output_plan.h"
 #include "platform/console.h"
 
 #include <chrono>
@@ -31,12 +33,8 @@ constexpr double kRenderTo = 0.9;
 /// Failures that are plain from the file system, told before any work is done.
 void checkFiles(const DevelopJob& job)
 {
+    checkInput(job.input);
     std::error_code problem;
-    const fs::file_status input = fs::status(job.input, problem);
-    if (input.type() == fs::file_type::not_found)
-        throw TamloError::io("there is no file " + job.input.string());
-    if (fs::is_directory(input)) throw TamloError::io(job.input.string() + " is a folder, not a picture");
-
     fs::path folder = fs::absolute(job.output).parent_path();
     while (folder.has_relative_path() && !fs::exists(folder, problem)) folder = folder.parent_path();
     if (fs::exists(folder, problem) && !fs::is_directory(folder, problem))
@@ -68,7 +66,8 @@ public:
                                            arguments_.longPx.value_or(0));
         });
         stopIfAsked();
-        image = withinLongSide(backend_.process(withinLongSide(std::move(image)), render));
+        image = backend_.process(withinLongSide(std::move(image)), render);
+        image = withinLongSide(Pipeline::exportDownscale(std::move(image), arguments_.scale));
         stopIfAsked();
         progress_.phase("writing", kRenderTo);
         RenderProfiler::cpu("writing", image.pixelCount(), [&] {
@@ -109,12 +108,11 @@ void profiled(const DevelopJob& job, Work&& work)
     std::cerr << RenderProfiler::report(job.input.filename().string(), total.count(), kRows) << std::flush;
 }
 
-/// The reason in one sentence that names the picture.
+/// The reason in one sentence that names the picture or the file it would have been.
 std::string failureText(const DevelopJob& job, const std::string& reason)
 {
-    const bool named = reason.find(job.input.filename().string()) != std::string::npos ||
-                       reason.find(job.output.filename().string()) != std::string::npos;
-    return named ? reason : job.input.string() + ": " + reason;
+    const bool named = reason.find(job.output.filename().string()) != std::string::npos;
+    return named ? reason : namingInput(job.input, reason);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -53,6 +54,17 @@ FileOptions readOptions(const std::filesystem::path& path)
     }
 }
 
+/// Sets an option; `asGiven` is what the user wrote.
+void applyText(RenderOptions& options, const std::string& key, const std::string& text,
+               const std::string& asGiven)
+{
+    try {
+        setOption(options, key, text);
+    } catch (const TamloError& error) {
+        throw UsageError(asGiven + ": " + error.what());
+    }
+}
+
 /// Splits "key=value" and sets it. Returns the key.
 std::string applySetting(RenderOptions& options, const std::string& setting)
 {
@@ -60,12 +72,15 @@ std::string applySetting(RenderOptions& options, const std::string& setting)
     if (equals == std::string::npos || equals == 0)
         throw UsageError("--set takes key=value, not '" + setting + "'");
     const std::string key = setting.substr(0, equals);
-    try {
-        setOption(options, key, setting.substr(equals + 1));
-    } catch (const TamloError& error) {
-        throw UsageError(std::string("--set ") + setting + ": " + error.what());
-    }
+    applyText(options, key, setting.substr(equals + 1), "--set " + setting);
     return key;
+}
+
+/// The option of a key as it is named on the command line.
+std::string optionName(std::string key)
+{
+    std::replace(key.begin(), key.end(), '_', '-');
+    return "--" + key;
 }
 
 /// A filter named on the command line must be there. One that only the option file names is left to the
@@ -89,7 +104,7 @@ std::string defaultPaper(const FilmProfile& film)
 
 } // namespace
 
-DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileStore& store)
+DevelopChoices resolveChoices(const RenderArguments& arguments, const ProfileStore& store)
 {
     requireProfile(store, Kind::films, arguments.film);
     requireProfile(store, Kind::lenses, arguments.lens);
@@ -106,8 +121,10 @@ DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileSt
     render.options = file.options;
     std::set<std::string> named;
     for (const std::string& setting : arguments.settings) named.insert(applySetting(render.options, setting));
-    for (const auto& [key, id] : arguments.filters)
-        named.insert(applySetting(render.options, key + "=" + id));
+    for (const auto& [key, text] : arguments.named) {
+        applyText(render.options, key, text, optionName(key) + " " + text);
+        named.insert(key);
+    }
     requireFilters(render.options, named, store);
     file.given.merge(named);
     render.options = optionsForFilm(std::move(render.options), render.film, file.given);

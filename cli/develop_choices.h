@@ -15,9 +15,9 @@ struct DevelopChoices {
 };
 
 /// Options, from the lowest to the highest: the defaults, the film's own format, the option file, --set in
-/// order, the short names of filters and --seed. A key may stand in the file in its older camelCase spelling.
-/// Errors: UsageError: an unknown film, lens, paper or filter (names the nearest), a setting that is not
-/// allowed; TamloError io: an option file that can't be read or does not hold options.
-DevelopChoices resolveChoices(const DevelopArguments& arguments, const ProfileStore& store);
+/// order, options by a name of their own and --seed. A key may stand in the file in its older camelCase
+/// spelling. Errors: UsageError: an unknown film, lens, paper or filter (names the nearest), a setting that
+/// is not allowed; TamloError io: an option file that can't be read or does not hold options.
+DevelopChoices resolveChoices(const RenderArguments& arguments, const ProfileStore& store);
 
 } // namespace tamlo::cli

@@ -38,4 +38,9 @@ EncodedImage drawEncodedImage(const std::string& path, const BitmapMemory& memor
     return decode(path, memory);
 }
 
+EncodedImage readEncodedHead(const std::string& path)
+{
+    return drawEncodedImage(path, [](std::int64_t, std::int64_t) { return nullptr; });
+}
+
 } // namespace tamlo::platform

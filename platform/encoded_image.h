@@ -19,11 +19,15 @@ struct EncodedImage {
     int exifOrientation = 1;
 };
 
-/// Gives zeroed memory for width × height × 4 bytes; called once, when the size is known.
+/// Gives zeroed memory for width × height × 4 bytes; called once, when the size is known. Null: the head is
+/// all that is wanted, and no pixel is drawn.
 using BitmapMemory = std::function<std::uint8_t*(std::int64_t width, std::int64_t height)>;
 
 /// Draws the first picture of a file as R, G, B and an unused byte, rows top-down without padding.
 /// Errors: PlatformError with the reason; what `memory` throws passes through.
 EncodedImage drawEncodedImage(const std::string& path, const BitmapMemory& memory);
+
+/// What a file says of its picture, without drawing it. Errors: PlatformError with the reason.
+EncodedImage readEncodedHead(const std::string& path);
 
 } // namespace tamlo::platform

@@ -148,7 +148,7 @@ EncodedImage drawHEIF(const std::string& path, const BitmapMemory& memory)
                 widen(reinterpret_cast<std::uint16_t*>(to), static_cast<std::size_t>(rows.width) * 4, bits);
         }
     };
-    drawRows(rows, tag, memory(rows.width, rows.height));
+    if (std::uint8_t* rgba = memory(rows.width, rows.height)) drawRows(rows, tag, rgba);
     return {rows.width, rows.height, 1};
 }
 

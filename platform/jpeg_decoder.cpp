@@ -137,6 +137,7 @@ EncodedImage drawJPEG(const std::string& path, const BitmapMemory& memory)
     const EncodedImage image{rows.width, rows.height, orientationOf(info)};
     const ColourTag tag{profileOf(decompressor), std::nullopt};
     std::uint8_t* rgba = memory(rows.width, rows.height);
+    if (!rgba) return image;
 
     decompressor.run([&] { jpeg_start_decompress(&info); });
     const bool invertedInk = rows.format.model == ColourModel::cmyk && info.saw_Adobe_marker;

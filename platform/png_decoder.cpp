@@ -145,7 +145,7 @@ EncodedImage drawPNG(const std::string& path, const BitmapMemory& memory)
             }
         });
     };
-    drawRows(rows, tag, rgba);
+    if (rgba) drawRows(rows, tag, rgba);
 
     // The end is read for what may follow the picture, and so that a file cut short there is found out.
     png_uint_32 exifBytes = 0;

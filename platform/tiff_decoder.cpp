@@ -301,9 +301,9 @@ EncodedImage drawTIFF(const std::string& path, const BitmapMemory& memory)
         tag.iccProfile.assign(profile, profile + profileBytes);
     const std::optional<RowFormat> format = directFormat(reader, layout);
     std::uint8_t* rgba = memory(layout.width, layout.height);
-    if (format)
+    if (rgba && format)
         drawDirect(reader, layout, *format, tag, rgba);
-    else
+    else if (rgba)
         drawByLibrary(reader, layout, tag, rgba);
     return {layout.width, layout.height, reader.field<std::uint16_t>(TIFFTAG_ORIENTATION, 1)};
 }

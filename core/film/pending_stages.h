@@ -10,11 +10,6 @@
 
 namespace tamlo::Pending {
 
-/// Cuts an instant picture to its card's aspect.
-inline RGBImage cropToCard(RGBImage image)
-{
-    return image;
-}
 /// The film's edge, drawn ahead of the emulsion.
 inline RGBImage drawRebate(RGBImage image)
 {

@@ -29,6 +29,11 @@ void bytes_to_linear(const std::uint8_t* rgba, const LinearTable& table, float* 
         for (int c = 0; c < 3; ++c) to[c] = table[rgba[c]];
 }
 
+TamloError cannotDecode(const std::filesystem::path& path, const platform::PlatformError& error)
+{
+    return TamloError::io("cannot decode " + std::filesystem::absolute(path).string() + ": " + error.what());
+}
+
 } // namespace
 
 void EncodedDecode::linearize(std::span<float> into) const
@@ -58,10 +63,20 @@ EncodedDecode decodeEncoded(const std::filesystem::path& path)
         decode.rotate = turn.turns * 90;
         decode.mirror = turn.mirror;
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot decode " + std::filesystem::absolute(path).string() + ": " +
-                             error.what());
+        throw cannotDecode(path, error);
     }
     return decode;
+}
+
+Size encodedSize(const std::filesystem::path& path)
+{
+    try {
+        const platform::EncodedImage image = platform::readEncodedHead(path.string());
+        const bool onItsSide = exifOrient(image.exifOrientation).turns % 2 != 0;
+        return onItsSide ? Size{image.height, image.width} : Size{image.width, image.height};
+    } catch (const platform::PlatformError& error) {
+        throw cannotDecode(path, error);
+    }
 }
 
 RGBImage loadEncodedAsLinear(const std::filesystem::path& path)

@@ -31,6 +31,9 @@ struct EncodedDecode {
 /// Errors: io "cannot decode PATH: reason"; "cannot map N bytes".
 EncodedDecode decodeEncoded(const std::filesystem::path& path);
 
+/// Upright size of an encoded picture, its pixels unread where the codec allows it. Errors: as decodeEncoded.
+Size encodedSize(const std::filesystem::path& path);
+
 /// The picture in linear light, upright. Errors: as decodeEncoded.
 RGBImage loadEncodedAsLinear(const std::filesystem::path& path);
 

@@ -20,4 +20,8 @@ namespace tamlo::ImageLoader {
 RGBImage loadLinear(const std::filesystem::path& path, WBMode wbMode, SourceExposure::Mode srcExposure,
                     std::int64_t capLongPx);
 
+/// The size that loadLinear gives, without developing or, where the codec allows it, decoding.
+/// Errors: as decodeRAW and encodedSize.
+Size pictureSize(const std::filesystem::path& path, std::int64_t capLongPx);
+
 } // namespace tamlo::ImageLoader

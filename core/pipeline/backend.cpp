@@ -44,14 +44,21 @@ std::unique_ptr<RenderBackend> makeBackend(BackendKind kind)
     return std::make_unique<CPUBackend>();
 }
 
-RGBImage resized(RGBImage image, std::int64_t longSide)
+Size resizedSize(Size size, std::int64_t longSide)
 {
-    if (image.longSide() <= longSide) return image;
-    const double scale = static_cast<double>(longSide) / static_cast<double>(image.longSide());
+    const std::int64_t now = std::max(size.width, size.height);
+    if (now <= longSide) return size;
+    const double scale = static_cast<double>(longSide) / static_cast<double>(now);
     const auto side = [&](std::int64_t v) {
         return std::max<std::int64_t>(pyRound(scale * static_cast<double>(v)), 1);
     };
-    const Size to{side(image.width), side(image.height)};
+    return {side(size.width), side(size.height)};
+}
+
+RGBImage resized(RGBImage image, std::int64_t longSide)
+{
+    const Size to = resizedSize(image.size(), longSide);
+    if (to == image.size()) return image;
     return pilResize(std::move(image), to.width, to.height, Resampling::lanczos);
 }
 

@@ -63,6 +63,8 @@ std::string_view rawText(BackendKind kind);
 /// Errors: unsupported where the machine has no such executor.
 std::unique_ptr<RenderBackend> makeBackend(BackendKind kind);
 
+/// The size of a picture that is reduced to a long side; sizes round with ties to even.
+Size resizedSize(Size size, std::int64_t longSide);
 /// A copy reduced to a long side with the Lanczos filter, sizes rounded with ties to even; an image not above
 /// it comes back as it is.
 RGBImage resized(RGBImage image, std::int64_t longSide);

@@ -141,6 +141,11 @@ Size Pipeline::croppedSize(const OptCrop& crop, Size source)
 RGBImage Pipeline::cropInput(RGBImage image, const OptCrop& crop)
 {
     const PixelRect rect = cropRectPx(orFull(crop), image.size());
+    return cropTo(std::move(image), rect);
+}
+
+RGBImage Pipeline::cropTo(RGBImage image, const PixelRect& rect)
+{
     if (rect == PixelRect{0, 0, image.width, image.height}) return image;
     RGBImage out(rect.width(), rect.height());
     float* to = out.mutableData();

@@ -39,6 +39,8 @@ PixelRect effectiveCrop(const OptCrop& crop, Size source, std::optional<double> 
 
 /// Size of the picture that rotateCropInput cuts.
 Size croppedSize(const OptCrop& crop, Size source);
+/// Copies the rows of a rectangle; the whole picture comes back as it is.
+RGBImage cropTo(RGBImage image, const PixelRect& rect);
 /// Straight cut: rows are copied; the whole source comes back as it is.
 RGBImage cropInput(RGBImage image, const OptCrop& crop);
 /// Cut and straightened by a separable Catmull-Rom of 4 × 4 taps; beyond the source its edge repeats.

@@ -10,7 +10,6 @@
 #include "core/film/source_light.h"
 #include "core/image/orient.h"
 #include "core/image/render_profiler.h"
-#include "core/image/rounding.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/render_size.h"
@@ -24,22 +23,6 @@
 
 namespace tamlo {
 namespace {
-
-/// The film under the picture, in micrometres: its long side, and the length that sets the master's ceiling.
-struct FilmLength {
-    double fmtUm = 0.0;
-    double capUm = 0.0;
-};
-
-FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Size source, Size picture)
-{
-    if (film.isInstant()) {
-        const double um = Pipeline::instantLongUm(film, options.peelSize);
-        return {um, um};
-    }
-    const auto window = Pipeline::formatWindow(film, options, {source, picture});
-    return {window.fmtUm, window.capUm};
-}
 
 Vec3f paperBase(const PaperProfile& paper)
 {
@@ -82,7 +65,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     });
     if (options.masterCap)
         image = applyMasterCap(std::move(image), length.fmtUm, masterLongPx(film, length.capUm));
-    image = Pending::cropToCard(std::move(image));
+    image = cropToCard(std::move(image), film, options);
     std::int64_t baseLong = image.longSide();
     hooks.cancellationPoint();
 
@@ -130,6 +113,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     followResolution();
 
     if (isInstant) {
+        options = instantBareOptions(film, std::move(options), image.size());
         if (options.instantFrame) image = Pending::addInstantFrame(std::move(image));
         if (hasFinishing(options)) image = Pending::finishSheet(std::move(image));
         hooks.progress("done", 1.0);
@@ -139,10 +123,10 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     // The sheet.
     if (windowMask) image = Pending::compositeWindow(std::move(image));
     const Vec3f base = paperBase(paper);
-    resolveBorder(options, paper, {baseLong, longSide, length.fmtUm}, std::nullopt);
-    const double border = paper.isPlate() ? 0.0 : options.border;
+    const double border = resolveBorder(options, paper, {baseLong, longSide, length.fmtUm},
+                                        frameInsetFrac(std::nullopt, baseLong));
     const Vec3f colour = borderRGB(base, developed, paper, options, pxUm);
-    image = addBorder(std::move(image), pyRound(border * static_cast<double>(baseLong)), colour);
+    image = addBorder(std::move(image), borderMarginPx(border, longSide), colour);
     if (paper.hasSheet() && paper.isAlt()) image = Pending::embossPlate(std::move(image));
     image = Pending::finishSheet(std::move(image));
     hooks.progress("done", 1.0);

@@ -4,16 +4,24 @@
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/peel_size.h"
+#include "core/pipeline/pending_sizes.h"
+#include "core/profiles/film_format.h"
 
 #include <algorithm>
 
 namespace tamlo {
 namespace {
 
-/// Long side of the photographed screen. The tube is not built yet: a screen prints as large as any print.
-double screenLongCm(const RenderOptions& options)
+/// Long over short side of the picture that an instant card holds.
+std::optional<double> cardPictureAspect(const InstantFrameParams& frame, const OptText& peelSize)
 {
-    return options.printCm;
+    if (frame.style == "peel") {
+        const Pipeline::SidesMm mm = Pipeline::peelSizeCfg(frame, peelSize).imageMm;
+        return mm.longMm / mm.shortMm;
+    }
+    const double longMm = frame.imageLongMm.value_or(0.0), shortMm = frame.imageShortMm.value_or(0.0);
+    if (longMm > 0.0 && shortMm > 0.0) return longMm / shortMm;
+    return std::nullopt;
 }
 
 } // namespace
@@ -59,6 +67,52 @@ double Pipeline::instantLongUm(const FilmProfile& film, const std::optional<std:
     return film.texture ? film.texture->cardUm.value_or(kCardUm) : kCardUm;
 }
 
+Pipeline::FilmLength Pipeline::filmLength(const FilmProfile& film, const RenderOptions& options, Size source,
+                                          Size picture)
+{
+    if (film.isInstant()) {
+        const double um = instantLongUm(film, options.peelSize);
+        return {um, um};
+    }
+    const auto window = formatWindow(film, options, {source, picture});
+    return {window.fmtUm, window.capUm};
+}
+
+std::optional<double> Pipeline::cardAspect(const FilmProfile& film, const RenderOptions& options)
+{
+    if (!film.isInstant() || !film.frame || !options.instantFrame) return std::nullopt;
+    if (film.frame->crop == "square") return 1.0;
+    if (film.frame->crop == "aspect") return cardPictureAspect(*film.frame, options.peelSize);
+    return std::nullopt;
+}
+
+std::optional<Pipeline::PixelRect> Pipeline::cardCropRect(Size size, const FilmProfile& film,
+                                                          const RenderOptions& options)
+{
+    const std::optional<double> aspect = cardAspect(film, options);
+    if (!aspect) return std::nullopt;
+    const PixelRect rect = aspectRect(size, *aspect);
+    if (rect.width() == size.width && rect.height() == size.height) return std::nullopt;
+    return rect;
+}
+
+RGBImage Pipeline::cropToCard(RGBImage image, const FilmProfile& film, const RenderOptions& options)
+{
+    const std::optional<PixelRect> rect = cardCropRect(image.size(), film, options);
+    return rect ? cropTo(std::move(image), *rect) : image;
+}
+
+RenderOptions Pipeline::instantBareOptions(const FilmProfile& film, RenderOptions options, Size picture)
+{
+    if (!film.frame) return options;
+    const double longMm = film.frame->style == "peel"
+                              ? peelSizeCfg(*film.frame, options.peelSize).imageMm.longMm
+                              : film.frame->imageLongMm.value_or(0.0);
+    if (longMm > 0.0)
+        options.printPxUm = longMm * 1000.0 / static_cast<double>(std::max(picture.width, picture.height));
+    return options;
+}
+
 void Pipeline::resolvePrintScale(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
                                  bool isInstant)
 {
@@ -67,7 +121,7 @@ void Pipeline::resolvePrintScale(RenderOptions& options, const PaperProfile& pap
         const double b = options.border * static_cast<double>(scale.baseLong) / longSide;
         options.printCm = std::max(1.0, *options.sheetCm / (2.0 * b + 1.0));
     }
-    if (paper.repro == "crt") options.printCm = screenLongCm(options);
+    if (paper.repro == "crt") options.printCm = Pending::screenLongCm(options);
     if (paper.isPlate()) {
         if (scale.fmtUm > 0.0)
             options.printCm = scale.fmtUm / 10'000.0;
@@ -99,6 +153,26 @@ double Pipeline::resolveBorder(RenderOptions& options, const PaperProfile& paper
             options.picInsetPx->push_back(options.borderPx + inset * baseLong);
     }
     return b;
+}
+
+std::int64_t Pipeline::borderMarginPx(double border, std::int64_t longSide)
+{
+    return border > 0.0 ? pyRound(border * static_cast<double>(longSide)) : 0;
+}
+
+std::array<double, 4> Pipeline::frameInsetFrac(const std::optional<std::array<double, 4>>& insetsPx,
+                                               std::int64_t baseLong)
+{
+    std::array<double, 4> fractions{};
+    if (!insetsPx) return fractions;
+    for (std::size_t side = 0; side < 4; ++side)
+        fractions[side] = (*insetsPx)[side] / static_cast<double>(std::max<std::int64_t>(baseLong, 1));
+    return fractions;
+}
+
+double Pipeline::plateInset(const PaperProfile& paper)
+{
+    return paper.hasSheet() ? Pending::plateEdgePx() : 0.0;
 }
 
 void Pipeline::afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio)

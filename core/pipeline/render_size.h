@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/image/rgb_image.h"
+#include "core/pipeline/crop_geometry.h"
 #include "core/profiles/film_profile.h"
 #include "core/profiles/paper_profile.h"
 #include "core/profiles/render_options.h"
@@ -26,6 +27,23 @@ RGBImage applyMasterCap(RGBImage image, double fmtUm, std::optional<std::int64_t
 /// Long side of an instant picture in micrometres.
 double instantLongUm(const FilmProfile& film, const std::optional<std::string>& peelSize);
 
+/// The film under a picture in micrometres: its long side, and the length that sets the master's ceiling.
+struct FilmLength {
+    double fmtUm = 0.0;
+    double capUm = 0.0;
+};
+/// Sizes before orientation; an instant picture is as long as its card says.
+FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Size source, Size picture);
+
+/// Long over short side of the picture on an instant card; absent for other films and without the card.
+std::optional<double> cardAspect(const FilmProfile& film, const RenderOptions& options);
+/// What a card leaves of a picture; absent when nothing is cut.
+std::optional<PixelRect> cardCropRect(Size size, const FilmProfile& film, const RenderOptions& options);
+RGBImage cropToCard(RGBImage image, const FilmProfile& film, const RenderOptions& options);
+/// The options of an instant picture without its card: the print is as large as the card's picture.
+/// Shape: `picture` is the picture as it stands then.
+RenderOptions instantBareOptions(const FilmProfile& film, RenderOptions options, Size picture);
+
 /// Sizes that later stages rescale together with the picture.
 struct FrameScale {
     std::int64_t baseLong = 0; // long side of the picture without its rebate, pixels
@@ -42,6 +60,15 @@ void resolvePrintScale(RenderOptions& options, const PaperProfile& paper, const 
 /// borderPx and, with insets, picInsetPx.
 double resolveBorder(RenderOptions& options, const PaperProfile& paper, const FrameScale& scale,
                      const std::optional<std::array<double, 4>>& insetFrac);
+
+/// Margin in pixels of a border that is a fraction of longSide; 0 for none.
+std::int64_t borderMarginPx(double border, std::int64_t longSide);
+
+/// The rebate's four insets in pixels as fractions of baseLong; zeros without a rebate.
+std::array<double, 4> frameInsetFrac(const std::optional<std::array<double, 4>>& insetsPx,
+                                     std::int64_t baseLong);
+/// Distance in pixels from the picture to the plate mark; 0 where the paper has no sheet to press.
+double plateInset(const PaperProfile& paper);
 
 /// baseLong and printPxUm after the picture's resolution changed by `ratio`.
 void afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <functional>
 
@@ -244,6 +246,39 @@ TEST_F(DevelopTest, TellsWhereTheTimeGoes)
     }
     EXPECT_GT(shares, 20.0);
     EXPECT_LT(shares, 101.0);
+}
+
+// The plan tells what the file will be, for pictures that lie on their side too.
+TEST_F(DevelopTest, ThePlanIsTheSizeOfTheFile)
+{
+    const std::vector<fs::path> pictures{kPicture,
+                                         kRaw,
+                                         kSamples / "orientation" / "orientation-6.jpg",
+                                         kSamples / "patterns" / "rgb8.png",
+                                         kSamples / "deep" / "creek-8bit.tif",
+                                         kSamples / "heic" / "dogs-rotated-irot.heic"};
+    const std::vector<std::vector<std::string>> choices{
+        {"--long", "70"},
+        {"--long", "90", "--crop", "0.1,0.2,0.5,0.4,3", "--rotate", "90", "--mirror", "--border", "0.1"},
+        {"--long", "120", "--scale", "0.5", "--format", "120", "--frame-size", "6x7", "--sheet-cm", "20"},
+        {"--long", "80", "--film", "fp100c", "--print-cm", "12"}};
+    RunSettings settings;
+    settings.folder = scratch_.path();
+    for (const fs::path& picture : pictures)
+        for (const std::vector<std::string>& choice : choices) {
+            SCOPED_TRACE(picture.string() + " " + choice.back());
+            std::vector<std::string> developing{picture.string(), "-o", "out.png"};
+            developing.insert(developing.end(), choice.begin(), choice.end());
+            std::vector<std::string> planning{"plan", picture.string(), "--json"};
+            planning.insert(planning.end(), choice.begin(), choice.end());
+
+            const RunResult plan = runTamlo(planning, settings);
+            ASSERT_EQ(plan.status, 0) << plan.err;
+            EXPECT_TRUE(plan.err.empty()) << plan.err;
+            ASSERT_EQ(run(developing).status, 0);
+            const nlohmann::json one = nlohmann::json::parse(plan.out).at(0);
+            EXPECT_EQ(sizeOf(scratch_ / "out.png"), (Size{one.at("width"), one.at("height")}));
+        }
 }
 
 } // namespace

@@ -1,0 +1,99 @@
+#include "cli/plan.h"
+
+#include "cli/develop_choices.h"
+#include "cli/input_files.h"
+#include "core/image/tamlo_error.h"
+#include "core/io/image_loader.h"
+#include "core/pipeline/output_plan.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+namespace tamlo::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using Pipeline::OutputPlan;
+
+OutputPlan planOne(const fs::path& input, const PlanArguments& arguments, const RenderChoices& choices)
+{
+    checkInput(input);
+    Size source = ImageLoader::pictureSize(input, arguments.longPx.value_or(0));
+    if (arguments.longPx) source = resizedSize(source, *arguments.longPx);
+    OutputPlan plan =
+        Pipeline::outputPlan(source, choices.film, choices.paper, choices.options, arguments.scale);
+    if (arguments.longPx) {
+        const Size size = resizedSize(plan.size(), *arguments.longPx);
+        plan.width = size.width;
+        plan.height = size.height;
+    }
+    return plan;
+}
+
+/// Long and short side of the picture in a unit of which its long side has `longSide`, the wider one first.
+std::array<double, 2> sides(const OutputPlan& plan, double longSide)
+{
+    const double w = static_cast<double>(plan.picture.width), h = static_cast<double>(plan.picture.height);
+    return {longSide * w / std::max(w, h), longSide * h / std::max(w, h)};
+}
+
+double megapixels(const OutputPlan& plan)
+{
+    return static_cast<double>(plan.width * plan.height) / 1e6;
+}
+
+nlohmann::ordered_json asJson(const fs::path& input, const OutputPlan& plan)
+{
+    return {{"input", input.string()},
+            {"width", plan.width},
+            {"height", plan.height},
+            {"megapixels", megapixels(plan)},
+            {"film_mm", sides(plan, plan.fmtUm / 1000.0)},
+            {"film_um_per_px", plan.pxUm},
+            {"print_cm", sides(plan, plan.printCm)},
+            {"print_um_per_px", plan.printPxUm},
+            {"supersample", plan.supersample},
+            {"dots_drawn", plan.dotsDrawn},
+            {"lines_drawn", plan.linesDrawn}};
+}
+
+std::string asText(const fs::path& input, const OutputPlan& plan)
+{
+    const std::array<double, 2> film = sides(plan, plan.fmtUm / 1000.0);
+    const std::array<double, 2> print = sides(plan, plan.printCm);
+    char scales[256];
+    std::snprintf(scales, sizeof scales,
+                  "  film    %.1f × %.1f mm, %.2f µm a pixel\n  print   %.1f × %.1f cm, %.1f µm a pixel\n",
+                  film[0], film[1], plan.pxUm, print[0], print[1], plan.printPxUm);
+    return input.string() + "\n  output  " + Pipeline::sizeLabel(plan.size(), "MP") + "\n" + scales;
+}
+
+} // namespace
+
+int plan(const PlanArguments& arguments, std::ostream& results)
+{
+    const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    std::vector<std::string> failures;
+    for (const fs::path& input : arguments.inputs) {
+        try {
+            const OutputPlan one = planOne(input, arguments, choices.render);
+            if (arguments.json)
+                list.push_back(asJson(input, one));
+            else
+                results << asText(input, one);
+        } catch (const TamloError& error) {
+            failures.push_back(namingInput(input, error.what()));
+        } catch (const fs::filesystem_error& error) {
+            failures.push_back(namingInput(input, error.what()));
+        }
+    }
+    if (arguments.json) results << list.dump(2) << std::endl;
+    for (const std::string& failure : failures) std::cerr << "tamlo: " << failure << std::endl;
+    return failures.empty() ? 0 : 1;
+}
+
+} // namespace tamlo::cli

@@ -1,0 +1,200 @@
+#include "core/pipeline/output_plan.h"
+
+#include "core/film/scan.h"
+#include "core/image/resample.h"
+#include "core/image/rounding.h"
+#include "core/pipeline/crop_geometry.h"
+#include "core/pipeline/pending_sizes.h"
+#include "core/pipeline/render_size.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+namespace tamlo {
+namespace {
+
+constexpr double kFullScale = 0.999; // a scale from here on leaves the finished size alone
+constexpr double kSocialAspect = 0.8;
+
+std::int64_t longSideOf(Size size)
+{
+    return std::max(size.width, size.height);
+}
+
+template <std::int64_t (*Rounded)(double)>
+Size scaledBy(Size size, double k)
+{
+    const auto side = [&](std::int64_t v) {
+        return std::max<std::int64_t>(Rounded(k * static_cast<double>(v)), 1);
+    };
+    return {side(size.width), side(size.height)};
+}
+
+/// The picture as it enters the lens: cropped, turned, under the master's ceiling, cut to its card.
+Size exposedSize(Size input, const FilmProfile& film, const RenderOptions& options,
+                 Pipeline::FilmLength length)
+{
+    Size size = Pipeline::croppedSize(options.crop, input);
+    if (pyRound(options.rotate / 90.0) % 2 != 0) std::swap(size.width, size.height);
+    if (options.masterCap)
+        size = Pipeline::masterCapSize(size, Pipeline::masterLongPx(film, length.capUm)).value_or(size);
+    if (const auto rect = Pipeline::cardCropRect(size, film, options)) size = {rect->width(), rect->height()};
+    return size;
+}
+
+Size withBorder(Size size, std::int64_t marginPx)
+{
+    return {size.width + 2 * marginPx, size.height + 2 * marginPx};
+}
+
+std::string inMegapixels(Size size)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", static_cast<double>(size.width * size.height) / 1e6);
+    return text;
+}
+
+/// Factor of the social copy of a picture; 1 where it is not above the limit.
+double socialFactor(Size size, const RenderOptions& options)
+{
+    const std::int64_t measure = options.socialBy == "long" ? longSideOf(size) : size.width;
+    if (options.socialPx < 1 || options.socialPx >= measure) return 1.0;
+    return static_cast<double>(options.socialPx) / static_cast<double>(measure);
+}
+
+/// The centre of a picture at 4:5.
+Size socialCut(Size size)
+{
+    const double w = static_cast<double>(size.width), h = static_cast<double>(size.height);
+    if (w / h > kSocialAspect) return {std::max<std::int64_t>(pyRound(kSocialAspect * h), 1), size.height};
+    return {size.width, std::clamp<std::int64_t>(pyRound(w / kSocialAspect), 1, size.height)};
+}
+
+} // namespace
+
+Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, const PaperProfile& paper,
+                                          const RenderOptions& asked, double scale)
+{
+    RenderOptions options = asked;
+    const FilmLength length = filmLength(film, options, input, croppedSize(options.crop, input));
+    Size size = exposedSize(input, film, options, length);
+    std::int64_t baseLong = longSideOf(size);
+    if (!film.isInstant() && paper.repro != "crt") size = Pending::withRebate(size);
+
+    OutputPlan plan;
+    plan.fmtUm = length.fmtUm;
+    plan.pxUm = length.fmtUm / static_cast<double>(longSideOf(size));
+    options.formatLongUm = length.fmtUm;
+    resolvePrintScale(options, paper, {baseLong, longSideOf(size), length.fmtUm}, film.isInstant());
+
+    if (paper.isRepro() || paper.surface) {
+        const Pending::ReproRaster raster = Pending::reproRaster();
+        if (raster.enlargement > 1.001) {
+            size = scaledBy<roundAway>(size, raster.enlargement);
+            afterScanCap(baseLong, options, raster.enlargement);
+        }
+        plan.supersample = raster.supersample;
+        plan.dotsDrawn = raster.dotsDrawn;
+        plan.linesDrawn = raster.linesDrawn;
+    }
+    if (paper.isScan() && paper.scan) {
+        const std::int64_t before = longSideOf(size);
+        size = Film::scanSize(size, *paper.scan).value_or(size);
+        const double ratio = static_cast<double>(longSideOf(size)) / static_cast<double>(before);
+        if (ratio < 0.999) afterScanCap(baseLong, options, ratio);
+    }
+
+    plan.picture = size;
+    if (film.isInstant()) {
+        options = instantBareOptions(film, std::move(options), size);
+        if (options.instantFrame) size = Pending::withCard(size);
+    } else {
+        const double border = resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm},
+                                            frameInsetFrac(std::nullopt, baseLong));
+        size = withBorder(size, borderMarginPx(border, longSideOf(size)));
+    }
+    size = Pending::withTable(Pending::withMat(size));
+    if (scale < kFullScale) size = downscaledSize(size, scale);
+    plan.width = size.width;
+    plan.height = size.height;
+    plan.printPxUm = options.printPxUm;
+    plan.printCm = options.printPxUm * static_cast<double>(longSideOf(plan.picture)) / 10'000.0;
+    return plan;
+}
+
+Size Pipeline::outputSize(Size input, const FilmProfile& film, const PaperProfile& paper,
+                          const RenderOptions& options, double scale)
+{
+    return outputPlan(input, film, paper, options, scale).size();
+}
+
+std::int64_t Pipeline::previewInputLong(Size source, const FilmProfile& film, const PaperProfile& paper,
+                                        const RenderOptions& options,
+                                        std::span<const std::int64_t> candidates)
+{
+    if (candidates.empty()) return longSideOf(source);
+    std::vector<std::int64_t> ascending(candidates.begin(), candidates.end());
+    std::sort(ascending.begin(), ascending.end());
+    const auto planFrom = [&](std::int64_t candidate) {
+        const double k = static_cast<double>(candidate) / static_cast<double>(longSideOf(source));
+        return outputPlan(k < 1.0 ? scaledBy<pyRound>(source, k) : source, film, paper, options, 1.0);
+    };
+    const auto costOf = [](const OutputPlan& plan) {
+        return static_cast<double>(plan.width) * static_cast<double>(plan.height) * plan.supersample *
+               plan.supersample;
+    };
+    const OutputPlan largest = planFrom(ascending.back());
+    double lowest = costOf(largest);
+    std::int64_t best = std::min(longSideOf(source), ascending.back());
+    ascending.pop_back();
+    for (const std::int64_t candidate : ascending) {
+        const OutputPlan plan = planFrom(candidate);
+        if (plan.dotsDrawn != largest.dotsDrawn || plan.linesDrawn != largest.linesDrawn) continue;
+        if (costOf(plan) >= lowest) continue;
+        lowest = costOf(plan);
+        best = std::min(longSideOf(source), candidate);
+    }
+    return best;
+}
+
+Size Pipeline::socialSize(Size input, const FilmProfile& film, const PaperProfile& paper,
+                          const RenderOptions& options)
+{
+    Size size = outputSize(input, film, paper, options, 1.0);
+    if (options.socialCrop45) size = socialCut(size);
+    return downscaledSize(size, socialFactor(size, options));
+}
+
+RGBImage Pipeline::socialVariant(RGBImage image, const RenderOptions& options)
+{
+    if (options.socialCrop45) {
+        const Size cut = socialCut(image.size());
+        const std::int64_t x = (image.width - cut.width) / 2, y = (image.height - cut.height) / 2;
+        image = cropTo(std::move(image), {x, y, x + cut.width, y + cut.height});
+    }
+    const double factor = socialFactor(image.size(), options);
+    return exportDownscale(std::move(image), factor);
+}
+
+Size Pipeline::downscaledSize(Size size, double factor)
+{
+    return factor < 1.0 ? scaledBy<roundAway>(size, factor) : size;
+}
+
+RGBImage Pipeline::exportDownscale(RGBImage image, double factor)
+{
+    const Size size = downscaledSize(image.size(), factor);
+    if (size == image.size()) return image;
+    return pilResize(std::move(image), size.width, size.height, Resampling::lanczos);
+}
+
+std::string Pipeline::sizeLabel(Size size, std::string_view megapixelUnit)
+{
+    std::string text = std::to_string(size.width) + " × " + std::to_string(size.height);
+    if (!megapixelUnit.empty()) text += ", " + inMegapixels(size) + " " + std::string(megapixelUnit);
+    return text;
+}
+
+} // namespace tamlo
