@@ -130,6 +130,20 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
         ->capture_default_str();
 }
 
+void describeMeasure(CLI::App& command, MeasureArguments& into)
+{
+    command.add_option("FILM", into.film, "Film (see: tamlo list films)")->required();
+    command.add_option("--paper", into.paper, "Also measure a print on this paper")->type_name("ID");
+    command
+        .add_option(
+            "--set", into.settings,
+            "Set an option that changes the material, such as push=1 grain_rms=true grain_engine=classic")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+    command.add_flag("--json", into.json, "As a JSON object");
+    command.add_option("--plot", into.plot, "Also draw a data sheet")->type_name("FILE.svg");
+}
+
 /// The parser's words as one sentence without line feeds.
 std::string sentence(std::string text)
 {
@@ -154,6 +168,7 @@ Command parseArguments(const std::vector<std::string>& arguments)
 
     DevelopArguments develop;
     PlanArguments plan;
+    MeasureArguments measure;
     ListArguments list;
     ShowArguments show;
     auto* developCommand = app.add_subcommand("develop", "Develop photographs and write finished pictures");
@@ -162,6 +177,9 @@ Command parseArguments(const std::vector<std::string>& arguments)
         app.add_subcommand("plan", "Tell size and scale of finished pictures, not drawing them");
     describeRender(*planCommand, plan);
     planCommand->add_flag("--json", plan.json, "As a JSON array");
+    auto* measureCommand =
+        app.add_subcommand("measure", "Measure a film, and a paper under it, as a data sheet does");
+    describeMeasure(*measureCommand, measure);
     auto* listCommand = app.add_subcommand("list", "List films, lenses, papers or filters");
     listCommand->add_option("KIND", list.kind, "films, lenses, papers or filters")->required();
     listCommand->add_flag("--json", list.json, "As a JSON array");
@@ -181,11 +199,12 @@ Command parseArguments(const std::vector<std::string>& arguments)
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
             throw UsageError("there is no command '" + arguments[0] +
-                             "'; there are develop, plan, list and show");
+                             "'; there are develop, plan, measure, list and show");
         throw UsageError(sentence(error.what()) + " (tamlo --help tells the usage)");
     }
     if (developCommand->parsed()) return develop;
     if (planCommand->parsed()) return plan;
+    if (measureCommand->parsed()) return measure;
     if (listCommand->parsed()) return list;
     return show;
 }

@@ -39,6 +39,12 @@ struct PlanArguments : RenderArguments {
     bool json = false;
 };
 
+/// tamlo measure FILM [--paper ID] [--json] [--plot FILE.svg]
+struct MeasureArguments : RenderArguments {
+    bool json = false;
+    std::optional<std::filesystem::path> plot;
+};
+
 /// tamlo list KIND [--json]
 struct ListArguments {
     std::string kind;
@@ -56,7 +62,8 @@ struct Answer {
     std::string text;
 };
 
-using Command = std::variant<DevelopArguments, PlanArguments, ListArguments, ShowArguments, Answer>;
+using Command =
+    std::variant<DevelopArguments, PlanArguments, MeasureArguments, ListArguments, ShowArguments, Answer>;
 
 /// Errors: UsageError with one sentence.
 Command parseArguments(const std::vector<std::string>& arguments);

@@ -3,6 +3,7 @@
 #include "cli/arguments.h"
 #include "cli/develop.h"
 #include "cli/list_profiles.h"
+#include "cli/measure.h"
 #include "cli/plan.h"
 #include "cli/usage_error.h"
 
@@ -17,6 +18,7 @@ using namespace tamlo::cli;
 struct Runner {
     int operator()(const DevelopArguments& arguments) const { return develop(arguments, std::cout); }
     int operator()(const PlanArguments& arguments) const { return plan(arguments, std::cout); }
+    int operator()(const MeasureArguments& arguments) const { return measure(arguments, std::cout); }
     int operator()(const ListArguments& arguments) const
     {
         listProfiles(arguments, ProfileStore::shared(), std::cout);

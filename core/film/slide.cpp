@@ -55,8 +55,8 @@ std::array<HDCurve, 3> Film::positiveCurves(const ColorLayers& layers, double de
     return {curve(layers.r), curve(layers.g), curve(layers.b)};
 }
 
-RGBImage Film::renderSlide(RGBImage light, const DevelopedFilm& film, const RenderOptions& options,
-                           double pxUm)
+Film::SlideFilm Film::slideDensity(RGBImage light, const DevelopedFilm& film, const RenderOptions& options,
+                                   double pxUm)
 {
     if (!film.film.layers) throw ProfileError::invalid("slide film without 'layers'");
     light = emulsionSoften(std::move(light), film.film, pxUm);
@@ -67,13 +67,18 @@ RGBImage Film::renderSlide(RGBImage light, const DevelopedFilm& film, const Rend
         curves_color(light, params, film.unevenField ? &*film.unevenField : nullptr);
     });
     RGBImage density = applyAdjacency(std::move(light), film, pxUm);
-    density = addGrain(std::move(density), params.curves, film.film, options, pxUm);
+    return {addGrain(std::move(density), params.curves, film.film, options, pxUm), params.curves};
+}
 
-    const auto& curves = params.curves;
+RGBImage Film::renderSlide(RGBImage light, const DevelopedFilm& film, const RenderOptions& options,
+                           double pxUm)
+{
+    SlideFilm slide = slideDensity(std::move(light), film, options, pxUm);
+    const auto& curves = slide.curves;
     const float reference = std::min({curves[0].fDmin, curves[1].fDmin, curves[2].fDmin});
-    RenderProfiler::cpu("print", density.pixelCount(),
-                        [&] { positive_out(density, reference, LookOp(film.film.look)); });
-    return density;
+    RenderProfiler::cpu("print", slide.density.pixelCount(),
+                        [&] { positive_out(slide.density, reference, LookOp(film.film.look)); });
+    return std::move(slide.density);
 }
 
 RGBImage Film::renderSlidePrint(RGBImage light, const DevelopedFilm& film, const PaperProfile& paper,

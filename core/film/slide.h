@@ -17,6 +17,15 @@ namespace tamlo::Film {
 /// Curves of a positive material: a layer without a mid density is anchored where it shows as 0.18.
 std::array<HDCurve, 3> positiveCurves(const ColorLayers& layers, double defaultToe);
 
+/// A developed slide: absolute density per layer and the curves that made it.
+struct SlideFilm {
+    RGBImage density;
+    std::array<HDCurve, 3> curves;
+};
+
+/// Units: pxUm micrometres of film a pixel. Errors: ProfileError "slide film without 'layers'".
+SlideFilm slideDensity(RGBImage light, const DevelopedFilm& film, const RenderOptions& options, double pxUm);
+
 /// The transparency. Units: pxUm micrometres of film a pixel.
 /// Errors: ProfileError "slide film without 'layers'".
 RGBImage renderSlide(RGBImage light, const DevelopedFilm& film, const RenderOptions& options, double pxUm);

@@ -158,5 +158,28 @@ TEST_F(UsageTest, AFullOutputIsAnError)
     EXPECT_EQ(result.messages().size(), 1u);
 }
 
+// The data sheet is well-formed in its names, holds a curve a layer, and is not left behind by a failure.
+TEST_F(UsageTest, MeasuresAFilmAndDrawsItsDataSheet)
+{
+    const RunResult silver =
+        run({"measure", "trix400", "--paper", "bw_neutral", "--json", "--plot", "sheet.svg"});
+    ASSERT_EQ(silver.status, 0) << silver.err;
+    const nlohmann::json report = nlohmann::json::parse(silver.out);
+    EXPECT_EQ(report.at("layers").size(), 1u);
+    EXPECT_EQ(report.at("layers")[0].at("density").size(), 21u);
+    EXPECT_NEAR(report.at("print").at("density")[10].get<double>(), 0.7447, 1e-3);
+    const std::string sheet = readFile(scratch_ / "sheet.svg");
+    EXPECT_NE(sheet.find("Kodak Tri-X 400"), std::string::npos);
+    EXPECT_TRUE(sheet.ends_with("</svg>\n"));
+    EXPECT_EQ(std::count(sheet.begin(), sheet.end(), '<'), std::count(sheet.begin(), sheet.end(), '>'));
+
+    const RunResult pushed = run({"measure", "trix400", "--set", "push=2"});
+    EXPECT_NE(pushed.out.find("silver"), std::string::npos);
+    EXPECT_EQ(run({"measure", "trix400", "--plot", "no/such/sheet.svg"}).status, 1);
+    EXPECT_EQ(run({"measure", "fp100c", "--plot", "instant.svg"}).status, 1);
+    EXPECT_EQ(run({"measure", "trix400", "--plot", "sheet.pdf"}).status, 2);
+    EXPECT_FALSE(fs::exists(scratch_ / "instant.svg") || fs::exists(scratch_ / "no"));
+}
+
 } // namespace
 } // namespace tamlo::test
