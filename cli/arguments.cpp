@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 
 #include "cli/usage_error.h"
+#include "core/text/loc.h"
 
 #include <CLI/CLI.hpp>
 
@@ -86,12 +87,12 @@ void describeNamed(CLI::App& command, RenderArguments& into)
 void describeRender(CLI::App& command, RenderArguments& into)
 {
     command.add_option("INPUT", into.inputs, "Photographs: JPEG, PNG, TIFF, HEIC or camera RAW")->required();
-    command.add_option("--film", into.film, "Film (see: tamlo list films)")
-        ->type_name("ID")
-        ->capture_default_str();
-    command.add_option("--lens", into.lens, "Lens (see: tamlo list lenses)")
-        ->type_name("ID")
-        ->capture_default_str();
+    command.add_option("--preset", into.preset, "Recipe (see: tamlo list presets), or a preset's file")
+        ->type_name("ID|FILE");
+    command.add_option("--film", into.film, "Film (see: tamlo list films; default: portra400)")
+        ->type_name("ID");
+    command.add_option("--lens", into.lens, "Lens (see: tamlo list lenses; default: modern_clean)")
+        ->type_name("ID");
     command
         .add_option("--paper", into.paper,
                     "Paper or scanner (default: color_ra4 for a colour negative, else what suits the film)")
@@ -144,6 +145,68 @@ void describeMeasure(CLI::App& command, MeasureArguments& into)
     command.add_option("--plot", into.plot, "Also draw a data sheet")->type_name("FILE.svg");
 }
 
+/// Commands that keep the catalogue.
+void describeCatalogue(CLI::App& app, ListArguments& list, ShowArguments& show, CheckArguments& check,
+                       ImportArguments& import, ExportArguments& exported)
+{
+    auto* listCommand = app.add_subcommand("list", "List films, lenses, papers, filters or presets");
+    listCommand->add_option("KIND", list.kind, "films, lenses, papers, filters or presets")->required();
+    listCommand->add_flag("--json", list.json, "As a JSON array");
+    auto* showCommand = app.add_subcommand("show", "Print a profile or a preset as JSON");
+    showCommand->add_option("KIND", show.kind, "film, lens, paper, filter or preset")->required();
+    showCommand->add_option("ID", show.id, "Its id, as told by tamlo list")->required();
+    auto* checkCommand = app.add_subcommand("check", "Tell what is wrong with profiles and presets");
+    checkCommand->add_option("FILE", check.files, "Files of profiles or presets")->required();
+    auto* importCommand = app.add_subcommand("import", "Take profiles and presets into the catalogue");
+    importCommand->add_option("FILE", import.files, "Files of profiles or presets")->required();
+    const std::map<std::string, PresetConflict> answers{{"replace", PresetConflict::replace},
+                                                        {"copy", PresetConflict::copy},
+                                                        {"cancel", PresetConflict::cancel}};
+    importCommand
+        ->add_option(
+            "--on-conflict", import.onConflict,
+            "When the id is taken: replace, copy (take in under a free id) or cancel (skip the file)")
+        ->type_name("ANSWER")
+        ->transform(CLI::Transformer(answers).description("").name("ANSWER"))
+        ->check(CLI::IsMember({"0", "1", "2", "3"}).description(""));
+    auto* exportCommand = app.add_subcommand("export", "Write a profile or a preset to a file");
+    exportCommand->add_option("KIND", exported.kind, "film, lens, paper, filter or preset")->required();
+    exportCommand->add_option("ID", exported.id, "Its id, as told by tamlo list")->required();
+    exportCommand->add_option("FILE", exported.file, "The file, or the folder for it")->required();
+}
+
+/// "develop, plan and export".
+std::string commandNames(const CLI::App& app)
+{
+    std::string out;
+    const auto commands = app.get_subcommands(nullptr);
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        if (i > 0) out += i + 1 == commands.size() ? " and " : ", ";
+        out += commands[i]->get_name();
+    }
+    return out;
+}
+
+/// The language after --lang, which is needed before anything is said.
+void chooseLanguage(const std::vector<std::string>& arguments)
+{
+    constexpr std::string_view kOption = "--lang";
+    for (std::size_t i = 0; i < arguments.size() && arguments[i] != "--"; ++i) {
+        std::string_view value = arguments[i];
+        if (!value.starts_with(kOption)) continue;
+        value.remove_prefix(kOption.size());
+        if (value.empty() && i + 1 < arguments.size())
+            value = arguments[i + 1];
+        else if (value.starts_with('='))
+            value.remove_prefix(1);
+        else
+            continue;
+        const std::optional<Loc::Lang> lang = Loc::langOf(value);
+        if (!lang) throw UsageError("--lang takes ru or en, not '" + std::string(value) + "'");
+        Loc::setOverride(lang);
+    }
+}
+
 /// The parser's words as one sentence without line feeds.
 std::string sentence(std::string text)
 {
@@ -161,6 +224,7 @@ std::string versionText()
 
 Command parseArguments(const std::vector<std::string>& arguments)
 {
+    chooseLanguage(arguments);
     CLI::App app("A digital darkroom: prints a photograph through a simulation of film.", "tamlo");
     app.set_version_flag("--version", versionText());
     app.footer(kFooter);
@@ -180,12 +244,12 @@ Command parseArguments(const std::vector<std::string>& arguments)
     auto* measureCommand =
         app.add_subcommand("measure", "Measure a film, and a paper under it, as a data sheet does");
     describeMeasure(*measureCommand, measure);
-    auto* listCommand = app.add_subcommand("list", "List films, lenses, papers or filters");
-    listCommand->add_option("KIND", list.kind, "films, lenses, papers or filters")->required();
-    listCommand->add_flag("--json", list.json, "As a JSON array");
-    auto* showCommand = app.add_subcommand("show", "Print a profile as JSON");
-    showCommand->add_option("KIND", show.kind, "film, lens, paper or filter")->required();
-    showCommand->add_option("ID", show.id, "Its id, as told by tamlo list")->required();
+    CheckArguments check;
+    ImportArguments import;
+    ExportArguments exported;
+    describeCatalogue(app, list, show, check, import, exported);
+    app.add_option("--lang", "Language of messages and names: ru or en")->type_name("LANG");
+    for (CLI::App* command : app.get_subcommands(nullptr)) command->fallthrough();
 
     try {
         std::vector<std::string> reversed = withEachSettingNamed(arguments);
@@ -198,15 +262,17 @@ Command parseArguments(const std::vector<std::string>& arguments)
         return Answer{versionText() + "\n"};
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
-            throw UsageError("there is no command '" + arguments[0] +
-                             "'; there are develop, plan, measure, list and show");
+            throw UsageError("there is no command '" + arguments[0] + "'; there are " + commandNames(app));
         throw UsageError(sentence(error.what()) + " (tamlo --help tells the usage)");
     }
     if (developCommand->parsed()) return develop;
     if (planCommand->parsed()) return plan;
     if (measureCommand->parsed()) return measure;
-    if (listCommand->parsed()) return list;
-    return show;
+    if (app.got_subcommand("list")) return list;
+    if (app.got_subcommand("show")) return show;
+    if (app.got_subcommand("check")) return check;
+    if (app.got_subcommand("import")) return import;
+    return exported;
 }
 
 } // namespace tamlo::cli

@@ -2,6 +2,8 @@
 // checked by whoever uses it.
 #pragma once
 
+#include "core/profiles/preset_library.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -15,9 +17,9 @@ namespace tamlo::cli {
 /// The photographs of a run and how they are to be developed.
 struct RenderArguments {
     std::vector<std::filesystem::path> inputs;
-    std::string film = "portra400";
-    std::string lens = "modern_clean";
-    std::optional<std::string> paper; ///< absent: the one that suits the film
+    std::optional<std::string> preset; ///< id, or path of a preset's file
+    /// Absent: the preset's, else portra400, modern_clean and the paper that suits the film.
+    std::optional<std::string> film, lens, paper;
     /// Options of the render that have a name of their own, text by key; absent: as the options have it.
     std::map<std::string, std::string> named;
     std::vector<std::string> settings; ///< "key=value", in order
@@ -57,14 +59,33 @@ struct ShowArguments {
     std::string id;
 };
 
+/// tamlo check FILE…
+struct CheckArguments {
+    std::vector<std::filesystem::path> files;
+};
+
+/// tamlo import FILE… [--on-conflict replace|copy|cancel]
+struct ImportArguments {
+    std::vector<std::filesystem::path> files;
+    PresetConflict onConflict = PresetConflict::ask;
+};
+
+/// tamlo export KIND ID FILE
+struct ExportArguments {
+    std::string kind;
+    std::string id;
+    std::filesystem::path file;
+};
+
 /// What --help and --version answer with: goes to standard output.
 struct Answer {
     std::string text;
 };
 
-using Command =
-    std::variant<DevelopArguments, PlanArguments, MeasureArguments, ListArguments, ShowArguments, Answer>;
+using Command = std::variant<DevelopArguments, PlanArguments, MeasureArguments, ListArguments, ShowArguments,
+                             CheckArguments, ImportArguments, ExportArguments, Answer>;
 
+/// Chooses the language of the run where --lang names one, before anything is said.
 /// Errors: UsageError with one sentence.
 Command parseArguments(const std::vector<std::string>& arguments);
 

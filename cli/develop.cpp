@@ -121,6 +121,7 @@ int develop(const DevelopArguments& arguments, std::ostream& results)
 {
     const std::vector<DevelopJob> jobs = planJobs(arguments);
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    for (const std::string& note : choices.notes) std::cerr << "tamlo: note: " << note << std::endl;
     if (const auto pending = Film::pendingStage(choices.render.film, choices.render.paper))
         std::cerr << "tamlo: note: " << *pending << " can't be drawn yet; the picture passes through"
                   << std::endl;

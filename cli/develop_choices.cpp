@@ -6,30 +6,21 @@
 #include "core/profiles/decode_error.h"
 #include "core/profiles/film_format.h"
 #include "core/profiles/option_table.h"
+#include "core/profiles/process_settings.h"
+#include "core/profiles/profile_json.h"
+#include "core/profiles/user_files.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <fstream>
 #include <set>
-#include <sstream>
+#include <stdexcept>
 #include <utility>
 
 namespace tamlo::cli {
 namespace {
 
 using Kind = ProfileStore::Kind;
-
-std::string readText(const std::filesystem::path& path)
-{
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
-        throw TamloError::io(path.string() + " is a folder, not a file of options");
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) throw TamloError::io("cannot read the options in " + path.string());
-    return text.str();
-}
 
 struct FileOptions {
     RenderOptions options;
@@ -38,7 +29,7 @@ struct FileOptions {
 
 FileOptions readOptions(const std::filesystem::path& path)
 {
-    const std::string text = readText(path);
+    const std::string text = UserFiles::read(path);
     try {
         FileOptions file{decodeOptions(text), {}};
         const nlohmann::json object = nlohmann::json::parse(text);
@@ -102,23 +93,94 @@ std::string defaultPaper(const FilmProfile& film)
     return film.type == "color" ? "color_ra4" : ProfileStore::defaultPaperName(film);
 }
 
+/// The preset of an id, or of a file: one that is there, or that is named as a preset's.
+PresetDocument readPreset(const std::string& idOrFile, const ProfileStore& store)
+{
+    const std::filesystem::path path(idOrFile);
+    std::error_code ignored;
+    const bool isFile = path.extension() == ".tpreset" || path.extension() == ".json" ||
+                        path.has_parent_path() || std::filesystem::is_regular_file(path, ignored);
+    if (!isFile) requireProfile(store, Kind::presets, idOrFile);
+    try {
+        if (!isFile) return store.presetDocument(idOrFile);
+        return PresetDocument::validate(PresetDocument::decode(UserFiles::read(path)), store, true);
+    } catch (const PresetError& error) {
+        throw std::runtime_error(idOrFile + ": " + error.what());
+    }
+}
+
+/// A profile of the catalogue, or one that travels in the preset. A name that the user typed must be there.
+template <typename Profile>
+Profile profileNamed(const ProfileStore& store, Kind kind, const std::string& name,
+                     const PresetDocument& preset, Profile (ProfileStore::*load)(const std::string&) const)
+{
+    const JSONValue& travelling = memberOf(memberOf(preset.embedded(), rawText(kind)), name);
+    if (travelling.is_object() && !store.offers(kind, name)) {
+        try {
+            return ProfileJSON::decodeObject<Profile>(travelling);
+        } catch (const DecodeError& error) {
+            throw std::runtime_error(name + ": " + error.what());
+        }
+    }
+    requireProfile(store, kind, name);
+    return (store.*load)(name);
+}
+
+/// Takes over what the file sets.
+void applyFile(RenderOptions& options, const FileOptions& file)
+{
+    const JsonPath root;
+    for (const std::string& key : file.given) {
+        const OptionRow* row = findOption(key);
+        nlohmann::json value;
+        row->write(file.options, value);
+        if (value.is_null())
+            row->clear(options);
+        else
+            row->read(options, value, JsonPath{&root, key});
+    }
+}
+
 } // namespace
 
 DevelopChoices resolveChoices(const RenderArguments& arguments, const ProfileStore& store)
 {
-    requireProfile(store, Kind::films, arguments.film);
-    requireProfile(store, Kind::lenses, arguments.lens);
-    if (arguments.paper) requireProfile(store, Kind::papers, *arguments.paper);
-
     DevelopChoices choices;
-    RenderChoices& render = choices.render;
-    render.film = store.film(arguments.film);
-    render.lens = store.lens(arguments.lens);
-    render.paper = store.paper(arguments.paper.value_or(defaultPaper(render.film)));
+    ProcessSettings frame{.stock = "portra400",
+                          .lens = "modern_clean",
+                          .paper = "",
+                          .options = {},
+                          .presetName = {},
+                          .modified = false};
+    std::set<std::string> given;
+    PresetDocument document;
+    if (arguments.preset) {
+        document = readPreset(*arguments.preset, store);
+        const Preset preset = document.typed(document.blocks());
+        frame.apply(preset, document.id());
+        for (const auto& [key, value] : preset.opts.values) given.insert(key);
+        choices.notes = document.warnings;
+    }
+    frame.stock = arguments.film.value_or(frame.stock);
+    frame.lens = arguments.lens.value_or(frame.lens);
 
-    FileOptions file;
-    if (arguments.optionsFile) file = readOptions(*arguments.optionsFile);
-    render.options = file.options;
+    RenderChoices& render = choices.render;
+    render.film = profileNamed(store, Kind::films, frame.stock, document, &ProfileStore::film);
+    render.lens = profileNamed(store, Kind::lenses, frame.lens, document, &ProfileStore::lens);
+    std::string paper = arguments.paper.value_or(frame.paper);
+    if (paper.empty()) paper = defaultPaper(render.film);
+    render.paper = profileNamed(store, Kind::papers, paper, document, &ProfileStore::paper);
+    // A recipe's paper is left where the user chose a film that can't be printed on it.
+    const auto& films = render.paper.filmTypes;
+    if (!arguments.paper && films && std::ranges::find(*films, render.film.type) == films->end())
+        render.paper = store.paper(defaultPaper(render.film));
+
+    render.options = frame.options;
+    if (arguments.optionsFile) {
+        const FileOptions file = readOptions(*arguments.optionsFile);
+        applyFile(render.options, file);
+        given.insert(file.given.begin(), file.given.end());
+    }
     std::set<std::string> named;
     for (const std::string& setting : arguments.settings) named.insert(applySetting(render.options, setting));
     for (const auto& [key, text] : arguments.named) {
@@ -126,9 +188,9 @@ DevelopChoices resolveChoices(const RenderArguments& arguments, const ProfileSto
         named.insert(key);
     }
     requireFilters(render.options, named, store);
-    file.given.merge(named);
-    render.options = optionsForFilm(std::move(render.options), render.film, file.given);
-    choices.seedIsGiven = arguments.seed.has_value() || file.given.contains("seed");
+    given.merge(named);
+    render.options = optionsForFilm(std::move(render.options), render.film, given);
+    choices.seedIsGiven = arguments.seed.has_value() || given.contains("seed");
     if (arguments.seed) render.options.seed = *arguments.seed;
     return choices;
 }

@@ -12,12 +12,13 @@ struct DevelopChoices {
     RenderChoices render;
     /// The seed is one for all pictures; else each takes that of its file name.
     bool seedIsGiven = false;
+    std::vector<std::string> notes; ///< what the preset holds that could not be taken as it is
 };
 
-/// Options, from the lowest to the highest: the defaults, the film's own format, the option file, --set in
-/// order, options by a name of their own and --seed. A key may stand in the file in its older camelCase
-/// spelling. Errors: UsageError: an unknown film, lens, paper or filter (names the nearest), a setting that
-/// is not allowed; TamloError io: an option file that can't be read or does not hold options.
+/// Options, from the lowest to the highest: the defaults, the film's own format, the preset, the option file,
+/// --set in order, options by a name of their own and --seed. A key may stand in the file in its older
+/// camelCase spelling. Errors: UsageError: an unknown film, lens, paper or filter (names the nearest), a
+/// setting that is not allowed; TamloError io: an option file that can't be read or does not hold options.
 DevelopChoices resolveChoices(const RenderArguments& arguments, const ProfileStore& store);
 
 } // namespace tamlo::cli

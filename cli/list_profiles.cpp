@@ -1,74 +1,161 @@
 #include "cli/list_profiles.h"
 
 #include "cli/catalogue.h"
+#include "core/image/tamlo_error.h"
+#include "core/profiles/catalogue_groups.h"
+#include "core/profiles/profile_error.h"
+#include "core/text/loc.h"
+#include "platform/unicode.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <ostream>
+#include <array>
+#include <iostream>
+#include <tuple>
 
 namespace tamlo::cli {
 namespace {
 
-using Kind = ProfileStore::Kind;
+using Kind = ProfileKind;
+using CatalogueGroups::Place;
+using nlohmann::ordered_json;
 
 struct Row {
-    std::string id, type, name;
+    Place place;
+    std::string id, group, fidelity, name;
+    ordered_json more; ///< further keys of the JSON form
 };
+
+template <typename Profile>
+Row rowOf(const Profile& profile, const std::string& id, const Place& place)
+{
+    Row row{place,
+            id,
+            place.group.empty() ? "" : T(std::string(place.group)),
+            "",
+            Loc::pick(profile.name.value_or(id), profile.nameEn),
+            ordered_json::object()};
+    if constexpr (requires { profile.fidelity; }) row.fidelity = profile.fidelity.value_or("");
+    if constexpr (requires { std::string(profile.type); })
+        row.more["type"] = profile.type;
+    else if constexpr (requires { profile.type; })
+        if (profile.type) row.more["type"] = *profile.type;
+    return row;
+}
+
+Row presetRow(const PresetDocument& document)
+{
+    const auto& groups = PresetGroups::order();
+    const auto group = std::ranges::find(groups, document.group());
+    Row row{{"", static_cast<int>(group - groups.begin()), 0},
+            document.id(),
+            PresetGroups::title(document.group(), document.groupEn()),
+            "",
+            document.name(),
+            ordered_json::object()};
+    row.more = {{"order", document.order()},
+                {"film", document.stock()},
+                {"lens", document.lens()},
+                {"paper", document.paper()},
+                {"builtin", document.builtin}};
+    return row;
+}
 
 Row describe(const ProfileStore& store, Kind kind, const std::string& id)
 {
-    // English first: the program's own messages on the command line are English.
-    const auto named = [&](const auto& profile, const std::string& type) {
-        return Row{id, type, profile.nameEn.value_or(profile.name.value_or(id))};
-    };
-    if (kind == Kind::films) {
+    switch (kind) {
+    case Kind::films: {
         const FilmProfile film = store.film(id);
-        return named(film, film.type);
+        return rowOf(film, id, CatalogueGroups::ofFilm(film));
     }
-    if (kind == Kind::papers) {
+    case Kind::lenses:
+        return rowOf(store.lens(id), id, CatalogueGroups::ofLens(id));
+    case Kind::papers: {
         const PaperProfile paper = store.paper(id);
-        return named(paper, paper.type.value_or(paper.kind.value_or("")));
+        return rowOf(paper, id, CatalogueGroups::ofPaper(paper, id));
     }
-    if (kind == Kind::lenses) return named(store.lens(id), "");
-    return named(store.filterProfile(id), "");
+    case Kind::filters: {
+        const FilterProfile filter = store.filterProfile(id);
+        return rowOf(filter, id, CatalogueGroups::ofFilter(filter, id));
+    }
+    case Kind::presets:
+        break;
+    }
+    return presetRow(store.presetDocument(id));
+}
+
+/// The catalogue in the order of a picker. One file of the user that can't be read hides no other.
+std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
+{
+    std::vector<Row> rows;
+    const auto tell = [](const std::string& id, const std::exception& error) {
+        std::cerr << "tamlo: note: " << id << ": " << error.what() << std::endl;
+    };
+    for (const std::string& id : kind == Kind::films ? store.filmsSorted() : store.list(kind)) {
+        try {
+            rows.push_back(describe(store, kind, id));
+        } catch (const ProfileError& error) {
+            tell(id, error);
+        } catch (const PresetError& error) {
+            tell(id, error);
+        } catch (const TamloError& error) {
+            tell(id, error);
+        }
+    }
+    if (kind == Kind::films) return rows; // sorted by the store
+    const auto key = [](const Row& row) {
+        const double order = row.more.value("order", 0.0);
+        return std::tuple(row.place.groupOrder, row.place.order, order, platform::naturalSortKey(row.name));
+    };
+    std::ranges::stable_sort(rows, {}, key);
+    return rows;
+}
+
+/// Characters as a terminal counts them, near enough: no letter of the catalogue is wide.
+std::size_t width(const std::string& text)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+void writeTable(const std::vector<Row>& rows, std::ostream& out)
+{
+    constexpr std::array kColumns{&Row::id, &Row::group, &Row::fidelity};
+    std::array<std::size_t, kColumns.size()> widths{};
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < kColumns.size(); ++i)
+            widths[i] = std::max(widths[i], width(row.*kColumns[i]));
+    for (const Row& row : rows) {
+        for (std::size_t i = 0; i < kColumns.size(); ++i)
+            if (widths[i] > 0)
+                out << row.*kColumns[i] << std::string(widths[i] - width(row.*kColumns[i]) + 2, ' ');
+        out << row.name << '\n';
+    }
 }
 
 } // namespace
 
 void listProfiles(const ListArguments& arguments, const ProfileStore& store, std::ostream& out)
 {
-    const Kind kind = kindNamed(arguments.kind);
-    std::vector<Row> rows;
-    for (const std::string& id : store.list(kind)) rows.push_back(describe(store, kind, id));
-
-    if (arguments.json) {
-        nlohmann::ordered_json list = nlohmann::ordered_json::array();
-        for (const Row& row : rows) {
-            nlohmann::ordered_json entry{{"id", row.id}, {"name", row.name}};
-            if (!row.type.empty()) entry["type"] = row.type;
-            list.push_back(std::move(entry));
-        }
-        out << list.dump(2) << '\n';
-        return;
-    }
-    std::size_t idWidth = 0, typeWidth = 0;
+    const std::vector<Row> rows = rowsOf(store, kindNamed(arguments.kind));
+    if (!arguments.json) return writeTable(rows, out);
+    ordered_json list = ordered_json::array();
     for (const Row& row : rows) {
-        idWidth = std::max(idWidth, row.id.size());
-        typeWidth = std::max(typeWidth, row.type.size());
+        ordered_json entry{{"id", row.id}, {"name", row.name}, {"group", row.group}};
+        if (!row.fidelity.empty()) entry["fidelity"] = row.fidelity;
+        entry.update(row.more);
+        list.push_back(std::move(entry));
     }
-    for (const Row& row : rows) {
-        out << row.id << std::string(idWidth - row.id.size() + 2, ' ');
-        if (typeWidth > 0) out << row.type << std::string(typeWidth - row.type.size() + 2, ' ');
-        out << row.name << '\n';
-    }
+    out << list.dump(2) << '\n';
 }
 
 void showProfile(const ShowArguments& arguments, const ProfileStore& store, std::ostream& out)
 {
     const Kind kind = kindNamed(arguments.kind);
     requireProfile(store, kind, arguments.id);
-    const std::string text = store.data(kind, arguments.id);
+    const std::string text =
+        kind == Kind::presets ? store.presetDocument(arguments.id).encoded() : store.data(kind, arguments.id);
     out << text;
     if (text.empty() || text.back() != '\n') out << '\n';
 }

@@ -8,8 +8,10 @@
 
 namespace tamlo::cli {
 
-/// A line for each profile: id, sort and name in columns; with --json an array of objects with the keys
-/// "id", "name" and, for films and papers, "type".
+/// A line for each profile, in the order of a picker: id, group, how well grounded it is and name in columns;
+/// with --json an array of objects with the keys "id", "name", "group", and where it has them "type",
+/// "fidelity"; for presets "order", "film", "lens", "paper" and "builtin". A file of the user that can't be
+/// read is told on standard error.
 /// Errors: UsageError for an unknown kind; those of the store.
 void listProfiles(const ListArguments& arguments, const ProfileStore& store, std::ostream& out);
 

@@ -2,6 +2,7 @@
 
 #include "cli/arguments.h"
 #include "cli/develop.h"
+#include "cli/exchange.h"
 #include "cli/list_profiles.h"
 #include "cli/measure.h"
 #include "cli/plan.h"
@@ -27,6 +28,19 @@ struct Runner {
     int operator()(const ShowArguments& arguments) const
     {
         showProfile(arguments, ProfileStore::shared(), std::cout);
+        return 0;
+    }
+    int operator()(const CheckArguments& arguments) const
+    {
+        return checkFiles(arguments, ProfileStore::shared(), std::cout);
+    }
+    int operator()(const ImportArguments& arguments) const
+    {
+        return importFiles(arguments, ProfileStore::shared(), std::cout);
+    }
+    int operator()(const ExportArguments& arguments) const
+    {
+        exportOne(arguments, ProfileStore::shared(), std::cout);
         return 0;
     }
     int operator()(const Answer& answer) const

@@ -3,9 +3,8 @@
 #include "cli/data_sheet.h"
 #include "cli/develop_choices.h"
 #include "cli/usage_error.h"
-#include "core/image/tamlo_error.h"
-#include "platform/atomic_file.h"
-#include "platform/platform_error.h"
+#include "core/profiles/user_files.h"
+#include "core/text/loc.h"
 
 #include <nlohmann/json.hpp>
 
@@ -88,21 +87,10 @@ std::string asText(const std::string& title, const Report& report)
     return text;
 }
 
-void writeSheet(const std::filesystem::path& path, const std::string& svg)
-{
-    try {
-        platform::AtomicFile file(path.string());
-        file.write({reinterpret_cast<const std::uint8_t*>(svg.data()), svg.size()});
-        file.commit();
-    } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + path.string() + ": " + error.what());
-    }
-}
-
 template <typename Profile>
 std::string nameOf(const Profile& profile, const std::string& id)
 {
-    return profile.nameEn.value_or(profile.name.value_or(id));
+    return Loc::pick(profile.name.value_or(id), profile.nameEn);
 }
 
 } // namespace
@@ -115,11 +103,11 @@ int measure(const MeasureArguments& arguments, std::ostream& results)
     const Report report =
         Sensitometry::measure(render.film, arguments.paper ? &render.paper : nullptr, render.options);
 
-    const std::string film = nameOf(render.film, arguments.film);
+    const std::string film = nameOf(render.film, *arguments.film);
     const std::string paper = arguments.paper ? nameOf(render.paper, *arguments.paper) : "";
-    if (arguments.plot) writeSheet(*arguments.plot, dataSheet(film, paper, report));
+    if (arguments.plot) UserFiles::write(*arguments.plot, dataSheet(film, paper, report));
     if (arguments.json)
-        results << asJson(arguments.film, arguments.paper, report).dump(2) << std::endl;
+        results << asJson(*arguments.film, arguments.paper, report).dump(2) << std::endl;
     else
         results << asText(paper.empty() ? film : film + " on " + paper, report);
     return 0;

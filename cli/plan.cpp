@@ -76,6 +76,7 @@ std::string asText(const fs::path& input, const OutputPlan& plan)
 int plan(const PlanArguments& arguments, std::ostream& results)
 {
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    for (const std::string& note : choices.notes) std::cerr << "tamlo: note: " << note << std::endl;
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     std::vector<std::string> failures;
     for (const fs::path& input : arguments.inputs) {

@@ -8,7 +8,7 @@ foreach(name IN LISTS files)
   string(APPEND rows "        {\"${name}\", R\"tamlo(${text})tamlo\"},\n")
 endforeach()
 file(WRITE ${OUT} "// Made from core/profiles/data by cmake/EmbedProfiles.cmake.
-#include \"core/profiles/bundled_profiles.h\"
+#include \"core/text/bundled_profiles.h\"
 
 namespace tamlo::BundledProfiles {
 

@@ -1,12 +1,40 @@
 #include "core/profiles/json_codec.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace tamlo {
 
+namespace {
+
+/// How deep blocks and lists lie in each other, whatever else is wrong with the text.
+int deepestLevel(std::string_view text)
+{
+    int level = 0, deepest = 0;
+    bool quoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quoted) {
+            if (c == '\\') ++i;
+            quoted = c != '"';
+        } else if (c == '"') {
+            quoted = true;
+        } else if (c == '{' || c == '[') {
+            deepest = std::max(deepest, ++level);
+        } else if (c == '}' || c == ']') {
+            --level;
+        }
+    }
+    return deepest;
+}
+
+} // namespace
+
 Json parseJsonText(std::string_view text)
 {
+    if (deepestLevel(text) > kDeepestJson)
+        throw DecodeError::notJson("blocks lie more than " + std::to_string(kDeepestJson) + " deep");
     try {
         return Json::parse(text);
     } catch (const Json::exception& error) {
@@ -15,6 +43,11 @@ Json parseJsonText(std::string_view text)
         const auto bracket = what.find("] ");
         throw DecodeError::notJson(bracket == std::string_view::npos ? what : what.substr(bracket + 2));
     }
+}
+
+std::string prettyJson(const Json& value)
+{
+    return value.dump(2, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string_view jsonTypeName(const Json& value)

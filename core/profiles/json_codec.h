@@ -13,8 +13,12 @@ namespace tamlo {
 
 using Json = nlohmann::json;
 
-/// Errors: DecodeError notJson.
+/// Errors: DecodeError notJson, also for blocks and lists that lie more than kDeepestJson deep in each other.
 Json parseJsonText(std::string_view text);
+/// No format of ours goes deeper than six; what writes and frees a value calls itself for each level.
+inline constexpr int kDeepestJson = 64;
+/// Pretty-printed with sorted keys, slashes as they are; bytes that are no text become U+FFFD.
+std::string prettyJson(const Json& value);
 /// "a number", "null", "a text": what a JSON value is, for a message.
 std::string_view jsonTypeName(const Json& value);
 /// An integer of the range of 64 bits, which a JSON number may also be written with a zero fraction.

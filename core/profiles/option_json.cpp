@@ -75,7 +75,7 @@ Json optionsToJson(const RenderOptions& options)
 
 std::string encodeOptions(const RenderOptions& options)
 {
-    return optionsToJson(options).dump(2, ' ', false, Json::error_handler_t::replace);
+    return prettyJson(optionsToJson(options));
 }
 
 } // namespace tamlo

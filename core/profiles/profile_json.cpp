@@ -9,13 +9,19 @@ namespace ProfileJSON {
 template <typename Profile>
 Profile decode(std::string_view text)
 {
-    return readFields<Profile>(parseJsonText(text), JsonPath{});
+    return decodeObject<Profile>(parseJsonText(text));
+}
+
+template <typename Profile>
+Profile decodeObject(const Json& value)
+{
+    return readFields<Profile>(value, JsonPath{});
 }
 
 template <typename Profile>
 std::string encode(const Profile& profile)
 {
-    return writeFields(profile).dump(2);
+    return prettyJson(writeFields(profile));
 }
 
 template <typename Profile>
@@ -36,6 +42,7 @@ std::vector<std::string> unknownKeys(std::string_view text)
 
 #define TAMLO_PROFILE_FORMAT(T)                                                                              \
     template T decode(std::string_view);                                                                     \
+    template T decodeObject(const Json&);                                                                    \
     template std::string encode(const T&);                                                                   \
     template std::vector<FieldDoc> fields<T>();                                                              \
     template std::vector<std::string> unknownKeys<T>(std::string_view)

@@ -7,6 +7,8 @@
 #include "core/profiles/lens_profile.h"
 #include "core/profiles/paper_profile.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string_view>
 
 namespace tamlo {
@@ -19,6 +21,10 @@ namespace ProfileJSON {
 /// Errors: DecodeError, when the text is not JSON or not such a profile.
 template <typename Profile>
 Profile decode(std::string_view text);
+
+/// The profile of a JSON value. Errors: those of decode.
+template <typename Profile>
+Profile decodeObject(const nlohmann::json& value);
 
 /// Pretty-printed JSON with sorted keys.
 template <typename Profile>

@@ -1,18 +1,22 @@
 #include "core/profiles/profile_store.h"
 
 #include "core/image/tamlo_error.h"
-#include "core/profiles/bundled_profiles.h"
+#include "core/profiles/catalogue_groups.h"
 #include "core/profiles/json_codec.h"
 #include "core/profiles/nearest_text.h"
 #include "core/profiles/profile_error.h"
 #include "core/profiles/profile_json.h"
+#include "core/profiles/user_files.h"
+#include "core/text/bundled_profiles.h"
+#include "core/text/loc.h"
+#include "platform/environment.h"
+#include "platform/unicode.h"
+#include "platform/user_folder.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <fstream>
+#include <limits>
 #include <set>
-#include <sstream>
 
 namespace tamlo {
 
@@ -21,62 +25,30 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kUserExtension = ".tprofile";
+constexpr const char* kHiddenFlag = "hidden:";
+constexpr const char* kRenderableFlag = "renderable:";
 
-std::optional<fs::path> environmentPath(const char* name)
+std::string bundledKey(ProfileKind kind, const std::string& name)
 {
-    const char* value = std::getenv(name);
-    if (!value || !*value) return std::nullopt;
-    return fs::path(value);
+    return std::string(rawText(kind)) + "/" + name + ".json";
 }
 
-/// "Tamlo" in the folder where the desktop keeps a user's application data (XDG base directories).
-fs::path findUserRoot()
+/// Names of the carried profiles of a kind, sorted.
+std::vector<std::string> bundledNames(ProfileKind kind)
 {
-    if (const auto given = environmentPath("TAMLO_USER_DIR")) return *given;
-    if (const auto data = environmentPath("XDG_DATA_HOME")) return *data / "Tamlo";
-    if (const auto home = environmentPath("HOME")) return *home / ".local" / "share" / "Tamlo";
-    return fs::path("Tamlo");
+    const std::string folder = std::string(rawText(kind)) + "/";
+    constexpr std::string_view kJson = ".json";
+    std::vector<std::string> names;
+    for (const auto& [key, text] : BundledProfiles::files())
+        if (key.starts_with(folder))
+            names.emplace_back(key.substr(folder.size(), key.size() - folder.size() - kJson.size()));
+    return names;
 }
 
-bool staysInFolder(std::string_view name)
+template <std::size_t N>
+bool isAmong(const std::array<std::string_view, N>& texts, const Json& profile, const char* key)
 {
-    return !name.empty() && name.find_first_of(std::string_view("/\\\0", 3)) == std::string_view::npos &&
-           name.find("..") == std::string_view::npos;
-}
-
-std::string bundledKey(ProfileStore::Kind kind, const std::string& name)
-{
-    return std::string(ProfileStore::rawText(kind)) + "/" + name + ".json";
-}
-
-std::optional<std::string> readIfThere(const fs::path& path)
-{
-    std::error_code ignored; // a path that can't be looked at is one that isn't there
-    if (!fs::is_regular_file(path, ignored)) return std::nullopt;
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (file) text << file.rdbuf();
-    if (!file || file.bad()) throw TamloError::io("can't read the profile " + path.string());
-    return std::move(text).str();
-}
-
-/// The text under a key of a JSON object, or nothing.
-std::string textOf(const Json& object, const char* key)
-{
-    const auto found = object.find(key);
-    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
-}
-
-bool isRenderable(ProfileStore::Kind kind, const Json& profile)
-{
-    constexpr std::array<std::string_view, 6> kFilmTypes{"color",   "bw",        "slide",
-                                                         "instant", "collodion", "tricolor"};
-    constexpr std::array<std::string_view, 4> kPaperKinds{"silver", "scan", "repro", "plate"};
-    if (kind == ProfileStore::Kind::films)
-        return std::ranges::find(kFilmTypes, textOf(profile, "type")) != kFilmTypes.end();
-    if (kind == ProfileStore::Kind::papers)
-        return std::ranges::find(kPaperKinds, textOf(profile, "kind")) != kPaperKinds.end();
-    return true;
+    return std::ranges::find(texts, stringValue(memberOf(profile, key)).value_or("")) != texts.end();
 }
 
 template <typename Profile>
@@ -86,48 +58,43 @@ Profile decodeNamed(const ProfileStore& store, ProfileStore::Kind kind, const st
     try {
         return ProfileJSON::decode<Profile>(text);
     } catch (const DecodeError& error) {
-        throw ProfileError::invalid(std::string(ProfileStore::rawText(kind)) + "/" + name + ": " +
-                                    error.what());
+        throw ProfileError::invalid(std::string(rawText(kind)) + "/" + name + ": " + error.what());
     }
 }
 
 } // namespace
 
-const ProfileStore& ProfileStore::shared()
+ProfileStore& ProfileStore::shared()
 {
-    static const ProfileStore store;
+    static ProfileStore store;
     return store;
 }
 
-ProfileStore::ProfileStore(std::optional<fs::path> overrideRoot)
-    : overrideRoot_(std::move(overrideRoot)), userRoot_(findUserRoot())
+ProfileStore::ProfileStore(std::optional<Path> overrideRoot)
+    : overrideRoot_(std::move(overrideRoot)), userRoot_(platform::userFolder())
 {
     if (overrideRoot_) return;
     std::error_code ignored;
-    const auto given = environmentPath("TAMLO_PROFILES");
-    if (given && fs::exists(*given, ignored)) overrideRoot_ = given;
-}
-
-std::string_view ProfileStore::rawText(Kind kind)
-{
-    constexpr std::array<std::string_view, 5> kTexts{"films", "lenses", "papers", "presets", "filters"};
-    return kTexts[static_cast<std::size_t>(kind)];
+    const auto given = platform::environmentVariable("TAMLO_PROFILES");
+    if (given && !given->empty() && fs::exists(*given, ignored)) overrideRoot_ = *given;
 }
 
 fs::path ProfileStore::userFile(Kind kind, const std::string& name) const
 {
+    if (kind == Kind::presets)
+        return userRoot_ / "presets" / (name + "." + std::string(PresetSchema::fileExtension));
     return userRoot_ / "profiles" / rawText(kind) / (name + std::string(kUserExtension));
 }
 
 std::optional<std::string> ProfileStore::find(Kind kind, const std::string& name) const
 {
-    if (!staysInFolder(name)) return std::nullopt;
+    if (!UserFiles::staysInFolder(name)) return std::nullopt;
     const std::string key = bundledKey(kind, name);
     if (overrideRoot_)
-        if (auto text = readIfThere(*overrideRoot_ / key)) return text;
+        if (auto text = UserFiles::readIfThere(*overrideRoot_ / key)) return text;
     const auto carried = BundledProfiles::files().find(key);
     if (carried != BundledProfiles::files().end()) return std::string(carried->second);
-    return readIfThere(userFile(kind, name));
+    return UserFiles::readIfThere(userFile(kind, name));
 }
 
 std::string ProfileStore::data(Kind kind, const std::string& name) const
@@ -157,42 +124,101 @@ FilterProfile ProfileStore::filterProfile(const std::string& name) const
     return decodeNamed<FilterProfile>(*this, Kind::filters, name);
 }
 
-bool ProfileStore::isOffered(Kind kind, const std::string& name, bool builtIn) const
+bool ProfileStore::isBuiltin(Kind kind, const std::string& name) const
 {
-    // A file that can't be read or parsed is no failure of the list: it is just not offered.
-    try {
-        const std::optional<std::string> text = find(kind, name);
-        if (!text) return false;
-        const Json profile = parseJsonText(*text);
-        if (!profile.is_object()) return false;
-        const auto hidden = profile.find("hidden");
-        if (hidden != profile.end() && hidden->is_boolean() && hidden->get<bool>()) return false;
-        return builtIn || isRenderable(kind, profile);
-    } catch (const DecodeError&) {
-        return false;
-    } catch (const TamloError&) {
-        return false;
-    }
+    return BundledProfiles::files().contains(bundledKey(kind, name));
+}
+
+/// What a profile says of itself; null when it can't be read.
+template <typename Judge>
+bool ProfileStore::flag(const char* flag, Kind kind, const std::string& name, Judge&& judge) const
+{
+    return flags_.flag(flag + bundledKey(kind, name), [&] {
+        try {
+            const std::optional<std::string> text = find(kind, name);
+            const Json profile = text ? parseJsonText(*text) : Json();
+            return profile.is_object() && judge(profile);
+        } catch (const DecodeError&) {
+            return false;
+        } catch (const TamloError&) {
+            return false;
+        }
+    });
+}
+
+bool ProfileStore::isMarkedHidden(Kind kind, const std::string& name) const
+{
+    return flag(kHiddenFlag, kind, name,
+                [](const Json& profile) { return boolValue(memberOf(profile, "hidden")).value_or(false); });
+}
+
+bool ProfileStore::isRenderable(Kind kind, const std::string& name) const
+{
+    return flag(kRenderableFlag, kind, name, [&](const Json& profile) {
+        if (isBuiltin(kind, name)) return true;
+        if (kind == Kind::films) return isAmong(kSupportedFilmTypes, profile, "type");
+        if (kind == Kind::papers) return isAmong(kSupportedPaperKinds, profile, "kind");
+        return true;
+    });
+}
+
+void ProfileStore::forget(Kind kind, const std::string& name)
+{
+    for (const char* flag : {kHiddenFlag, kRenderableFlag}) flags_.forget(flag + bundledKey(kind, name));
 }
 
 std::vector<std::string> ProfileStore::list(Kind kind, bool includeHidden) const
 {
-    const std::string folder = std::string(rawText(kind)) + "/";
-    constexpr std::string_view kJson = ".json";
-    std::set<std::string> builtIn;
-    for (const auto& [key, text] : BundledProfiles::files())
-        if (key.starts_with(folder))
-            builtIn.emplace(key.substr(folder.size(), key.size() - folder.size() - kJson.size()));
-
-    std::set<std::string> names = builtIn;
+    std::vector<std::string> out;
+    if (kind == Kind::presets) {
+        for (const PresetEntry& entry : presetEntries(includeHidden)) out.push_back(entry.id);
+        return out;
+    }
+    const std::vector<std::string> carried = bundledNames(kind);
+    std::set<std::string> names(carried.begin(), carried.end());
     std::error_code none; // without a folder of his own the user has no profiles
     for (const fs::directory_entry& entry : fs::directory_iterator(userFile(kind, "").parent_path(), none))
-        if (entry.path().extension() == kUserExtension && staysInFolder(entry.path().stem().string()))
+        if (entry.path().extension() == kUserExtension &&
+            UserFiles::staysInFolder(entry.path().stem().string()))
             names.insert(entry.path().stem().string());
-
-    std::vector<std::string> out;
     for (const std::string& name : names)
-        if (includeHidden || isOffered(kind, name, builtIn.contains(name))) out.push_back(name);
+        if (includeHidden || (isRenderable(kind, name) && !isMarkedHidden(kind, name))) out.push_back(name);
+    return out;
+}
+
+bool ProfileStore::offers(Kind kind, const std::string& name) const
+{
+    if (kind == Kind::presets) {
+        const auto ids = listPresets();
+        return std::ranges::find(ids, name) != ids.end();
+    }
+    return UserFiles::staysInFolder(name) && isRenderable(kind, name) && !isMarkedHidden(kind, name);
+}
+
+std::vector<std::string> ProfileStore::filmsSorted() const
+{
+    struct Key {
+        int group;
+        std::string brand, name, id;
+        auto operator<=>(const Key&) const = default;
+    };
+    std::vector<Key> films;
+    for (const std::string& id : list(Kind::films)) {
+        Key key{std::numeric_limits<int>::max(), "", platform::naturalSortKey(id), id};
+        try {
+            const FilmProfile profile = film(id);
+            const std::string name = Loc::pick(profile.name.value_or(id), profile.nameEn);
+            key = {CatalogueGroups::ofFilm(profile).groupOrder,
+                   platform::naturalSortKey(CatalogueGroups::filmBrand(name)), platform::naturalSortKey(name),
+                   id};
+        } catch (const ProfileError&) {
+            // Listed last under its id: the picker tells what is wrong with it.
+        }
+        films.push_back(std::move(key));
+    }
+    std::ranges::sort(films);
+    std::vector<std::string> out;
+    for (Key& key : films) out.push_back(std::move(key.id));
     return out;
 }
 

@@ -1,4 +1,5 @@
-// The profiles that the program carries inside: the JSON files of data/, embedded when it is built.
+// What the program carries inside: the JSON files of core/profiles/data, films to presets and the two tables
+// of texts, embedded when it is built. It stands below the texts, which are read from it.
 #pragma once
 
 #include <map>

@@ -1,0 +1,182 @@
+#include "cli/exchange.h"
+
+#include "cli/catalogue.h"
+#include "core/image/tamlo_error.h"
+#include "core/profiles/decode_error.h"
+#include "core/profiles/profile_json.h"
+#include "core/profiles/profile_validator.h"
+#include "core/profiles/user_files.h"
+#include "core/text/loc.h"
+
+#include <algorithm>
+#include <iostream>
+#include <stdexcept>
+
+namespace tamlo::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = ProfileKind;
+using ProfileValidator::Failure;
+
+std::string kindTitle(Kind kind)
+{
+    return T("profiles.kind." + std::string(rawText(kind)));
+}
+
+void tellNote(const fs::path& file, const std::string& note)
+{
+    std::cerr << "tamlo: note: " << file.string() << ": " << note << std::endl;
+}
+
+/// What a file's readers find beside the numbers, and nothing that a user may have misspelled.
+bool ridesAlong(const std::string& key)
+{
+    return key == "format" || key == "id" || key.ends_with("note") || key.ends_with("iso") ||
+           key.ends_with("rms_granularity");
+}
+
+std::vector<std::string> unknownKeys(Kind kind, const std::string& data)
+{
+    std::vector<std::string> keys;
+    if (kind == Kind::films) keys = ProfileJSON::unknownKeys<FilmProfile>(data);
+    if (kind == Kind::lenses) keys = ProfileJSON::unknownKeys<LensProfile>(data);
+    if (kind == Kind::papers) keys = ProfileJSON::unknownKeys<PaperProfile>(data);
+    if (kind == Kind::filters) keys = ProfileJSON::unknownKeys<FilterProfile>(data);
+    std::erase_if(keys, ridesAlong);
+    return keys;
+}
+
+void tellUnknownKeys(const fs::path& file, Kind kind, const std::string& data)
+{
+    std::string list;
+    for (const std::string& key : unknownKeys(kind, data)) list += (list.empty() ? "" : ", ") + key;
+    if (!list.empty()) tellNote(file, T("cli.unknownKeys", {{"list", list}}));
+}
+
+bool isPreset(const std::string& data)
+{
+    return ProfileValidator::guessKind(data) == Kind::presets;
+}
+
+/// A preset as it would be taken in, with the profiles inside it.
+std::string checkPreset(const fs::path& file, const std::string& data, const ProfileStore& store)
+{
+    const PresetDocument document = PresetDocument::validate(PresetDocument::decode(data), store, true);
+    for (const std::string& note : document.warnings) tellNote(file, note);
+    for (const Kind kind : kProfileKinds) {
+        const JSONValue* profiles = objectValue(memberOf(document.embedded(), rawText(kind)));
+        if (!profiles || kind == Kind::presets) continue;
+        for (const auto& [name, profile] : profiles->items())
+            ProfileValidator::validate(kind, profile.dump(), store);
+    }
+    return document.name();
+}
+
+void checkOne(const fs::path& file, const ProfileStore& store, std::ostream& results)
+{
+    const std::string data = UserFiles::read(file);
+    Kind kind = Kind::presets;
+    std::string title;
+    if (isPreset(data)) {
+        title = checkPreset(file, data, store);
+    } else {
+        const ProfileStore::Incoming incoming = store.inspectImport(file);
+        kind = incoming.kind;
+        title = incoming.title;
+        tellUnknownKeys(file, kind, data);
+    }
+    results << file.string() << ": " << kindTitle(kind) << ", " << title << std::endl;
+}
+
+void importPreset(const fs::path& file, PresetConflict onConflict, ProfileStore& store, std::ostream& results)
+{
+    const PresetImportResult result = store.importPreset(file, onConflict);
+    for (const std::string& note : result.warnings) tellNote(file, note);
+    if (result.action == PresetImportResult::Action::cancelled)
+        return tellNote(file, T("cli.importSkipped", {{"id", result.id}}));
+    results << T("profiles.added", {{"name", store.presetDocument(result.id).name()}, {"id", result.id}})
+            << std::endl;
+}
+
+void importProfile(const fs::path& file, PresetConflict onConflict, ProfileStore& store,
+                   std::ostream& results)
+{
+    const ProfileStore::Incoming incoming = store.inspectImport(file);
+    std::string id = incoming.id;
+    if (incoming.conflicts) {
+        if (onConflict == PresetConflict::cancel) return tellNote(file, T("cli.importSkipped", {{"id", id}}));
+        if (onConflict == PresetConflict::ask) throw PresetError(T("cli.idTaken", {{"id", id}}), true);
+        if (onConflict == PresetConflict::copy)
+            id = store.freeName(incoming.kind, id);
+        else if (store.isBuiltin(incoming.kind, id))
+            throw PresetError(T("cli.builtinStays", {{"id", id}}));
+    }
+    store.saveUserProfile(incoming.kind, id, incoming.data);
+    tellUnknownKeys(file, incoming.kind, incoming.data);
+    results << T("profiles.added", {{"name", incoming.title}, {"id", id}}) << std::endl;
+}
+
+/// Runs the work on each file; a failure is told with the file's name and the next one follows.
+template <typename Work>
+int forEachFile(const std::vector<fs::path>& files, Work&& work)
+{
+    int status = 0;
+    const auto tell = [&](const fs::path& file, const std::string& text) {
+        const bool named = text.find(file.filename().string()) != std::string::npos;
+        std::cerr << "tamlo: " << (named ? "" : file.string() + ": ") << text << std::endl;
+        status = 1;
+    };
+    for (const fs::path& file : files) {
+        try {
+            work(file);
+        } catch (const Failure& failure) {
+            for (const std::string& message : failure.messages()) tell(file, message);
+        } catch (const PresetError& error) {
+            tell(file, error.what() + (error.idTaken() ? T("cli.conflictHint") : ""));
+        } catch (const DecodeError& error) {
+            tell(file, error.what());
+        } catch (const TamloError& error) {
+            tell(file, error.what());
+        }
+    }
+    return status;
+}
+
+} // namespace
+
+int checkFiles(const CheckArguments& arguments, const ProfileStore& store, std::ostream& results)
+{
+    return forEachFile(arguments.files, [&](const fs::path& file) { checkOne(file, store, results); });
+}
+
+int importFiles(const ImportArguments& arguments, ProfileStore& store, std::ostream& results)
+{
+    return forEachFile(arguments.files, [&](const fs::path& file) {
+        if (isPreset(UserFiles::read(file)))
+            importPreset(file, arguments.onConflict, store, results);
+        else
+            importProfile(file, arguments.onConflict, store, results);
+    });
+}
+
+void exportOne(const ExportArguments& arguments, const ProfileStore& store, std::ostream& results)
+{
+    const Kind kind = kindNamed(arguments.kind);
+    requireProfile(store, kind, arguments.id);
+    fs::path file = arguments.file;
+    if (kind == Kind::presets) {
+        try {
+            file = store.exportPreset(arguments.id, file);
+        } catch (const PresetError& error) {
+            throw std::runtime_error(arguments.id + ": " + error.what());
+        }
+    } else {
+        std::error_code ignored;
+        if (fs::is_directory(file, ignored)) file /= arguments.id + ".tprofile";
+        store.exportProfile(kind, arguments.id, file);
+    }
+    results << file.string() << std::endl;
+}
+
+} // namespace tamlo::cli

@@ -1,0 +1,17 @@
+#include "core/profiles/process_settings.h"
+
+namespace tamlo {
+
+void ProcessSettings::apply(const Preset& preset, const std::string& name)
+{
+    const PresetSchema::KeySet keys = PresetSchema::keys(preset.blocks);
+    if (keys.contains("stock") && preset.stock) stock = *preset.stock;
+    if (keys.contains("lens") && preset.lens) lens = *preset.lens;
+    if (keys.contains("paper")) paper = preset.paper.value_or("");
+    reset(options, preset.blocks);
+    tamlo::apply(options, preset.opts, {});
+    presetName = preset.name.empty() ? name : preset.name;
+    modified = false;
+}
+
+} // namespace tamlo

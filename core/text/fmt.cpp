@@ -1,0 +1,17 @@
+#include "core/text/fmt.h"
+
+#include <cstdio>
+
+namespace tamlo {
+
+std::string Fmt::number(double value, int digits)
+{
+    std::string text(static_cast<std::size_t>(std::snprintf(nullptr, 0, "%.*f", digits, value)), '\0');
+    std::snprintf(text.data(), text.size() + 1, "%.*f", digits, value);
+    if (text.find('.') == std::string::npos) return text;
+    while (text.back() == '0') text.pop_back();
+    if (text.back() == '.') text.pop_back();
+    return text;
+}
+
+} // namespace tamlo

@@ -1,0 +1,98 @@
+#include "platform/unicode.h"
+
+#include "platform/platform_error.h"
+
+#include <unicode/brkiter.h>
+#include <unicode/coll.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <memory>
+
+namespace tamlo::platform {
+namespace {
+
+icu::UnicodeString decoded(std::string_view text)
+{
+    return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+}
+
+std::string encoded(const icu::UnicodeString& text)
+{
+    std::string out;
+    text.toUTF8String(out);
+    return out;
+}
+
+void check(UErrorCode code)
+{
+    if (U_FAILURE(code)) throw PlatformError(std::string("the Unicode library failed: ") + u_errorName(code));
+}
+
+std::unique_ptr<icu::Collator> makeNaturalCollator()
+{
+    UErrorCode code = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale::getRoot(), code));
+    check(code);
+    collator->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, code);
+    check(code);
+    return collator;
+}
+
+} // namespace
+
+std::string lowerCased(std::string_view text)
+{
+    return encoded(decoded(text).toLower(icu::Locale::getRoot()));
+}
+
+std::string trimmed(std::string_view text)
+{
+    icu::UnicodeString line = decoded(text);
+    std::int32_t begin = 0, end = line.length();
+    while (begin < end && u_isUWhiteSpace(line.char32At(begin))) begin = line.moveIndex32(begin, 1);
+    while (end > begin && u_isUWhiteSpace(line.char32At(end - 1))) end = line.moveIndex32(end, -1);
+    return encoded(line.tempSubStringBetween(begin, end));
+}
+
+std::string whiteSpaceReplaced(std::string_view text, std::string_view replacement)
+{
+    const icu::UnicodeString line = decoded(text), instead = decoded(replacement);
+    icu::UnicodeString out;
+    bool inRun = false;
+    for (std::int32_t i = 0; i < line.length(); i = line.moveIndex32(i, 1)) {
+        const UChar32 c = line.char32At(i);
+        const bool space = u_isUWhiteSpace(c);
+        if (!space)
+            out.append(c);
+        else if (!inRun)
+            out.append(instead);
+        inRun = space;
+    }
+    return encoded(out);
+}
+
+std::string firstCharacters(std::string_view text, std::size_t count)
+{
+    const icu::UnicodeString line = decoded(text);
+    UErrorCode code = U_ZERO_ERROR;
+    const std::unique_ptr<icu::BreakIterator> characters(
+        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), code));
+    check(code);
+    characters->setText(line);
+    std::int32_t end = 0;
+    for (std::size_t i = 0; i < count && end < line.length(); ++i) end = characters->next();
+    return encoded(line.tempSubStringBetween(0, end));
+}
+
+std::string naturalSortKey(std::string_view text)
+{
+    static const std::unique_ptr<const icu::Collator> kCollator = makeNaturalCollator();
+    const icu::UnicodeString line = decoded(text);
+    const std::int32_t size = kCollator->getSortKey(line, nullptr, 0);
+    std::string key(static_cast<std::size_t>(size), '\0');
+    kCollator->getSortKey(line, reinterpret_cast<std::uint8_t*>(key.data()), size);
+    return key;
+}
+
+} // namespace tamlo::platform
