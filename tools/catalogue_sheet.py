@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Prints one photograph on every film, or one negative on every paper, as a sheet with names.
+"""Prints one photograph on every film, one negative on every paper, or by every recipe, with names.
 
     tools/catalogue_sheet.py films PHOTO SHEET.jpg [--long 480] [--columns 8] [-- options of tamlo develop]
     tools/catalogue_sheet.py papers PHOTO SHEET.jpg [...]
+    tools/catalogue_sheet.py presets PHOTO SHEET.jpg [...]
 
 Films go on the paper that suits their type, papers take the film that fits them. Materials whose process is
 not built yet are marked with a dash. Needs python3-pil and a build (./check or ./run).
@@ -48,14 +49,20 @@ def film_for(paper):
 
 
 def choices(kind):
-    """(label, film, paper) of every cell."""
-    if kind == "films":
-        for film in listing("films"):
-            yield film, film, PAPERS[profile("films", film)["type"]]
-    else:
-        for paper in listing("papers"):
-            film = film_for(profile("papers", paper))
-            yield paper, film, paper
+    """The label of every cell and what it is developed with."""
+    for name in listing(kind):
+        if kind == "films":
+            yield name, ["--film", name, "--paper", PAPERS[profile("films", name)["type"]]]
+        elif kind == "papers":
+            yield name, ["--film", film_for(profile("papers", name)), "--paper", name]
+        else:
+            yield name, ["--preset", name]
+
+
+def shortened(label, draw, font, width_px):
+    while draw.textlength(label, font=font) > width_px:
+        label = label[:-2] + "…"
+    return label
 
 
 def main():
@@ -64,20 +71,21 @@ def main():
         cut = own.index("--")
         own, rest = own[:cut], own[cut + 1:]
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("kind", choices=("films", "papers"))
+    parser.add_argument("kind", choices=("films", "papers", "presets"))
     parser.add_argument("photo", type=pathlib.Path)
     parser.add_argument("sheet", type=pathlib.Path)
     parser.add_argument("--long", type=int, default=480, help="long side of a picture, in pixels")
     parser.add_argument("--columns", type=int, default=8)
+    parser.add_argument("--quality", type=int, default=82, help="of the JPEG")
     args = parser.parse_args(own)
 
     cells = []
     with tempfile.TemporaryDirectory() as folder:
-        for label, film, paper in choices(args.kind):
+        for label, material in choices(args.kind):
             out = pathlib.Path(folder) / f"{label}.png"
             run = subprocess.run(
-                [TAMLO, "develop", args.photo, "-o", out, "--film", film, "--paper", paper,
-                 "--long", str(args.long), *rest], capture_output=True, text=True)
+                [TAMLO, "develop", args.photo, "-o", out, *material, "--long", str(args.long), "--lang", "en",
+                 *rest], capture_output=True, text=True)
             if run.returncode != 0:
                 sys.exit(run.stderr.strip().splitlines()[-1])
             pending = "can't be drawn yet" in run.stderr
@@ -93,8 +101,9 @@ def main():
     for i, (label, picture) in enumerate(cells):
         x, y = MARGIN_PX + i % args.columns * width, MARGIN_PX + i // args.columns * height
         sheet.paste(picture, (x, y))
-        draw.text((x, y + picture.height + 2), label, fill="black", font=font)
-    sheet.save(args.sheet, quality=88)
+        draw.text((x, y + picture.height + 2), shortened(label, draw, font, width - MARGIN_PX), fill="black",
+                  font=font)
+    sheet.save(args.sheet, quality=args.quality)
 
 
 if __name__ == "__main__":
