@@ -1,7 +1,8 @@
 #include "cli/arguments.h"
 
+#include "cli/catalogue.h"
+#include "cli/messages.h"
 #include "cli/usage_error.h"
-#include "core/text/loc.h"
 
 #include <CLI/CLI.hpp>
 
@@ -9,11 +10,6 @@
 
 namespace tamlo::cli {
 namespace {
-
-constexpr const char* kFooter = R"(
-Exit status: 0 when all is done, 1 when a picture could not be read, developed or written, 2 when the command
-line can't be carried out as given, 130 when interrupted. Results go to standard output, all else to standard
-error. A picture is never written over its source.)";
 
 /// "key=value", the form of a setting, and no option of our own.
 bool isSetting(const std::string& text)
@@ -51,24 +47,22 @@ struct NamedOption {
     const char* name;
     const char* key; ///< of the option of the render
     const char* value;
-    const char* help;
+    const char* helpKey;
 };
 
 /// Options of the render that are asked for often enough to have a name beside --set.
 constexpr NamedOption kNamedOptions[] = {
-    {"--filter-cut", "filter_cut", "ID", "Colour filter (amount: --set filter_cut_amount=0.7)"},
-    {"--filter-diffusion", "filter_diffusion", "ID",
-     "Diffusion filter (amount: --set filter_diffusion_amount=0.5)"},
-    {"--filter-rays", "filter_rays", "ID", "Star or streak filter (rotation: --set rays_angle=20)"},
-    {"--filter-grad", "filter_grad", "ID", "Graduated filter (line: --set grad_pos=0.2 grad_angle=10)"},
-    {"--crop", "crop", "X,Y,W,H[,ANGLE]",
-     "Part of the picture, in fractions of its width and height from the top left, and its tilt in degrees"},
-    {"--rotate", "rotate", "DEG", "Turn the picture clockwise by quarters: 0, 90, 180 or 270"},
-    {"--format", "format", "FORMAT", "Film format: 135, half, 120, sheet, 4x5 or plate"},
-    {"--frame-size", "frame_size", "SIZE", "Frame size in that format, such as 6x7 or xpan"},
-    {"--print-cm", "print_cm", "CM", "Long side of the print in centimetres"},
-    {"--sheet-cm", "sheet_cm", "CM", "Long side of the sheet; the print is what its borders leave"},
-    {"--border", "border", "FRACTION", "Border of the print, as a fraction of the picture's long side"},
+    {"--filter-cut", "filter_cut", "ID", "cli.help.filterCut"},
+    {"--filter-diffusion", "filter_diffusion", "ID", "cli.help.filterDiffusion"},
+    {"--filter-rays", "filter_rays", "ID", "cli.help.filterRays"},
+    {"--filter-grad", "filter_grad", "ID", "cli.help.filterGrad"},
+    {"--crop", "crop", "X,Y,W,H[,ANGLE]", "cli.help.crop"},
+    {"--rotate", "rotate", "DEG", "cli.help.rotate"},
+    {"--format", "format", "FORMAT", "cli.help.format"},
+    {"--frame-size", "frame_size", "SIZE", "cli.help.frameSize"},
+    {"--print-cm", "print_cm", "CM", "cli.help.printCm"},
+    {"--sheet-cm", "sheet_cm", "CM", "cli.help.sheetCm"},
+    {"--border", "border", "FRACTION", "cli.help.border"},
 };
 
 void describeNamed(CLI::App& command, RenderArguments& into)
@@ -77,114 +71,119 @@ void describeNamed(CLI::App& command, RenderArguments& into)
         const std::string key = option.key;
         command
             .add_option_function<std::string>(
-                option.name, [&into, key](const std::string& text) { into.named[key] = text; }, option.help)
+                option.name, [&into, key](const std::string& text) { into.named[key] = text; },
+                T(option.helpKey))
             ->type_name(option.value);
     }
     command.add_flag_callback(
-        "--mirror", [&into] { into.named["mirror"] = "true"; }, "Mirror the picture");
+        "--mirror", [&into] { into.named["mirror"] = "true"; }, T("cli.help.mirror"));
+}
+
+/// The option shown with its value's name alone, without the parser's English words on type and range.
+void showAs(CLI::Option* option, const char* value)
+{
+    option->type_name(value)->option_text(value);
+}
+
+/// An argument without a name, told by its place.
+template <typename Value>
+void addArgument(CLI::App& command, const char* name, Value& into, const std::string& help)
+{
+    command.add_option(name, into, help)->required()->type_name("");
 }
 
 void describeRender(CLI::App& command, RenderArguments& into)
 {
-    command.add_option("INPUT", into.inputs, "Photographs: JPEG, PNG, TIFF, HEIC or camera RAW")->required();
-    command.add_option("--preset", into.preset, "Recipe (see: tamlo list presets), or a preset's file")
-        ->type_name("ID|FILE");
-    command.add_option("--film", into.film, "Film (see: tamlo list films; default: portra400)")
-        ->type_name("ID");
-    command.add_option("--lens", into.lens, "Lens (see: tamlo list lenses; default: modern_clean)")
-        ->type_name("ID");
-    command
-        .add_option("--paper", into.paper,
-                    "Paper or scanner (default: color_ra4 for a colour negative, else what suits the film)")
-        ->type_name("ID");
+    addArgument(command, "INPUT", into.inputs, T("cli.help.input"));
+    command.add_option("--preset", into.preset, T("cli.help.preset"))->type_name("ID|FILE");
+    command.add_option("--film", into.film, T("cli.help.film"))->type_name("ID");
+    command.add_option("--lens", into.lens, T("cli.help.lens"))->type_name("ID");
+    command.add_option("--paper", into.paper, T("cli.help.paper"))->type_name("ID");
     describeNamed(command, into);
-    command.add_option("--set", into.settings, "Set an option of the render, such as print_ev=0.3 grade=3")
+    command.add_option("--set", into.settings, T("cli.help.set"))
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
-    command
-        .add_option("--options", into.optionsFile,
-                    "Options of the render from a JSON file; --set goes on top")
-        ->type_name("FILE.json");
-    command.add_option("--seed", into.seed, "Seed of grain and other chance (default: from the file's name)")
-        ->type_name("N");
-    command.add_option("--long", into.longPx, "Long side of the finished picture at most, in pixels")
-        ->type_name("PX")
-        ->check(CLI::Range(std::int64_t{1}, std::int64_t{100000}));
-    command.add_option("--scale", into.scale, "Size of the finished picture, such as 0.5, at most 1")
-        ->type_name("FACTOR")
-        ->check(CLI::Range(0.01, 1.0));
+    command.add_option("--options", into.optionsFile, T("cli.help.optionsFile"))->type_name("FILE.json");
+    command.add_option("--seed", into.seed, T("cli.help.seed"))->type_name("N");
+    showAs(command.add_option("--long", into.longPx, T("cli.help.long"))
+               ->check(CLI::Range(std::int64_t{1}, std::int64_t{100000})),
+           "PX");
+    showAs(command.add_option("--scale", into.scale, T("cli.help.scale"))->check(CLI::Range(0.01, 1.0)),
+           "FACTOR");
 }
 
 void describeDevelop(CLI::App& command, DevelopArguments& into)
 {
     describeRender(command, into);
-    auto* output =
-        command.add_option("-o", into.output, "The file to write (.jpg, .png, .tif)")->type_name("FILE");
-    command
-        .add_option("--out-dir", into.outFolder,
-                    "Folder for the pictures, NAME-tamlo.jpg each (default: the current folder)")
-        ->type_name("DIR")
-        ->excludes(output);
-    command.add_option("--quality", into.quality, "JPEG quality, 1 to 100")
-        ->type_name("Q")
-        ->check(CLI::Range(1, 100))
-        ->capture_default_str();
+    auto* output = command.add_option("-o", into.output, T("cli.help.output"));
+    showAs(output, "FILE");
+    showAs(command.add_option("--out-dir", into.outFolder, T("cli.help.outFolder"))->excludes(output), "DIR");
+    showAs(command.add_option("--quality", into.quality, T("cli.help.quality", {{"default", into.quality}}))
+               ->check(CLI::Range(1, 100)),
+           "Q");
 }
 
 void describeMeasure(CLI::App& command, MeasureArguments& into)
 {
-    command.add_option("FILM", into.film, "Film (see: tamlo list films)")->required();
-    command.add_option("--paper", into.paper, "Also measure a print on this paper")->type_name("ID");
-    command
-        .add_option(
-            "--set", into.settings,
-            "Set an option that changes the material, such as push=1 grain_rms=true grain_engine=classic")
+    addArgument(command, "FILM", into.film, T("cli.help.measureFilm"));
+    command.add_option("--paper", into.paper, T("cli.help.measurePaper"))->type_name("ID");
+    command.add_option("--set", into.settings, T("cli.help.measureSet"))
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
-    command.add_flag("--json", into.json, "As a JSON object");
-    command.add_option("--plot", into.plot, "Also draw a data sheet")->type_name("FILE.svg");
+    command.add_flag("--json", into.json, T("cli.help.jsonObject"));
+    command.add_option("--plot", into.plot, T("cli.help.plot"))->type_name("FILE.svg");
 }
 
 /// Commands that keep the catalogue.
 void describeCatalogue(CLI::App& app, ListArguments& list, ShowArguments& show, CheckArguments& check,
                        ImportArguments& import, ExportArguments& exported)
 {
-    auto* listCommand = app.add_subcommand("list", "List films, lenses, papers, filters or presets");
-    listCommand->add_option("KIND", list.kind, "films, lenses, papers, filters or presets")->required();
-    listCommand->add_flag("--json", list.json, "As a JSON array");
-    auto* showCommand = app.add_subcommand("show", "Print a profile or a preset as JSON");
-    showCommand->add_option("KIND", show.kind, "film, lens, paper, filter or preset")->required();
-    showCommand->add_option("ID", show.id, "Its id, as told by tamlo list")->required();
-    auto* checkCommand = app.add_subcommand("check", "Tell what is wrong with profiles and presets");
-    checkCommand->add_option("FILE", check.files, "Files of profiles or presets")->required();
-    auto* importCommand = app.add_subcommand("import", "Take profiles and presets into the catalogue");
-    importCommand->add_option("FILE", import.files, "Files of profiles or presets")->required();
+    const std::string oneKind = joined(singularKinds(), T("cli.or"));
+    auto* listCommand = app.add_subcommand("list", T("cli.help.list"));
+    addArgument(*listCommand, "KIND", list.kind, joined(pluralKinds(), T("cli.or")));
+    listCommand->add_flag("--json", list.json, T("cli.help.jsonArray"));
+    auto* showCommand = app.add_subcommand("show", T("cli.help.show"));
+    addArgument(*showCommand, "KIND", show.kind, oneKind);
+    addArgument(*showCommand, "ID", show.id, T("cli.help.id"));
+    auto* checkCommand = app.add_subcommand("check", T("cli.help.check"));
+    addArgument(*checkCommand, "FILE", check.files, T("cli.help.profileFiles"));
+    auto* importCommand = app.add_subcommand("import", T("cli.help.import"));
+    addArgument(*importCommand, "FILE", import.files, T("cli.help.profileFiles"));
     const std::map<std::string, PresetConflict> answers{{"replace", PresetConflict::replace},
                                                         {"copy", PresetConflict::copy},
                                                         {"cancel", PresetConflict::cancel}};
-    importCommand
-        ->add_option(
-            "--on-conflict", import.onConflict,
-            "When the id is taken: replace, copy (take in under a free id) or cancel (skip the file)")
+    importCommand->add_option("--on-conflict", import.onConflict, T("cli.help.onConflict"))
         ->type_name("ANSWER")
         ->transform(CLI::Transformer(answers).description("").name("ANSWER"))
         ->check(CLI::IsMember({"0", "1", "2", "3"}).description(""));
-    auto* exportCommand = app.add_subcommand("export", "Write a profile or a preset to a file");
-    exportCommand->add_option("KIND", exported.kind, "film, lens, paper, filter or preset")->required();
-    exportCommand->add_option("ID", exported.id, "Its id, as told by tamlo list")->required();
-    exportCommand->add_option("FILE", exported.file, "The file, or the folder for it")->required();
+    auto* exportCommand = app.add_subcommand("export", T("cli.help.export"));
+    addArgument(*exportCommand, "KIND", exported.kind, oneKind);
+    addArgument(*exportCommand, "ID", exported.id, T("cli.help.id"));
+    addArgument(*exportCommand, "FILE", exported.file, T("cli.help.exportFile"));
 }
 
 /// "develop, plan and export".
 std::string commandNames(const CLI::App& app)
 {
-    std::string out;
-    const auto commands = app.get_subcommands(nullptr);
-    for (std::size_t i = 0; i < commands.size(); ++i) {
-        if (i > 0) out += i + 1 == commands.size() ? " and " : ", ";
-        out += commands[i]->get_name();
-    }
-    return out;
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
+    return joined(names, T("cli.and"));
+}
+
+/// Headings, and the options that the parser brings. Before any command is added, which takes them over.
+void describeProgram(CLI::App& app)
+{
+    app.get_formatter()->label("Usage", T("cli.help.usage"));
+    app.get_formatter()->label("OPTIONS", T("cli.help.optionsMark"));
+    app.get_formatter()->label("SUBCOMMAND", T("cli.help.commandMark"));
+    app.get_formatter()->label("Positionals", T("cli.help.arguments"));
+    app.get_formatter()->label("REQUIRED", ""); // the line of usage tells, in brackets, what may be left out
+    app.option_defaults()->group(T("cli.help.options"));
+    app.group(T("cli.help.commands"));
+    app.footer(T("cli.help.footer"));
+    app.require_subcommand(1);
+    app.set_help_flag("-h,--help", T("cli.help.help"));
+    app.set_version_flag("--version", versionText(), T("cli.help.version"));
 }
 
 /// The language after --lang, which is needed before anything is said.
@@ -202,7 +201,7 @@ void chooseLanguage(const std::vector<std::string>& arguments)
         else
             continue;
         const std::optional<Loc::Lang> lang = Loc::langOf(value);
-        if (!lang) throw UsageError("--lang takes ru or en, not '" + std::string(value) + "'");
+        if (!lang) throw UsageError(T("cli.badLang", {{"value", value}}));
         Loc::setOverride(lang);
     }
 }
@@ -225,31 +224,31 @@ std::string versionText()
 Command parseArguments(const std::vector<std::string>& arguments)
 {
     chooseLanguage(arguments);
-    CLI::App app("A digital darkroom: prints a photograph through a simulation of film.", "tamlo");
-    app.set_version_flag("--version", versionText());
-    app.footer(kFooter);
-    app.require_subcommand(1);
+    CLI::App app(T("cli.help.app"), "tamlo");
+    describeProgram(app);
 
     DevelopArguments develop;
     PlanArguments plan;
     MeasureArguments measure;
     ListArguments list;
     ShowArguments show;
-    auto* developCommand = app.add_subcommand("develop", "Develop photographs and write finished pictures");
+    auto* developCommand = app.add_subcommand("develop", T("cli.help.develop"));
     describeDevelop(*developCommand, develop);
-    auto* planCommand =
-        app.add_subcommand("plan", "Tell size and scale of finished pictures, not drawing them");
+    auto* planCommand = app.add_subcommand("plan", T("cli.help.plan"));
     describeRender(*planCommand, plan);
-    planCommand->add_flag("--json", plan.json, "As a JSON array");
-    auto* measureCommand =
-        app.add_subcommand("measure", "Measure a film, and a paper under it, as a data sheet does");
+    planCommand->add_flag("--json", plan.json, T("cli.help.jsonArray"));
+    auto* measureCommand = app.add_subcommand("measure", T("cli.help.measure"));
     describeMeasure(*measureCommand, measure);
     CheckArguments check;
     ImportArguments import;
     ExportArguments exported;
     describeCatalogue(app, list, show, check, import, exported);
-    app.add_option("--lang", "Language of messages and names: ru or en")->type_name("LANG");
-    for (CLI::App* command : app.get_subcommands(nullptr)) command->fallthrough();
+    app.add_option("--lang")->description(T("cli.help.lang"))->type_name("LANG");
+    for (CLI::App* command : app.get_subcommands(nullptr)) {
+        command->fallthrough();
+        // The parser makes this one option before a command takes the defaults over.
+        command->get_help_ptr()->group(T("cli.help.options"));
+    }
 
     try {
         std::vector<std::string> reversed = withEachSettingNamed(arguments);
@@ -262,8 +261,8 @@ Command parseArguments(const std::vector<std::string>& arguments)
         return Answer{versionText() + "\n"};
     } catch (const CLI::ParseError& error) {
         if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
-            throw UsageError("there is no command '" + arguments[0] + "'; there are " + commandNames(app));
-        throw UsageError(sentence(error.what()) + " (tamlo --help tells the usage)");
+            throw UsageError(T("cli.noSuchCommand", {{"name", arguments[0]}, {"list", commandNames(app)}}));
+        throw UsageError(T("cli.parserError", {{"error", sentence(error.what())}}));
     }
     if (developCommand->parsed()) return develop;
     if (planCommand->parsed()) return plan;

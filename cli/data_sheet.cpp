@@ -1,5 +1,7 @@
 #include "cli/data_sheet.h"
 
+#include "core/text/loc.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -109,7 +111,7 @@ std::string colourOf(const std::string& layer)
 
 Axis exposureAxis()
 {
-    return {-1.5, 1.5, false, ticks(-1.5, 1.5, 0.5), "log exposure from a grey card of 18 %"};
+    return {-1.5, 1.5, false, ticks(-1.5, 1.5, 0.5), T("cli.sheet.exposure")};
 }
 
 std::string characteristicCurves(const Report& report, const Panel& place)
@@ -119,15 +121,15 @@ std::string characteristicCurves(const Report& report, const Panel& place)
         top = std::max(top, *std::max_element(layer.density.begin(), layer.density.end()));
     Panel panel = place;
     panel.x = exposureAxis();
-    panel.y = {0.0, std::ceil(2.0 * top + 0.2) / 2.0, false, {}, "density"};
+    panel.y = {0.0, std::ceil(2.0 * top + 0.2) / 2.0, false, {}, T("cli.sheet.density")};
     panel.y.ticks = ticks(0.0, panel.y.to, 0.5);
-    std::string svg = panel.frame("Characteristic curves");
+    std::string svg = panel.frame(T("cli.sheet.curves"));
     for (const Sensitometry::Layer& layer : report.layers) {
         svg += panel.curve(report.logExposure, layer.density, colourOf(layer.name));
         const bool falls = layer.gamma < 0.0;
         const double d = falls ? layer.density.front() : layer.density.back();
         svg += label(panel.px(falls ? -1.5 : 1.5) + (falls ? 6 : -6), panel.py(d) - 6,
-                     falls ? "start" : "end", layer.name, 12);
+                     falls ? "start" : "end", layerTitle(layer), 12);
     }
     return svg;
 }
@@ -135,37 +137,41 @@ std::string characteristicCurves(const Report& report, const Panel& place)
 std::string modulationTransfer(const Report& report, const Panel& place)
 {
     Panel panel = place;
-    panel.x = {2.5, 200.0, true, {2.5, 5, 10, 20, 50, 100, 200}, "spatial frequency, cycles per mm"};
-    panel.y = {2.0, 200.0, true, {2, 5, 10, 20, 50, 100, 200}, "response, %"};
+    panel.x = {2.5, 200.0, true, {2.5, 5, 10, 20, 50, 100, 200}, T("cli.sheet.frequency")};
+    panel.y = {2.0, 200.0, true, {2, 5, 10, 20, 50, 100, 200}, T("cli.sheet.response")};
     std::vector<double> f, r;
     for (const Sensitometry::MTFPoint& p : report.mtf) {
         f.push_back(p.cyclesPerMm);
         r.push_back(100.0 * p.response);
     }
-    return panel.frame("Modulation transfer") + panel.curve(f, r, "#222222");
+    return panel.frame(T("cli.sheet.mtf")) + panel.curve(f, r, "#222222");
 }
 
 std::string printTones(const Report& report, const Panel& place)
 {
     Panel panel = place;
     panel.x = exposureAxis();
-    panel.y = {
-        0.0, std::max(2.5, std::ceil(2.0 * report.print->dmax) / 2.0), false, {}, "reflection density"};
+    panel.y = {0.0,
+               std::max(2.5, std::ceil(2.0 * report.print->dmax) / 2.0),
+               false,
+               {},
+               T("cli.sheet.printDensity")};
     panel.y.ticks = ticks(0.0, panel.y.to, 0.5);
-    return panel.frame("Tones of the print") +
+    return panel.frame(T("cli.sheet.printTones")) +
            panel.curve(report.logExposure, report.print->density, "#222222");
 }
 
 std::string figures(const Report& report, double left, double top)
 {
-    std::string svg = label(left, top - 12, "start", "Figures", 15);
+    std::string svg = label(left, top - 12, "start", T("cli.sheet.figures"), 15);
     double y = top + 14;
-    svg += label(left, y, "start", "layer") + label(left + 130, y, "end", "Dmin") +
-           label(left + 190, y, "end", "Dmax") + label(left + 250, y, "end", "gamma") +
-           label(left + 330, y, "end", "speed*");
+    svg += label(left, y, "start", T("cli.layer")) + label(left + 130, y, "end", "Dmin") +
+           label(left + 190, y, "end", "Dmax") + label(left + 250, y, "end", T("cli.measure.gamma")) +
+           label(left + 330, y, "end", T("cli.sheet.speed"));
     for (const Sensitometry::Layer& layer : report.layers) {
         y += 20;
-        svg += label(left, y, "start", layer.name) + label(left + 130, y, "end", format("%.2f", layer.dmin)) +
+        svg += label(left, y, "start", layerTitle(layer)) +
+               label(left + 130, y, "end", format("%.2f", layer.dmin)) +
                label(left + 190, y, "end", format("%.2f", layer.dmax)) +
                label(left + 250, y, "end", format("%.2f", layer.gamma)) +
                label(left + 330, y, "end", layer.speedPoint ? format("%+.2f", *layer.speedPoint) : "–");
@@ -175,32 +181,40 @@ std::string figures(const Report& report, double left, double top)
         y += 20;
         svg += label(left, y, "start", name) + label(left + 330, y, "end", value);
     }
-    return svg + label(left, y + 28, "start", "* log exposure of 0.10 above fog", 11);
+    return svg + label(left, y + 28, "start", T("cli.sheet.speedNote"), 11);
 }
 
 } // namespace
+
+std::string layerTitle(const Sensitometry::Layer& layer)
+{
+    return T("cli.layer." + layer.name);
+}
 
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
 {
     std::vector<std::pair<std::string, std::string>> rows;
     if (report.granularity) {
         const Sensitometry::Granularity& g = *report.granularity;
-        rows.emplace_back("RMS granularity × 1000, 48 µm", format("%.1f", g.rms[1]));
-        rows.emplace_back("Selwyn G, 24, 48, 96 µm",
+        rows.emplace_back(T("cli.measure.granularity"), format("%.1f", g.rms[1]));
+        rows.emplace_back(T("cli.measure.selwyn"),
                           format("%.2f  %.2f  %.2f", g.selwyn[0], g.selwyn[1], g.selwyn[2]));
     } else {
-        rows.emplace_back("RMS granularity × 1000, 48 µm", "net 1.0 is not reached");
+        rows.emplace_back(T("cli.measure.granularity"), T("cli.measure.noNetDensity"));
     }
-    rows.emplace_back("MTF 50 %",
-                      report.mtf50 ? format("%.0f cycles/mm", *report.mtf50) : "above 200 cycles/mm");
-    rows.emplace_back("Adjacency overshoot", format("%.1f %%", 100.0 * report.adjacencyOvershoot));
-    rows.emplace_back("Halation falls to a tenth at",
-                      report.halationRadiusUm ? format("%.0f µm", *report.halationRadiusUm) : "no halation");
+    rows.emplace_back(T("cli.measure.mtf50"),
+                      report.mtf50 ? T("cli.measure.cycles", {{"n", format("%.0f", *report.mtf50)}})
+                                   : T("cli.measure.aboveCycles", {{"n", 200}}));
+    rows.emplace_back(T("cli.measure.adjacency"), format("%.1f %%", 100.0 * report.adjacencyOvershoot));
+    rows.emplace_back(T("cli.measure.halation"),
+                      report.halationRadiusUm
+                          ? T("cli.measure.um", {{"n", format("%.0f", *report.halationRadiusUm)}})
+                          : T("cli.measure.noHalation"));
     if (report.print) {
-        rows.emplace_back("Print, Dmin and Dmax",
+        rows.emplace_back(T("cli.measure.printRange"),
                           format("%.2f  %.2f", report.print->dmin, report.print->dmax));
         if (report.print->isoRange)
-            rows.emplace_back("Paper, ISO range", format("R%.0f", *report.print->isoRange));
+            rows.emplace_back(T("cli.measure.isoRange"), format("R%.0f", *report.print->isoRange));
     }
     return rows;
 }
@@ -214,8 +228,10 @@ std::string dataSheet(const std::string& film, const std::string& paper, const R
         "<style>.grid{stroke:#ddd}.frame{fill:none;stroke:#222}.curve{fill:none;stroke-width:2.2}</style>\n";
     svg += format("<rect width=\"%d\" height=\"%d\" fill=\"#fff\"/>\n", kPageWidth, kPageHeight);
     svg += label(70, 64, "start", film, 26);
-    svg += label(70, 88, "start", "Measured on the simulated material: wedge of 21 steps, 0.15 log E each");
-    if (!paper.empty()) svg += label(70, 108, "start", "Print: " + paper);
+    svg += label(
+        70, 88, "start",
+        T("cli.sheet.method", {{"steps", Sensitometry::kWedgeSteps}, {"step", Sensitometry::kStepLogE}}));
+    if (!paper.empty()) svg += label(70, 108, "start", T("cli.sheet.printOn", {{"paper", paper}}));
     svg += characteristicCurves(report, {90, 150, 690, 390, {}, {}});
     svg += modulationTransfer(report, {90, 650, 310, 300, {}, {}});
     svg += figures(report, 460, 650);

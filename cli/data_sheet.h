@@ -10,6 +10,9 @@
 
 namespace tamlo::cli {
 
+/// Name of a layer, in the user's language.
+std::string layerTitle(const Sensitometry::Layer& layer);
+
 /// Name and value of each figure beside the curves, with units.
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Sensitometry::Report& report);
 

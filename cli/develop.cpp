@@ -3,6 +3,7 @@
 #include "cli/develop_choices.h"
 #include "cli/develop_jobs.h"
 #include "cli/input_files.h"
+#include "cli/messages.h"
 #include "cli/output_metadata.h"
 #include "cli/progress.h"
 #include "core/film/source_light.h"
@@ -38,8 +39,8 @@ void checkFiles(const DevelopJob& job)
     fs::path folder = fs::absolute(job.output).parent_path();
     while (folder.has_relative_path() && !fs::exists(folder, problem)) folder = folder.parent_path();
     if (fs::exists(folder, problem) && !fs::is_directory(folder, problem))
-        throw TamloError::io("cannot write " + job.output.string() + ": " + folder.string() +
-                             " is not a folder");
+        throw TamloError::io(
+            T("cli.notFolder", {{"file", job.output.string()}, {"folder", folder.string()}}));
 }
 
 class Run {
@@ -49,7 +50,7 @@ public:
     {
         backend_.hooks.shouldCancel = platform::stopRequested;
         backend_.hooks.onProgress = [this](const char* phase, double fraction) {
-            if (fraction < 1) progress_.phase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
+            if (fraction < 1) tellPhase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
         };
     }
 
@@ -59,7 +60,7 @@ public:
         RenderChoices render = choices_.render;
         if (!choices_.seedIsGiven) render.options.seed = FrameSeed::crc32(job.input.filename().string());
 
-        progress_.phase("reading", 0);
+        tellPhase("reading", 0);
         RGBImage image = RenderProfiler::cpu("decoding", 0, [&] {
             return ImageLoader::loadLinear(job.input, ImageLoader::decodeWBMode(render.options.wbMode),
                                            SourceExposure::fromKey(render.options.srcExposure),
@@ -69,7 +70,7 @@ public:
         image = backend_.process(withinLongSide(std::move(image)), render);
         image = withinLongSide(Pipeline::exportDownscale(std::move(image), arguments_.scale));
         stopIfAsked();
-        progress_.phase("writing", kRenderTo);
+        tellPhase("writing", kRenderTo);
         RenderProfiler::cpu("writing", image.pixelCount(), [&] {
             ImageWriter::save(image, job.output.string(), arguments_.quality,
                               outputMetadata(job.input, render));
@@ -77,6 +78,11 @@ public:
     }
 
 private:
+    void tellPhase(const std::string& phase, double fraction) const
+    {
+        progress_.phase(T("cli.phase." + phase), fraction);
+    }
+
     void stopIfAsked() const
     {
         if (platform::stopRequested()) throw TamloError::cancelled();
@@ -121,10 +127,9 @@ int develop(const DevelopArguments& arguments, std::ostream& results)
 {
     const std::vector<DevelopJob> jobs = planJobs(arguments);
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
-    for (const std::string& note : choices.notes) std::cerr << "tamlo: note: " << note << std::endl;
+    for (const std::string& note : choices.notes) tellNote(note);
     if (const auto pending = Film::pendingStage(choices.render.film, choices.render.paper))
-        std::cerr << "tamlo: note: " << *pending << " can't be drawn yet; the picture passes through"
-                  << std::endl;
+        tellNote(T("cli.stagePending", {{"stage", *pending}}));
     platform::catchStopSignals();
 
     Progress progress(jobs.size());
@@ -139,21 +144,20 @@ int develop(const DevelopArguments& arguments, std::ostream& results)
         } catch (const TamloError& error) {
             if (error.kind() == TamloError::Kind::cancelled) {
                 progress.clear();
-                std::cerr << "tamlo: stopped; " << job.input.string() << " was not written" << std::endl;
+                tell(T("cli.stopped", {{"file", job.input.string()}}));
                 return kStoppedStatus;
             }
             failures.push_back(failureText(job, error.what()));
         } catch (const std::bad_alloc&) {
-            failures.push_back(failureText(job, "there is not enough memory for this picture"));
+            failures.push_back(failureText(job, T("cli.noMemory")));
         } catch (const fs::filesystem_error& error) {
             failures.push_back(failureText(job, error.what()));
         }
     }
     progress.clear();
     if (jobs.size() > 1 && !failures.empty())
-        std::cerr << "tamlo: " << failures.size() << " of " << jobs.size()
-                  << " pictures failed:" << std::endl;
-    for (const std::string& failure : failures) std::cerr << "tamlo: " << failure << std::endl;
+        tell(T("cli.someFailed", {{"failed", failures.size()}, {"total", jobs.size()}}));
+    for (const std::string& failure : failures) tell(failure);
     return failures.empty() ? 0 : 1;
 }
 

@@ -9,6 +9,7 @@
 #include "core/profiles/process_settings.h"
 #include "core/profiles/profile_json.h"
 #include "core/profiles/user_files.h"
+#include "core/text/loc.h"
 
 #include <nlohmann/json.hpp>
 
@@ -27,6 +28,11 @@ struct FileOptions {
     std::set<std::string> given; ///< keys that the file sets, in their snake_case form
 };
 
+TamloError badOptionsFile(const std::filesystem::path& path, const std::exception& error)
+{
+    return TamloError::io(T("cli.badOptionsFile", {{"file", path.string()}, {"error", error.what()}}));
+}
+
 FileOptions readOptions(const std::filesystem::path& path)
 {
     const std::string text = UserFiles::read(path);
@@ -39,9 +45,9 @@ FileOptions readOptions(const std::filesystem::path& path)
         checkOptions(file.options);
         return file;
     } catch (const DecodeError& error) {
-        throw TamloError::io("the options in " + path.string() + " can't be used: " + error.what());
+        throw badOptionsFile(path, error);
     } catch (const TamloError& error) {
-        throw TamloError::io("the options in " + path.string() + " can't be used: " + error.what());
+        throw badOptionsFile(path, error);
     }
 }
 
@@ -61,7 +67,7 @@ std::string applySetting(RenderOptions& options, const std::string& setting)
 {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos || equals == 0)
-        throw UsageError("--set takes key=value, not '" + setting + "'");
+        throw UsageError(T("cli.badSetting", {{"text", setting}}));
     const std::string key = setting.substr(0, equals);
     applyText(options, key, setting.substr(equals + 1), "--set " + setting);
     return key;

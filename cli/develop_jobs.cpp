@@ -1,6 +1,7 @@
 #include "cli/develop_jobs.h"
 
 #include "cli/usage_error.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <array>
@@ -26,13 +27,13 @@ void checkOutputFile(const fs::path& output)
 {
     std::error_code ignored;
     if (fs::is_directory(output, ignored))
-        throw UsageError(output.string() + " is a folder; -o takes a file, --out-dir a folder");
+        throw UsageError(T("cli.outputIsFolder", {{"file", output.string()}}));
     std::string extension = output.extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     constexpr std::array known{".jpg", ".jpeg", ".png", ".tif", ".tiff"};
     if (std::find(known.begin(), known.end(), extension) == known.end())
-        throw UsageError("output extension " + (extension.empty() ? "." : extension) + " (use jpg/png/tif)");
+        throw UsageError(T("cli.badExtension", {{"extension", extension.empty() ? "." : extension}}));
 }
 
 fs::path defaultOutput(const fs::path& input, const fs::path& folder)
@@ -48,8 +49,7 @@ std::vector<DevelopJob> planJobs(const DevelopArguments& arguments)
 {
     if (arguments.output) {
         if (arguments.inputs.size() > 1)
-            throw UsageError("-o names one file, but there are " + std::to_string(arguments.inputs.size()) +
-                             " pictures; use --out-dir");
+            throw UsageError(T("cli.oneOutput", {{"count", arguments.inputs.size()}}));
         checkOutputFile(*arguments.output);
     }
     std::vector<DevelopJob> jobs;
@@ -61,15 +61,15 @@ std::vector<DevelopJob> planJobs(const DevelopArguments& arguments)
     for (const DevelopJob& job : jobs) {
         for (const DevelopJob& other : jobs)
             if (sameFile(job.output, other.input))
-                throw UsageError("the picture of " + job.input.string() + " would be written over " +
-                                 other.input.string() + ", which is a source; choose another name");
+                throw UsageError(
+                    T("cli.overSource", {{"input", job.input.string()}, {"source", other.input.string()}}));
         std::error_code ignored;
         const fs::path place = fs::weakly_canonical(fs::absolute(job.output), ignored);
         const auto [taken, isNew] = takenBy.emplace(place, job.input);
         if (!isNew)
-            throw UsageError("both " + taken->second.string() + " and " + job.input.string() +
-                             " would be written to " + job.output.string() +
-                             "; develop them one by one with -o");
+            throw UsageError(T("cli.sameOutput", {{"first", taken->second.string()},
+                                                  {"second", job.input.string()},
+                                                  {"file", job.output.string()}}));
     }
     return jobs;
 }

@@ -1,15 +1,16 @@
 #include "cli/exchange.h"
 
 #include "cli/catalogue.h"
+#include "cli/input_files.h"
+#include "cli/messages.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/decode_error.h"
 #include "core/profiles/profile_json.h"
 #include "core/profiles/profile_validator.h"
 #include "core/profiles/user_files.h"
-#include "core/text/loc.h"
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 #include <stdexcept>
 
 namespace tamlo::cli {
@@ -24,9 +25,9 @@ std::string kindTitle(Kind kind)
     return T("profiles.kind." + std::string(rawText(kind)));
 }
 
-void tellNote(const fs::path& file, const std::string& note)
+void tellNoteOn(const fs::path& file, const std::string& note)
 {
-    std::cerr << "tamlo: note: " << file.string() << ": " << note << std::endl;
+    tellNote(file.string() + ": " + note);
 }
 
 /// What a file's readers find beside the numbers, and nothing that a user may have misspelled.
@@ -51,7 +52,7 @@ void tellUnknownKeys(const fs::path& file, Kind kind, const std::string& data)
 {
     std::string list;
     for (const std::string& key : unknownKeys(kind, data)) list += (list.empty() ? "" : ", ") + key;
-    if (!list.empty()) tellNote(file, T("cli.unknownKeys", {{"list", list}}));
+    if (!list.empty()) tellNoteOn(file, T("cli.unknownKeys", {{"list", list}}));
 }
 
 bool isPreset(const std::string& data)
@@ -63,7 +64,7 @@ bool isPreset(const std::string& data)
 std::string checkPreset(const fs::path& file, const std::string& data, const ProfileStore& store)
 {
     const PresetDocument document = PresetDocument::validate(PresetDocument::decode(data), store, true);
-    for (const std::string& note : document.warnings) tellNote(file, note);
+    for (const std::string& note : document.warnings) tellNoteOn(file, note);
     for (const Kind kind : kProfileKinds) {
         const JSONValue* profiles = objectValue(memberOf(document.embedded(), rawText(kind)));
         if (!profiles || kind == Kind::presets) continue;
@@ -92,9 +93,9 @@ void checkOne(const fs::path& file, const ProfileStore& store, std::ostream& res
 void importPreset(const fs::path& file, PresetConflict onConflict, ProfileStore& store, std::ostream& results)
 {
     const PresetImportResult result = store.importPreset(file, onConflict);
-    for (const std::string& note : result.warnings) tellNote(file, note);
+    for (const std::string& note : result.warnings) tellNoteOn(file, note);
     if (result.action == PresetImportResult::Action::cancelled)
-        return tellNote(file, T("cli.importSkipped", {{"id", result.id}}));
+        return tellNoteOn(file, T("cli.importSkipped", {{"id", result.id}}));
     results << T("profiles.added", {{"name", store.presetDocument(result.id).name()}, {"id", result.id}})
             << std::endl;
 }
@@ -105,7 +106,8 @@ void importProfile(const fs::path& file, PresetConflict onConflict, ProfileStore
     const ProfileStore::Incoming incoming = store.inspectImport(file);
     std::string id = incoming.id;
     if (incoming.conflicts) {
-        if (onConflict == PresetConflict::cancel) return tellNote(file, T("cli.importSkipped", {{"id", id}}));
+        if (onConflict == PresetConflict::cancel)
+            return tellNoteOn(file, T("cli.importSkipped", {{"id", id}}));
         if (onConflict == PresetConflict::ask) throw PresetError(T("cli.idTaken", {{"id", id}}), true);
         if (onConflict == PresetConflict::copy)
             id = store.freeName(incoming.kind, id);
@@ -122,22 +124,21 @@ template <typename Work>
 int forEachFile(const std::vector<fs::path>& files, Work&& work)
 {
     int status = 0;
-    const auto tell = [&](const fs::path& file, const std::string& text) {
-        const bool named = text.find(file.filename().string()) != std::string::npos;
-        std::cerr << "tamlo: " << (named ? "" : file.string() + ": ") << text << std::endl;
+    const auto fail = [&](const fs::path& file, const std::string& text) {
+        tell(namingInput(file, text));
         status = 1;
     };
     for (const fs::path& file : files) {
         try {
             work(file);
         } catch (const Failure& failure) {
-            for (const std::string& message : failure.messages()) tell(file, message);
+            for (const std::string& message : failure.messages()) fail(file, message);
         } catch (const PresetError& error) {
-            tell(file, error.what() + (error.idTaken() ? T("cli.conflictHint") : ""));
+            fail(file, error.what() + (error.idTaken() ? T("cli.conflictHint") : ""));
         } catch (const DecodeError& error) {
-            tell(file, error.what());
+            fail(file, error.what());
         } catch (const TamloError& error) {
-            tell(file, error.what());
+            fail(file, error.what());
         }
     }
     return status;

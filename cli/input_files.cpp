@@ -1,6 +1,7 @@
 #include "cli/input_files.h"
 
 #include "core/image/tamlo_error.h"
+#include "core/text/loc.h"
 
 namespace tamlo::cli {
 
@@ -10,8 +11,8 @@ void checkInput(const fs::path& input)
 {
     std::error_code problem;
     if (fs::status(input, problem).type() == fs::file_type::not_found)
-        throw TamloError::io("there is no file " + input.string());
-    if (fs::is_directory(input)) throw TamloError::io(input.string() + " is a folder, not a picture");
+        throw TamloError::io(T("cli.noFile", {{"file", input.string()}}));
+    if (fs::is_directory(input)) throw TamloError::io(T("cli.isFolder", {{"file", input.string()}}));
 }
 
 std::string namingInput(const fs::path& input, const std::string& reason)

@@ -1,6 +1,8 @@
 #include "cli/list_profiles.h"
 
 #include "cli/catalogue.h"
+#include "cli/columns.h"
+#include "cli/messages.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/catalogue_groups.h"
 #include "core/profiles/profile_error.h"
@@ -11,7 +13,7 @@
 
 #include <algorithm>
 #include <array>
-#include <iostream>
+#include <ostream>
 #include <tuple>
 
 namespace tamlo::cli {
@@ -90,7 +92,7 @@ std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
 {
     std::vector<Row> rows;
     const auto tell = [](const std::string& id, const std::exception& error) {
-        std::cerr << "tamlo: note: " << id << ": " << error.what() << std::endl;
+        tellNote(id + ": " + error.what());
     };
     for (const std::string& id : kind == Kind::films ? store.filmsSorted() : store.list(kind)) {
         try {
@@ -112,24 +114,16 @@ std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
     return rows;
 }
 
-/// Characters as a terminal counts them, near enough: no letter of the catalogue is wide.
-std::size_t width(const std::string& text)
-{
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 void writeTable(const std::vector<Row>& rows, std::ostream& out)
 {
     constexpr std::array kColumns{&Row::id, &Row::group, &Row::fidelity};
     std::array<std::size_t, kColumns.size()> widths{};
     for (const Row& row : rows)
         for (std::size_t i = 0; i < kColumns.size(); ++i)
-            widths[i] = std::max(widths[i], width(row.*kColumns[i]));
+            widths[i] = std::max(widths[i], columnsOf(row.*kColumns[i]));
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < kColumns.size(); ++i)
-            if (widths[i] > 0)
-                out << row.*kColumns[i] << std::string(widths[i] - width(row.*kColumns[i]) + 2, ' ');
+            if (widths[i] > 0) out << leftAligned(row.*kColumns[i], widths[i] + 2);
         out << row.name << '\n';
     }
 }

@@ -5,6 +5,7 @@
 #include "cli/exchange.h"
 #include "cli/list_profiles.h"
 #include "cli/measure.h"
+#include "cli/messages.h"
 #include "cli/plan.h"
 #include "cli/usage_error.h"
 
@@ -57,15 +58,15 @@ int main(int argc, char** argv)
     try {
         const int status = std::visit(Runner{}, parseArguments({argv + 1, argv + argc}));
         if (!std::cout.flush()) {
-            std::cerr << "tamlo: standard output could not be written" << std::endl;
+            tell(T("cli.outputFailed"));
             return 1;
         }
         return status;
     } catch (const UsageError& error) {
-        std::cerr << "tamlo: " << error.what() << std::endl;
+        tell(error.what());
         return 2;
     } catch (const std::exception& error) {
-        std::cerr << "tamlo: " << error.what() << std::endl;
+        tell(error.what());
         return 1;
     }
 }

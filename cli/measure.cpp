@@ -1,5 +1,6 @@
 #include "cli/measure.h"
 
+#include "cli/columns.h"
 #include "cli/data_sheet.h"
 #include "cli/develop_choices.h"
 #include "cli/usage_error.h"
@@ -70,15 +71,16 @@ std::string optional(const char* pattern, const std::optional<double>& value)
 
 std::string asText(const std::string& title, const Report& report)
 {
-    std::string text = title + "\n  layer      Dmin    Dmax   gamma   0.10 above fog at log H\n";
+    std::string text = title + "\n  " + leftAligned(T("cli.layer"), 8) + "   Dmin    Dmax" +
+                       rightAligned(T("cli.measure.gamma"), 8) + "   " + T("cli.measure.speedPoint") + "\n";
     for (const Sensitometry::Layer& layer : report.layers)
-        text +=
-            format("  %-8s %6.2f  %6.2f  %6.2f   ", layer.name.c_str(), layer.dmin, layer.dmax, layer.gamma) +
-            optional("%+.2f", layer.speedPoint) + "\n";
+        text += "  " + leftAligned(layerTitle(layer), 8) +
+                format(" %6.2f  %6.2f  %6.2f   ", layer.dmin, layer.dmax, layer.gamma) +
+                optional("%+.2f", layer.speedPoint) + "\n";
     for (const auto& [name, value] : dataSheetFigures(report)) text += "  " + name + ": " + value + "\n";
-    text += "  log H  ";
-    for (const Sensitometry::Layer& layer : report.layers) text += format("%8s", layer.name.c_str());
-    text += report.print ? "   print\n" : "\n";
+    text += "  " + leftAligned(T("cli.measure.logH"), 7);
+    for (const Sensitometry::Layer& layer : report.layers) text += rightAligned(layerTitle(layer), 8);
+    text += (report.print ? rightAligned(T("cli.measure.print"), 8) : "") + "\n";
     for (std::size_t i = 0; i < report.logExposure.size(); ++i) {
         text += format("  %+5.2f  ", report.logExposure[i]);
         for (const Sensitometry::Layer& layer : report.layers) text += format("%8.3f", layer.density[i]);
@@ -98,7 +100,7 @@ std::string nameOf(const Profile& profile, const std::string& id)
 int measure(const MeasureArguments& arguments, std::ostream& results)
 {
     if (arguments.plot && arguments.plot->extension() != ".svg")
-        throw UsageError("--plot draws an .svg file, not " + arguments.plot->string());
+        throw UsageError(T("cli.badPlotFile", {{"file", arguments.plot->string()}}));
     const RenderChoices render = resolveChoices(arguments, ProfileStore::shared()).render;
     const Report report =
         Sensitometry::measure(render.film, arguments.paper ? &render.paper : nullptr, render.options);
@@ -106,10 +108,12 @@ int measure(const MeasureArguments& arguments, std::ostream& results)
     const std::string film = nameOf(render.film, *arguments.film);
     const std::string paper = arguments.paper ? nameOf(render.paper, *arguments.paper) : "";
     if (arguments.plot) UserFiles::write(*arguments.plot, dataSheet(film, paper, report));
+    const std::string title =
+        paper.empty() ? film : T("cli.measure.title", {{"film", film}, {"paper", paper}});
     if (arguments.json)
         results << asJson(*arguments.film, arguments.paper, report).dump(2) << std::endl;
     else
-        results << asText(paper.empty() ? film : film + " on " + paper, report);
+        results << asText(title, report);
     return 0;
 }
 

@@ -1,7 +1,9 @@
 #include "cli/plan.h"
 
+#include "cli/columns.h"
 #include "cli/develop_choices.h"
 #include "cli/input_files.h"
+#include "cli/messages.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/pipeline/output_plan.h"
@@ -9,8 +11,10 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iostream>
+#include <utility>
 
 namespace tamlo::cli {
 namespace {
@@ -60,15 +64,32 @@ nlohmann::ordered_json asJson(const fs::path& input, const OutputPlan& plan)
             {"lines_drawn", plan.linesDrawn}};
 }
 
+/// With a fixed number of digits after the point.
+std::string fixed(double value, int digits)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, value);
+    return text;
+}
+
 std::string asText(const fs::path& input, const OutputPlan& plan)
 {
     const std::array<double, 2> film = sides(plan, plan.fmtUm / 1000.0);
     const std::array<double, 2> print = sides(plan, plan.printCm);
-    char scales[256];
-    std::snprintf(scales, sizeof scales,
-                  "  film    %.1f × %.1f mm, %.2f µm a pixel\n  print   %.1f × %.1f cm, %.1f µm a pixel\n",
-                  film[0], film[1], plan.pxUm, print[0], print[1], plan.printPxUm);
-    return input.string() + "\n  output  " + Pipeline::sizeLabel(plan.size(), "MP") + "\n" + scales;
+    const std::array<std::pair<std::string, std::string>, 3> rows{{
+        {T("cli.plan.output"), Pipeline::sizeLabel(plan.size(), T("unit.mp"))},
+        {T("cli.plan.film"),
+         T("cli.plan.onFilm",
+           {{"width", fixed(film[0], 1)}, {"height", fixed(film[1], 1)}, {"um", fixed(plan.pxUm, 2)}})},
+        {T("cli.plan.print"), T("cli.plan.onPrint", {{"width", fixed(print[0], 1)},
+                                                     {"height", fixed(print[1], 1)},
+                                                     {"um", fixed(plan.printPxUm, 1)}})},
+    }};
+    std::size_t width = 0;
+    for (const auto& [name, value] : rows) width = std::max(width, columnsOf(name));
+    std::string text = input.string() + "\n";
+    for (const auto& [name, value] : rows) text += "  " + leftAligned(name, width + 2) + value + "\n";
+    return text;
 }
 
 } // namespace
@@ -76,7 +97,7 @@ std::string asText(const fs::path& input, const OutputPlan& plan)
 int plan(const PlanArguments& arguments, std::ostream& results)
 {
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
-    for (const std::string& note : choices.notes) std::cerr << "tamlo: note: " << note << std::endl;
+    for (const std::string& note : choices.notes) tellNote(note);
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     std::vector<std::string> failures;
     for (const fs::path& input : arguments.inputs) {
@@ -93,7 +114,7 @@ int plan(const PlanArguments& arguments, std::ostream& results)
         }
     }
     if (arguments.json) results << list.dump(2) << std::endl;
-    for (const std::string& failure : failures) std::cerr << "tamlo: " << failure << std::endl;
+    for (const std::string& failure : failures) tell(failure);
     return failures.empty() ? 0 : 1;
 }
 

@@ -1,6 +1,7 @@
 #include "cli/progress.h"
 
 #include "platform/console.h"
+#include "platform/unicode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -58,11 +59,7 @@ void Progress::draw() const
             std::string(static_cast<std::size_t>(kBarWidth - filled), '.') + "] " +
             std::to_string(percentShown_) + " % " + phase_ + "  " + name_;
     const auto columns = static_cast<std::size_t>(std::max(platform::terminalColumns() - 1, 1));
-    if (line.size() > columns) { // a wrapped line could not be rewritten
-        std::size_t cut = columns;
-        while (cut > 0 && (static_cast<unsigned char>(line[cut]) & 0xC0) == 0x80) --cut; // inside a character
-        line.resize(cut);
-    }
+    line = platform::firstCharacters(line, columns); // a wrapped line could not be rewritten
     std::cerr << '\r' << line << "\x1b[K" << std::flush;
 }
 

@@ -1,4 +1,5 @@
-// The command line itself: what it refuses before any picture is opened, and what list and show answer.
+// The command line itself: what it refuses before any picture is opened, what list and show answer, and the
+// language in which it says so.
 #include "tests/cli/run_tamlo.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +7,9 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdlib>
+#include <set>
+#include <sstream>
 
 namespace tamlo::test {
 namespace {
@@ -13,6 +17,21 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kPicture = fs::path(TAMLO_SAMPLES) / "color" / "fig-srgb.jpg";
+
+/// The tests of this program read English, whatever locale and preferences the one who starts them has.
+class NoLocale : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) unsetenv(name);
+        setenv("TAMLO_USER_DIR", userRoot_.path().c_str(), 1);
+    }
+
+private:
+    ScratchFolder userRoot_;
+};
+[[maybe_unused]] const ::testing::Environment* const kNoLocale =
+    ::testing::AddGlobalTestEnvironment(new NoLocale);
 
 /// A folder with a picture under several names and links.
 class UsageTest : public ::testing::Test {
@@ -31,11 +50,19 @@ protected:
         bytes_ = readFile(scratch_ / "a.jpg");
     }
 
-    RunResult run(const std::vector<std::string>& arguments) const
+    RunResult run(const std::vector<std::string>& arguments, RunSettings settings = {}) const
     {
-        RunSettings settings;
         settings.folder = scratch_.path();
         return runTamlo(arguments, settings);
+    }
+
+    RunResult runWithLocale(const std::string& locale, std::vector<std::string> arguments,
+                            const std::vector<std::string>& more = {}) const
+    {
+        RunSettings settings;
+        settings.environment["LANG"] = locale;
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments, settings);
     }
 
     ScratchFolder scratch_;
@@ -179,6 +206,181 @@ TEST_F(UsageTest, MeasuresAFilmAndDrawsItsDataSheet)
     EXPECT_EQ(run({"measure", "fp100c", "--plot", "instant.svg"}).status, 1);
     EXPECT_EQ(run({"measure", "trix400", "--plot", "sheet.pdf"}).status, 2);
     EXPECT_FALSE(fs::exists(scratch_ / "instant.svg"));
+}
+
+/// Letters of U+0400 to U+047F.
+bool hasCyrillic(const std::string& text)
+{
+    return text.find_first_of("\xD0\xD1") != std::string::npos;
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        if (!line.empty()) lines.push_back(line);
+    return lines;
+}
+
+struct Saying {
+    std::vector<std::string> arguments;
+    int status;
+    std::vector<std::string> says; ///< in Russian
+};
+
+// In either language by option and by locale; the option wins. Whatever goes to standard error is Russian in
+// every line, and without a Russian letter in English.
+TEST_F(UsageTest, SpeaksBothLanguages)
+{
+    writeFile(scratch_ / "o.json", "[1, 2]");
+    writeFile(scratch_ / "empty.json", "{}");
+    const std::vector<Saying> sayings{
+        {{"devlop"},
+         2,
+         {"нет команды «devlop»; есть develop, plan, measure, list, show, check, import и export"}},
+        {{"develop"}, 2, {"INPUT is required (как пользоваться: tamlo --help)"}},
+        {{"list", "moons"}, 2, {"есть films, lenses, papers, filters и presets, но нет «moons»"}},
+        {{"develop", "a.jpg", "--film", "portra40"},
+         2,
+         {"нет плёнки «portra40»; может быть, portra400? (все имена: tamlo list films)"}},
+        {{"plan", "a.jpg", "--lens", "modernclean"}, 2, {"нет объектива «modernclean»"}},
+        {{"plan", "a.jpg", "--paper", "color_ra5"}, 2, {"нет бумаги «color_ra5»"}},
+        {{"plan", "a.jpg", "--filter-cut", "red_92"}, 2, {"нет фильтра «red_92»"}},
+        {{"plan", "a.jpg", "--preset", "moonlit"}, 2, {"нет пресета «moonlit»"}},
+        {{"develop", "a.jpg", "--set", "border"}, 2, {"--set ждёт ключ=значение, а не «border»"}},
+        {{"develop", "a.jpg", "-o", "b.webp"}, 2, {"расширение .webp не годится"}},
+        {{"develop", "a.jpg", "-o", "folder.jpg"}, 2, {"folder.jpg — папка"}},
+        {{"develop", "a.jpg", "sub/a.jpg", "-o", "b.jpg"}, 2, {"снимков 2; возьмите --out-dir"}},
+        {{"develop", "a.jpg", "sub/a.jpg"}, 2, {"a.jpg и sub/a.jpg записались бы в один файл"}},
+        {{"develop", "a.jpg", "-o", "soft.jpg"}, 2, {"а это исходник"}},
+        {{"measure", "trix400", "--plot", "sheet.pdf"}, 2, {"--plot рисует файл .svg, а не sheet.pdf"}},
+        {{"plan", "none.jpg"}, 1, {"нет файла none.jpg"}},
+        {{"plan", "folder.jpg"}, 1, {"folder.jpg — папка, а не снимок"}},
+        {{"plan", "a.jpg", "--options", "o.json"}, 1, {"настройки из o.json не годятся"}},
+        {{"develop", "a.jpg", "--out-dir", "sub/a.jpg/d"}, 1, {"sub/a.jpg — не папка"}},
+        {{"develop", "none.jpg", "gone.jpg", "--out-dir", "d"}, 1, {"2 из 2", "нет файла gone.jpg"}},
+        {{"develop", "a.jpg", "--long", "32", "-o", "b.jpg", "--film", "fp100c"},
+         0,
+         {"примечание: пока не рисуется", ": чтение\n", ": эмульсия\n", ": запись\n"}},
+        {{"check", "empty.json"}, 1, {"empty.json: Не понимаю, что это за профиль"}},
+        {{"plan", "a.jpg"}, 0, {"\n  файл       ", " Мп\n", "\n  плёнка     36.0 × ", " мкм на пиксель\n"}},
+        {{"list", "films"}, 0, {"  Цветной негатив  ", "  Слайд E-6 "}},
+        {{"list", "presets"}, 0, {"  Старые процессы  "}},
+        {{"list", "filters"}, 0, {"  Звёзды и полосы  "}},
+        {{"measure", "trix400", "--paper", "bw_neutral", "--plot", "sheet.svg"},
+         0,
+         {"  слой       Dmin    Dmax   гамма   ", "\n  серебро    ",
+          "  Гранулярность × 1000, 48 мкм: ", "\n  lg H    серебро  печать\n"}},
+        {{"--help"}, 0, {"\nПараметры:\n", "\nКоманды:\n", "\nКод выхода: "}},
+    };
+    for (const Saying& saying : sayings) {
+        std::string line;
+        for (const std::string& argument : saying.arguments) line += argument + " ";
+        SCOPED_TRACE(line);
+        const std::vector<RunResult> russian{runWithLocale("en_GB.UTF-8", saying.arguments, {"--lang", "ru"}),
+                                             runWithLocale("ru_RU.UTF-8", saying.arguments)};
+        for (const RunResult& result : russian) {
+            EXPECT_EQ(result.status, saying.status);
+            const std::string all = result.out + result.err;
+            for (const std::string& text : saying.says) EXPECT_NE(all.find(text), std::string::npos) << all;
+            for (const std::string& message : linesOf(result.err))
+                EXPECT_TRUE(hasCyrillic(message)) << message;
+            EXPECT_EQ(all.find("cli."), std::string::npos) << all;
+        }
+        const RunResult english = runWithLocale("ru_RU.UTF-8", saying.arguments, {"--lang=en"});
+        EXPECT_EQ(english.status, saying.status);
+        EXPECT_FALSE(hasCyrillic(english.out + english.err)) << english.out << english.err;
+        EXPECT_EQ((english.out + english.err).find("cli."), std::string::npos);
+    }
+    EXPECT_FALSE(hasCyrillic(readFile(scratch_ / "sheet.svg"))) << "the last sheet is the English one";
+}
+
+// Every line of every help: headings, arguments, options. The parser's own words are English in none of them.
+TEST_F(UsageTest, EveryLineOfTheHelpIsTranslated)
+{
+    const std::vector<std::vector<std::string>> commands{
+        {}, {"develop"}, {"plan"}, {"measure"}, {"list"}, {"show"}, {"check"}, {"import"}, {"export"}};
+    for (const std::vector<std::string>& command : commands) {
+        SCOPED_TRACE(command.empty() ? "tamlo" : command.front());
+        const RunResult russian = runWithLocale("ru_RU.UTF-8", command, {"--help"});
+        const RunResult english = runWithLocale("en_GB.UTF-8", command, {"--help"});
+        EXPECT_EQ(russian.status, 0);
+        const std::vector<std::string> lines = linesOf(russian.out);
+        EXPECT_EQ(lines.size(), linesOf(english.out).size());
+        for (const std::string& line : lines) EXPECT_TRUE(hasCyrillic(line)) << line;
+        for (const char* word : {"REQUIRED", "Excludes", "TEXT", " in [", "Options"})
+            EXPECT_EQ(russian.out.find(word), std::string::npos) << word;
+        EXPECT_FALSE(hasCyrillic(english.out));
+    }
+}
+
+TEST_F(UsageTest, AStoppedRunAndAFullOutputSpeakRussian)
+{
+    RunSettings settings;
+    settings.environment["LANG"] = "ru_RU.UTF-8";
+    settings.interruptAtPhase = ": чтение";
+    const RunResult stopped = run({"develop", "a.jpg", "a-tamlo.jpg", "--out-dir", "d"}, settings);
+    EXPECT_EQ(stopped.status, 130);
+    ASSERT_EQ(stopped.messages().size(), 1u);
+    EXPECT_NE(stopped.messages()[0].find("остановлено; снимок из a"), std::string::npos) << stopped.err;
+
+    settings.interruptAtPhase.reset();
+    settings.outputTo = "/dev/full";
+    const RunResult full = run({"list", "films"}, settings);
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.err, "tamlo: не удалось записать стандартный вывод\n");
+}
+
+// Scripts read the JSON: names and groups follow the language, no key and no number does.
+TEST_F(UsageTest, JsonKeepsItsKeysInEveryLanguage)
+{
+    const auto inBoth = [&](const std::vector<std::string>& arguments) {
+        return std::pair(runWithLocale("en_GB.UTF-8", arguments), runWithLocale("ru_RU.UTF-8", arguments));
+    };
+    const std::vector<std::vector<std::string>> commands{{"plan", "a.jpg", "--json"},
+                                                         {"measure", "portra400", "--json"},
+                                                         {"show", "film", "portra400"},
+                                                         {"show", "preset", "kino_1956"}};
+    for (const std::vector<std::string>& command : commands) {
+        SCOPED_TRACE(command.front() + " " + command[1]);
+        const auto [english, russian] = inBoth(command);
+        EXPECT_EQ(russian.status, 0) << russian.err;
+        EXPECT_TRUE(nlohmann::json::accept(russian.out));
+        EXPECT_EQ(russian.out, english.out);
+    }
+    for (const std::string kind : {"films", "lenses", "papers", "filters", "presets"}) {
+        SCOPED_TRACE(kind);
+        const auto [english, russian] = inBoth({"list", kind, "--json"});
+        const auto keysById = [](const std::string& text) {
+            std::map<std::string, std::set<std::string>> keys;
+            for (const nlohmann::json& entry : nlohmann::json::parse(text))
+                for (const auto& [key, value] : entry.items()) keys[entry.at("id")].insert(key);
+            return keys;
+        };
+        EXPECT_EQ(keysById(russian.out), keysById(english.out));
+        EXPECT_TRUE(hasCyrillic(russian.out));
+    }
+}
+
+TEST_F(UsageTest, RefusesALanguageThatItLacks)
+{
+    const std::vector<std::vector<std::string>> lines{{"--lang", "xx", "list", "films"},
+                                                      {"list", "films", "--lang=xx"},
+                                                      {"list", "films", "--lang", "RU"},
+                                                      {"--lang=", "list", "films"},
+                                                      {"--lang", "xx", "--help"}};
+    for (const std::vector<std::string>& line : lines) {
+        SCOPED_TRACE(line.back());
+        const RunResult english = runWithLocale("en_GB.UTF-8", line);
+        EXPECT_EQ(english.status, 2);
+        EXPECT_EQ(english.out, "");
+        EXPECT_TRUE(english.err.starts_with("tamlo: --lang takes ru or en, not '")) << english.err;
+        const RunResult russian = runWithLocale("ru_RU.UTF-8", line);
+        EXPECT_EQ(russian.status, 2);
+        EXPECT_TRUE(russian.err.starts_with("tamlo: --lang ждёт ru или en, а не «")) << russian.err;
+    }
+    EXPECT_EQ(run({"list", "films", "--lang"}).status, 2);
 }
 
 } // namespace
