@@ -176,6 +176,7 @@ TEST_F(UserProfilesTest, OnlyTheUsersOwnIsDeleted)
     for (const char* name : {"portra400", "nosuch"})
         EXPECT_EQ(refusal(name, [&] { store_.deleteUserProfile(Kind::films, name); }),
                   "профиль «" + std::string(name) + "» не пользовательский — удалять нечего");
+    store_.saveUserProfile(Kind::films, "mine", kFilm);
     refusal("nothing in the trash", [&] {
         store_.restoreUserProfile(Kind::films, "mine", root_ / "user/trash/films/mine.tprofile");
     });
@@ -426,7 +427,7 @@ TEST_F(UserProfilesTest, AMoveToAnotherVolumeIsAMove)
     write("user/profiles/films/folder.tprofile/inside", "x");
     refusal("restore", [&] { store_.restoreUserProfile(Kind::films, "folder", other / "away.tprofile"); });
     EXPECT_EQ(read(other / "away.tprofile"), kFilm) << "what can't be moved stays";
-    store_.restoreUserProfile(Kind::films, "mine", other / "away.tprofile");
+    EXPECT_NO_THROW(store_.restoreUserProfile(Kind::films, "mine", other / "away.tprofile"));
     EXPECT_EQ(read(root_ / kFilmFile), kFilm);
     EXPECT_FALSE(fs::exists(other / "away.tprofile"));
     fs::remove_all(other);
@@ -562,6 +563,9 @@ TEST_F(FilmsSortedTest, AUsersBrokenFilmIsNotAmongThem)
     for (const char* broken : {"text", "alien", "half", "secret"})
         EXPECT_EQ(std::ranges::count(films, broken), 0) << broken;
     EXPECT_EQ(store_.data(Kind::films, "text"), "{") << "who asks for it by name still gets it";
+
+    fs::resize_file(root_ / "user/profiles/films/nameless.tprofile", UserFiles::kLargestFile + 1);
+    EXPECT_EQ(store_.filmsSorted().size(), 72u) << "nor one that was broken since it was first looked at";
 }
 
 } // namespace
