@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <set>
 
 namespace tamlo {
@@ -178,7 +177,7 @@ std::vector<std::string> ProfileStore::list(Kind kind, bool includeHidden) const
     std::set<std::string> names(carried.begin(), carried.end());
     std::error_code none; // without a folder of his own the user has no profiles
     for (const fs::directory_entry& entry : fs::directory_iterator(userFile(kind, "").parent_path(), none))
-        if (entry.path().extension() == kUserExtension &&
+        if (entry.path().extension() == kUserExtension && entry.is_regular_file(none) &&
             UserFiles::staysInFolder(entry.path().stem().string()))
             names.insert(entry.path().stem().string());
     for (const std::string& name : names)
@@ -204,17 +203,17 @@ std::vector<std::string> ProfileStore::filmsSorted() const
     };
     std::vector<Key> films;
     for (const std::string& id : list(Kind::films)) {
-        Key key{std::numeric_limits<int>::max(), "", platform::naturalSortKey(id), id};
         try {
             const FilmProfile profile = film(id);
             const std::string name = Loc::pick(profile.name.value_or(id), profile.nameEn);
-            key = {CatalogueGroups::ofFilm(profile).groupOrder,
-                   platform::naturalSortKey(CatalogueGroups::filmBrand(name)), platform::naturalSortKey(name),
-                   id};
+            films.push_back({CatalogueGroups::ofFilm(profile).groupOrder,
+                             platform::naturalSortKey(CatalogueGroups::filmBrand(name)),
+                             platform::naturalSortKey(name), id});
         } catch (const ProfileError&) {
-            // Listed last under its id: the picker tells what is wrong with it.
+            continue; // a user's file that is no film is not offered
+        } catch (const TamloError&) {
+            continue;
         }
-        films.push_back(std::move(key));
     }
     std::ranges::sort(films);
     std::vector<std::string> out;

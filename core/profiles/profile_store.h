@@ -59,7 +59,8 @@ public:
     bool isMarkedHidden(Kind kind, const std::string& name) const;
     /// Carried profiles are; a user's has a type or kind that the program knows.
     bool isRenderable(Kind kind, const std::string& name) const;
-    /// Films as a picker shows them: Neutral, then by type, brand and name in natural order.
+    /// Films as a picker shows them: Neutral, then by type, brand and name in natural order. A user's file
+    /// that can't be read as a film is left out.
     std::vector<std::string> filmsSorted() const;
     /// The nearest listed name, for a "did you mean"; nothing when none is near.
     std::optional<std::string> nearestName(Kind kind, std::string_view name) const;

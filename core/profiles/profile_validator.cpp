@@ -7,7 +7,8 @@
 #include "core/text/loc.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <utility>
 
 namespace tamlo {
 
@@ -123,17 +124,22 @@ void check(const FilterProfile& filter, Messages& problems)
     require(filter.bloom.value_or(0) >= 0, problems, "profiles.err.bloom");
 }
 
-/// A triple of another length than three has a message of its own, by its key.
+/// A triple of another length than three has a message of its own. Only at these places: elsewhere, as among
+/// the filters of a tricolor film, the file chooses the keys.
 std::optional<std::string> tripleMessage(ProfileKind kind, const DecodeError& error)
 {
     if (error.reason() != DecodeError::Reason::wrongCount) return std::nullopt;
-    const std::string key = error.key();
     if (kind == ProfileKind::films && error.path() == "spectral_weights")
         return T("profiles.err.weightsCount", {{"count", error.found()}});
-    constexpr std::array<std::string_view, 6> kKnown{"spectral_weights", "silver", "base", "tone",
-                                                     "glow_chroma",      "gains"};
-    if (std::ranges::find(kKnown, key) == kKnown.end()) return std::nullopt;
-    return T("profiles.err.triple", {{"key", key}});
+    using Place = std::pair<ProfileKind, std::string_view>;
+    constexpr std::array<Place, 6> kPlaces{{{ProfileKind::papers, "spectral_weights"},
+                                            {ProfileKind::papers, "tone"},
+                                            {ProfileKind::papers, "plate_view.silver"},
+                                            {ProfileKind::papers, "plate_view.base"},
+                                            {ProfileKind::lenses, "optics.glow_chroma"},
+                                            {ProfileKind::filters, "gains"}}};
+    if (std::ranges::find(kPlaces, Place{kind, error.path()}) == kPlaces.end()) return std::nullopt;
+    return T("profiles.err.triple", {{"key", error.key()}});
 }
 
 /// The error in the words of the user.

@@ -1,14 +1,11 @@
 #include "core/profiles/profile_store.h"
 
 #include "core/profiles/profile_error.h"
+#include "tests/profiles/user_root.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
-
-#include <unistd.h>
 
 namespace tamlo {
 namespace {
@@ -16,31 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = ProfileStore::Kind;
 
-/// A scratch folder with the environment pointed at it.
-class ProfileStoreTest : public testing::Test {
-protected:
-    ProfileStoreTest() : root_(fs::temp_directory_path() / ("tamlo_store_" + std::to_string(getpid())))
-    {
-        fs::remove_all(root_);
-        fs::create_directories(root_);
-        setenv("TAMLO_USER_DIR", (root_ / "user").c_str(), 1);
-        unsetenv("TAMLO_PROFILES");
-    }
-    ~ProfileStoreTest() override
-    {
-        unsetenv("TAMLO_USER_DIR");
-        unsetenv("TAMLO_PROFILES");
-        fs::remove_all(root_);
-    }
-
-    void write(const fs::path& relative, const std::string& text) const
-    {
-        fs::create_directories((root_ / relative).parent_path());
-        std::ofstream(root_ / relative) << text;
-    }
-
-    fs::path root_;
-};
+class ProfileStoreTest : public UserRootTest {};
 
 constexpr const char* kFilm = R"({"name": "Mine", "type": "color"})";
 
