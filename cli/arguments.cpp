@@ -138,9 +138,9 @@ void describeMeasure(CLI::App& command, MeasureArguments& into)
 void describeCatalogue(CLI::App& app, ListArguments& list, ShowArguments& show, CheckArguments& check,
                        ImportArguments& import, ExportArguments& exported)
 {
-    const std::string oneKind = joined(singularKinds(), T("cli.or"));
+    const std::string oneKind = joined(singularKinds(), T("common.or"));
     auto* listCommand = app.add_subcommand("list", T("cli.help.list"));
-    addArgument(*listCommand, "KIND", list.kind, joined(pluralKinds(), T("cli.or")));
+    addArgument(*listCommand, "KIND", list.kind, joined(pluralKinds(), T("common.or")));
     listCommand->add_flag("--json", list.json, T("cli.help.jsonArray"));
     auto* showCommand = app.add_subcommand("show", T("cli.help.show"));
     addArgument(*showCommand, "KIND", show.kind, oneKind);
@@ -167,7 +167,7 @@ std::string commandNames(const CLI::App& app)
 {
     std::vector<std::string> names;
     for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
-    return joined(names, T("cli.and"));
+    return joined(names, T("common.and"));
 }
 
 /// Headings, and the options that the parser brings. Before any command is added, which takes them over.

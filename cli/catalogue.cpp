@@ -46,7 +46,7 @@ ProfileStore::Kind kindNamed(const std::string& text)
 {
     for (const KindWords& row : kKindWords)
         if (text == row.one || text == row.all) return row.kind;
-    throw UsageError(T("cli.noSuchKind", {{"list", joined(pluralKinds(), T("cli.and"))}, {"kind", text}}));
+    throw UsageError(T("cli.noSuchKind", {{"list", joined(pluralKinds(), T("common.and"))}, {"kind", text}}));
 }
 
 void requireProfile(const ProfileStore& store, ProfileStore::Kind kind, const std::string& id)

@@ -1,42 +1,19 @@
 #include "core/profiles/json_codec.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace tamlo {
 
-namespace {
-
-/// How deep blocks and lists lie in each other, whatever else is wrong with the text.
-int deepestLevel(std::string_view text)
-{
-    int level = 0, deepest = 0;
-    bool quoted = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quoted) {
-            if (c == '\\') ++i;
-            quoted = c != '"';
-        } else if (c == '"') {
-            quoted = true;
-        } else if (c == '{' || c == '[') {
-            deepest = std::max(deepest, ++level);
-        } else if (c == '}' || c == ']') {
-            --level;
-        }
-    }
-    return deepest;
-}
-
-} // namespace
-
 Json parseJsonText(std::string_view text)
 {
-    if (deepestLevel(text) > kDeepestJson)
-        throw DecodeError::notJson("blocks lie more than " + std::to_string(kDeepestJson) + " deep");
+    const auto notTooDeep = [](int depth, Json::parse_event_t, const Json&) {
+        if (depth > kDeepestJson)
+            throw DecodeError::notJson("blocks lie more than " + std::to_string(kDeepestJson) + " deep");
+        return true;
+    };
     try {
-        return Json::parse(text);
+        return Json::parse(text, notTooDeep);
     } catch (const Json::exception& error) {
         // The library puts its own name and number of the error in brackets before the text.
         const std::string_view what = error.what();

@@ -4,6 +4,7 @@
 #include "core/profiles/seed_stream.h"
 
 #include "core/image/tamlo_error.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <charconv>
@@ -32,7 +33,7 @@ std::string joinedChoices(const Range& texts)
     std::string out;
     std::size_t i = 0;
     for (std::string_view text : texts) {
-        if (i > 0) out += i + 1 == std::size(texts) ? " or " : ", ";
+        if (i > 0) out += i + 1 == std::size(texts) ? " " + T("common.or") + " " : ", ";
         out += inQuotes(text);
         ++i;
     }
@@ -41,8 +42,8 @@ std::string joinedChoices(const Range& texts)
 
 TamloError notAllowed(const OptionRow& row, std::string_view value)
 {
-    return TamloError::invalidArgument("the option " + inQuotes(row.key) + " must be " + allowedText(row) +
-                                       ", not " + inQuotes(value));
+    return TamloError::invalidArgument(
+        T("options.err.notAllowed", {{"key", row.key}, {"allowed", allowedText(row)}, {"value", value}}));
 }
 
 template <typename Number>
@@ -178,24 +179,25 @@ std::vector<std::string> optionKeys()
 
 std::string allowedText(const OptionRow& row)
 {
-    if (!row.allowed.empty()) return "one of " + joinedChoices(row.allowed);
+    if (!row.allowed.empty()) return T("options.oneOf", {{"list", joinedChoices(row.allowed)}});
     const std::string range =
-        row.hasRange ? " from " + shortNumber(row.low) + " to " + shortNumber(row.high) : std::string();
+        row.hasRange ? T("options.range", {{"low", shortNumber(row.low)}, {"high", shortNumber(row.high)}})
+                     : std::string();
     switch (row.type) {
     case OptionType::number:
-        return "a number" + range;
+        return T("options.number", {{"range", range}});
     case OptionType::integer:
-        return "an integer" + range;
+        return T("options.integer", {{"range", range}});
     case OptionType::boolean:
-        return "true or false";
+        return T("options.boolean");
     case OptionType::text:
-        return "a text";
+        return T("options.text");
     case OptionType::numbers:
-        return "three numbers R,G,B";
+        return T("options.triple");
     case OptionType::seeds:
-        return "a list of STREAM=COUNT with the streams " + joinedChoices(Pipeline::kSeedStreamTexts);
+        return T("options.seeds", {{"list", joinedChoices(Pipeline::kSeedStreamTexts)}});
     case OptionType::crop:
-        return "x,y,w,h or x,y,w,h,angle with x, y, w, h from 0 to 1 and a size above 0";
+        return T("options.crop");
     }
     return {};
 }
@@ -206,8 +208,8 @@ void setOption(RenderOptions& options, const std::string& key, const std::string
     if (!row) {
         const std::optional<std::string> nearest = nearestText(key, optionKeys());
         throw TamloError::invalidArgument(
-            "there is no option " + inQuotes(key) +
-            (nearest ? "; the nearest is " + inQuotes(*nearest) : std::string()));
+            nearest ? T("options.err.unknownNear", {{"key", key}, {"nearest", *nearest}})
+                    : T("options.err.unknown", {{"key", key}}));
     }
     if (value.empty() && row->clear) {
         row->clear(options);
