@@ -84,8 +84,9 @@ std::span<const Field<PaperLayer>> FieldTable<PaperLayer>::rows()
                         "its own, in place of the paper's; larger reaches deeper; 1.1 to 1.3 in use"),
         field<&T::gamma>("gamma", "",
                          "its own, in place of the paper's; larger is more contrast; 1.4 to 1.9 in use"),
-        field<&T::toe>("toe", "",
-                       "its own, in place of the paper's; larger is softer highlights; 0.9 to 0.95 in use"),
+        field<&T::toe>(
+            "toe", "",
+            "its own, in place of the paper's; larger eases into white sooner; 0.9 to 0.95 in use"),
     };
     return kRows;
 }
@@ -221,8 +222,8 @@ std::span<const Field<PaperProfile>> FieldTable<PaperProfile>::rows()
                          "slope at middle grey at grade 2, above 0; larger is more contrast; 0.84 to 2.35 in "
                          "use, absent 1.8"),
         field<&T::toe>("toe", "",
-                       "length of the foot, which holds the highlights; larger eases into white more softly; "
-                       "0.9 to 1.55 in use, absent 1.25"),
+                       "shape of the curve; larger eases into white sooner and keeps the blacks apart "
+                       "longer; 0.9 to 1.55 in use, absent 1.25"),
         field<&T::flare>(
             "flare", "share",
             "stray light of the enlarger; larger greys the highlights and flattens them; 0.008 in use"),

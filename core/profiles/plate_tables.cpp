@@ -17,10 +17,10 @@ std::span<const Field<NegativeLayer>> FieldTable<NegativeLayer>::rows()
         requiredField<&T::gamma>("gamma", "density per log exposure",
                                  "slope at middle grey, above 0; larger is more contrast; 0.5 to 0.8 on most "
                                  "negatives, 1 to 1.6 on slides and instant film in use"),
-        field<&T::toe>(
-            "toe", "",
-            "length of the foot, above 0; larger bends the foot sooner and more softly, so that deep shadows "
-            "flatten; 0.35 to 1.9 in use, absent 1.6 on silver, 1.5 on colour negatives, 1.2 on slides"),
+        field<&T::toe>("toe", "",
+                       "shape of the curve, above 0; larger bends the shadows sooner and more softly and "
+                       "keeps the highlights straight longer; 0.35 to 1.9 in use, absent 1.6 on silver, 1.5 "
+                       "on colour negatives, 1.2 on slides"),
         field<&T::midDensity>(
             "mid_density", "density",
             "density of a grey card above dmin, above 0 and below dmax - dmin; larger puts grey further from "
