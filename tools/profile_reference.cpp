@@ -129,7 +129,7 @@ std::string fieldTables()
     for (const Node& node : top) {
         if (node.below.empty()) continue;
         const bool isList = node.doc.type.starts_with("a list");
-        out += "\n### " + code(node.name) + ": " + node.doc.meaning + "\n\n" + head;
+        out += "\n### " + code(node.name) + "\n\n" + head;
         putRows(node.name + (isList ? "[]" : ""), node.below, out);
     }
     return out;
