@@ -6,9 +6,11 @@ std::span<const Field<ChatterColor>> FieldTable<ChatterColor>::rows()
 {
     using T = ChatterColor;
     static constexpr Field<T> kRows[] = {
-        field<&T::r>("r", "", "gain on red at low and high density"),
-        field<&T::b>("b", "", "gain on blue at low and high density"),
-        field<&T::dRange>("d_range", "density", "the two densities"),
+        field<&T::r>("r", "",
+                     "gain on red at the two densities; above 1 is redder marks; 0.65 and 1.35 in use"),
+        field<&T::b>("b", "",
+                     "gain on blue at the two densities; above 1 is bluer marks; 1.3 and 0.9 in use"),
+        field<&T::dRange>("d_range", "density", "the two densities; 0.3 and 1.2 in use"),
     };
     return kRows;
 }
@@ -17,26 +19,45 @@ std::span<const Field<ChatterParams>> FieldTable<ChatterParams>::rows()
 {
     using T = ChatterParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::amp>("amp", "density", "amplitude"),
-        field<&T::cardVar>("card_var", "", "spread from card to card"),
-        field<&T::endGain>("end_gain", "", "range of the extra strength at the ends of the pull"),
-        field<&T::endMm>("end_mm", "mm", "reach of the ends"),
-        field<&T::alongMm>("along_mm", "mm", "scale along the pull"),
-        field<&T::acrossMm>("across_mm", "mm", "scale across the pull"),
-        field<&T::isoMm>("iso_mm", "mm", "scale of the isotropic part"),
-        field<&T::isoShare>("iso_share", "share", "isotropic part"),
-        field<&T::coarseAlongMm>("coarse_along_mm", "mm", "coarse scale along the pull"),
-        field<&T::coarseAcrossMm>("coarse_across_mm", "mm", "coarse scale across the pull"),
-        field<&T::coarseShare>("coarse_share", "share", "coarse part"),
-        field<&T::clusterMm>("cluster_mm", "mm", "scale of the clusters"),
-        field<&T::clusterMod>("cluster_mod", "", "depth of the clusters"),
-        field<&T::pasteAmp>("paste_amp", "density", "amplitude of the paste"),
-        field<&T::pasteMm>("paste_mm", "mm", "scale of the paste"),
-        field<&T::ampBySize>("amp_by_size", "density", "amplitude by sheet size"),
-        field<&T::pasteMmBySize>("paste_mm_by_size", "mm", "scale of the paste by sheet size"),
-        field<&T::dGain>("d_gain", "", "gain by density"),
-        field<&T::coarseFloor>("coarse_floor", "", "least share of the coarse part"),
-        field<&T::color>("color", "", "how it shares out over the layers"),
+        field<&T::amp>("amp", "density",
+                       "strength of the marks that the rollers leave across the pull; larger shows more; "
+                       "0.009 to 0.016 in use"),
+        field<&T::cardVar>("card_var", "share",
+                           "spread of that strength from card to card; larger differs more; 0.3 in use"),
+        field<&T::endGain>("end_gain", "share",
+                           "least and greatest extra strength at the two ends of the pull; larger marks the "
+                           "ends more; 0.3 and 1 in use"),
+        field<&T::endMm>("end_mm", "mm", "reach of the ends; larger reaches further in; 8 in use"),
+        field<&T::alongMm>("along_mm", "mm",
+                           "scale of the fine marks along the pull; larger is wider bars; 0.75 in use"),
+        field<&T::acrossMm>("across_mm", "mm",
+                            "their scale across the pull; larger is longer bars; 3.5 in use"),
+        field<&T::isoMm>("iso_mm", "mm", "scale of a round part mixed in; larger is coarser; 0.5 in use"),
+        field<&T::isoShare>("iso_share", "share", "that round part; larger looks less like bars; 0.3 in use"),
+        field<&T::coarseAlongMm>(
+            "coarse_along_mm", "mm",
+            "scale of the coarse marks along the pull; larger is wider bars; 2.5 in use"),
+        field<&T::coarseAcrossMm>("coarse_across_mm", "mm",
+                                  "their scale across the pull; larger is longer bars; 8 in use"),
+        field<&T::coarseShare>("coarse_share", "share",
+                               "coarse marks among all; larger is broader unevenness; 0.5 in use"),
+        field<&T::clusterMm>("cluster_mm", "mm",
+                             "scale on which the marks gather; larger is wider groups; 8 in use"),
+        field<&T::clusterMod>(
+            "cluster_mod", "share",
+            "how unevenly they gather; larger leaves clearer gaps between groups; 0.5 in use"),
+        field<&T::pasteAmp>(
+            "paste_amp", "density",
+            "strength of the clouds that the paste leaves; larger shows more; 0.012 to 0.022 in use"),
+        field<&T::pasteMm>("paste_mm", "mm", "their scale; larger is wider clouds; 5.7 in use"),
+        field<&T::ampBySize>("amp_by_size", "density", "amp by sheet size (3x4, 4x5, 8x10), in place of amp"),
+        field<&T::pasteMmBySize>("paste_mm_by_size", "mm", "paste_mm by sheet size, in place of paste_mm"),
+        field<&T::dGain>("d_gain", "",
+                         "densities where the marks begin and are full, and the share below the first; a "
+                         "larger last number marks light parts more; 0.1, 0.8, 0.3 in use"),
+        field<&T::coarseFloor>("coarse_floor", "share",
+                               "that share for the coarse marks; larger marks light parts more; 0.7 in use"),
+        field<&T::color>("color", "", "how the marks share out over the layers"),
     };
     return kRows;
 }
@@ -45,18 +66,25 @@ std::span<const Field<SilkLatticeParams>> FieldTable<SilkLatticeParams>::rows()
 {
     using T = SilkLatticeParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::amp>("amp", "", "amplitude"),
-        field<&T::pitchMm>("pitch_mm", "mm", "pitch of the lattice"),
-        field<&T::rowMm>("row_mm", "mm", "distance of the rows"),
-        field<&T::rowLine>("row_line", "", "strength of the row lines"),
-        field<&T::dot>("dot", "", "size of a dot"),
-        field<&T::jitterMm>("jitter_mm", "mm", "jitter of the dots"),
-        field<&T::jitterSigmaMm>("jitter_sigma_mm", "mm", "scale of the jitter"),
-        field<&T::mod>("mod", "", "modulation"),
-        field<&T::modSigmaMm>("mod_sigma_mm", "mm", "scale of the modulation"),
-        field<&T::grain>("grain", "", "fine grain of the surface"),
-        field<&T::grainMm>("grain_mm", "mm", "its scale"),
-        field<&T::dGain>("d_gain", "", "gain by density"),
+        field<&T::amp>("amp", "density", "strength of the pressed lattice; larger shows more; 0.03 in use"),
+        field<&T::pitchMm>("pitch_mm", "mm",
+                           "distance of the pits along a row; larger is coarser; 0.42 in use, absent 0.36"),
+        field<&T::rowMm>("row_mm", "mm", "distance of the rows; larger is coarser; 0.36 in use, absent 0.72"),
+        field<&T::rowLine>("row_line", "",
+                           "strength of the grooves between rows; larger draws lines; 0.35 in use, absent 1"),
+        field<&T::dot>("dot", "", "strength of the pits; larger draws points; 0.55 in use, absent 0.8"),
+        field<&T::jitterMm>("jitter_mm", "mm",
+                            "how far the lattice wanders; larger is less regular; 0.03 in use"),
+        field<&T::jitterSigmaMm>("jitter_sigma_mm", "mm",
+                                 "scale of that wander; larger bends slower; 1.2 in use"),
+        field<&T::mod>("mod", "share", "how unevenly deep the lattice is; larger is patchier; 0.25 in use"),
+        field<&T::modSigmaMm>("mod_sigma_mm", "mm", "scale of those patches; larger is wider ones; 6 in use"),
+        field<&T::grain>("grain", "share",
+                         "fine noise in place of lattice; larger is rougher and less regular; 0.3 in use"),
+        field<&T::grainMm>("grain_mm", "mm", "its scale; larger is coarser; 0.08 in use"),
+        field<&T::dGain>("d_gain", "",
+                         "densities where the lattice begins and is full, and the share below the first; a "
+                         "larger last number shows it more in light parts; 0.3, 1, 0.5 in use"),
     };
     return kRows;
 }
@@ -65,15 +93,25 @@ std::span<const Field<TextureParams>> FieldTable<TextureParams>::rows()
 {
     using T = TextureParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::mottleScale>("mottle_scale", "fraction of the frame", "scale of development mottle"),
-        field<&T::mottleAmp>("mottle_amp", "density", "its amplitude"),
-        field<&T::fineAmp>("fine_amp", "density", "amplitude of fine noise"),
-        field<&T::streaksAmp>("streaks_amp", "density", "amplitude of roller streaks"),
-        field<&T::silkAmp>("silk_amp", "density", "amplitude of the plain silk texture"),
-        field<&T::silkScaleUm>("silk_scale_um", "um", "its scale"),
-        field<&T::cardUm>("card_um", "um", "long side of the picture when the frame block does not give it"),
-        field<&T::chatter>("chatter", "", "roller chatter of pack film"),
-        field<&T::silkLattice>("silk_lattice", "", "embossed lattice of the Silk surface"),
+        field<&T::mottleScale>(
+            "mottle_scale", "fraction of the width",
+            "scale (sigma) of development clouds; larger is wider clouds; 0.05 to 0.07 in use"),
+        field<&T::mottleAmp>("mottle_amp", "density",
+                             "their strength; larger is a cloudier picture; 0 to 0.028 in use"),
+        field<&T::fineAmp>(
+            "fine_amp", "density",
+            "strength of noise as fine as the pixels; larger is grittier; 0.005 to 0.01 in use"),
+        field<&T::streaksAmp>("streaks_amp", "density",
+                              "strength of streaks along the pull; larger shows more; 0 to 0.014 in use"),
+        field<&T::silkAmp>("silk_amp", "density",
+                           "strength of a plain silk surface; larger shows more; 0.012 in use"),
+        field<&T::silkScaleUm>("silk_scale_um", "µm",
+                               "its scale on the card; larger is coarser; 420 in use, absent 90"),
+        field<&T::cardUm>("card_um", "µm",
+                          "width of the picture on the card, where the frame block gives none; larger makes "
+                          "every structure finer in the picture; absent 73000"),
+        field<&T::chatter>("chatter", "", "marks of the rollers on pack film"),
+        field<&T::silkLattice>("silk_lattice", "", "pressed lattice of a silk surface"),
     };
     return kRows;
 }
@@ -82,11 +120,19 @@ std::span<const Field<ToneMottleParams>> FieldTable<ToneMottleParams>::rows()
 {
     using T = ToneMottleParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::amp>("amp", "", "amplitude"),
-        field<&T::scale>("scale", "", "scale"),
-        field<&T::warm>("warm", "", "colour of the warm patches"),
-        field<&T::densityBias>("density_bias", "", "bias towards dense places"),
-        field<&T::frameVar>("frame_var", "", "spread from frame to frame"),
+        field<&T::amp>("amp", "share",
+                       "strength of the warm clouds; larger shows more; 0.008 to 0.045 in use"),
+        field<&T::scale>("scale", "fraction of the width",
+                         "their scale; larger is wider clouds; 0.06 in use, absent 0.09"),
+        field<&T::warm>("warm", "",
+                        "how the clouds tint R, G, B; larger lightens that channel more; 1.02 to 1.04, 1, "
+                        "0.93 to 0.97 in use"),
+        field<&T::densityBias>("density_bias", "share",
+                               "how much more thin silver is toned than dense; larger leaves the blacks "
+                               "alone; 0.4 to 0.5 in use"),
+        field<&T::frameVar>(
+            "frame_var", "share",
+            "spread of the strength from frame to frame; larger differs more; 0.15 to 0.25 in use"),
     };
     return kRows;
 }
@@ -95,8 +141,9 @@ std::span<const Field<WindowLine>> FieldTable<WindowLine>::rows()
 {
     using T = WindowLine;
     static constexpr Field<T> kRows[] = {
-        field<&T::mm>("mm", "mm", "width"),
-        field<&T::gain>("gain", "", "strength"),
+        field<&T::mm>("mm", "mm", "width of the line round the opening; larger is wider; 0.06 in use"),
+        field<&T::gain>("gain", "share",
+                        "light left in the line; larger is a fainter line, 1 is none; 0.25 in use"),
     };
     return kRows;
 }
@@ -105,9 +152,9 @@ std::span<const Field<CornerLeaf>> FieldTable<CornerLeaf>::rows()
 {
     using T = CornerLeaf;
     static constexpr Field<T> kRows[] = {
-        field<&T::style>("style", "", "round or chamfer"),
-        field<&T::mm>("mm", "mm", "size"),
-        field<&T::roundMm>("round_mm", "mm", "rounding of a chamfer"),
+        field<&T::style>("style", "", "round or chamfer (cut straight)"),
+        field<&T::mm>("mm", "mm", "size; larger takes more off the corner, 0 is square"),
+        field<&T::roundMm>("round_mm", "mm", "rounding of a chamfer; larger is softer; absent 0.3 of mm"),
     };
     return kRows;
 }
@@ -116,10 +163,10 @@ std::span<const Field<CornerSpec>> FieldTable<CornerSpec>::rows()
 {
     using T = CornerSpec;
     static constexpr Field<T> kRows[] = {
-        field<&T::style>("style", "", "round or chamfer"),
-        field<&T::mm>("mm", "mm", "size of all corners"),
-        field<&T::roundMm>("round_mm", "mm", "rounding of a chamfer"),
-        field<&T::tl>("tl", "", "top left corner; null is square"),
+        field<&T::style>("style", "", "round or chamfer (cut straight), of all corners"),
+        field<&T::mm>("mm", "mm", "size of all corners; larger takes more off, 0 is square; 0.3 in use"),
+        field<&T::roundMm>("round_mm", "mm", "rounding of a chamfer; larger is softer; absent 0.3 of mm"),
+        field<&T::tl>("tl", "", "top left corner in place of the common values; null is square"),
         field<&T::tr>("tr", "", "top right corner; null is square"),
         field<&T::bl>("bl", "", "bottom left corner; null is square"),
         field<&T::br>("br", "", "bottom right corner; null is square"),
@@ -131,24 +178,47 @@ std::span<const Field<InstantFrameParams>> FieldTable<InstantFrameParams>::rows(
 {
     using T = InstantFrameParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::style>("style", "", "integral or peel"),
+        field<&T::style>("style", "", "integral (a card with a mask) or peel (a sheet of pack film)"),
         field<&T::crop>("crop", "", "how the picture is cut to the card: square or aspect"),
-        field<&T::sideFrac>("side_frac", "fraction of the width", "side border"),
-        field<&T::topRatio>("top_ratio", "side borders", "top border"),
-        field<&T::bottomRatio>("bottom_ratio", "side borders", "bottom border"),
-        field<&T::baseTint>("base_tint", "", "colour of the card"),
-        field<&T::nativeOrientation>("native_orientation", "", "portrait or landscape"),
-        field<&T::imageLongMm>("image_long_mm", "mm", "long side of the picture"),
-        field<&T::imageShortMm>("image_short_mm", "mm", "short side of the picture"),
-        field<&T::windowLine>("window_line", "", "thin line at the edge of the picture"),
-        field<&T::chips>("chips", "", "strength of the chipped edge"),
-        field<&T::chipsBySize>("chips_by_size", "", "the same by sheet size"),
-        field<&T::edgeYellow>("edge_yellow", "", "yellowing of the edge"),
-        field<&T::sizes>("sizes", "", "sheet sizes of a peel-apart film"),
-        field<&T::corner>("corner", "", "shape of the corners"),
-        field<&T::embossUm>("emboss_um", "um", "height of the embossed lattice"),
-        field<&T::stepMm>("step_mm", "mm", "step of the lattice"),
-        field<&T::thicknessMm>("thickness_mm", "mm", "thickness of the card"),
+        field<&T::sideFrac>(
+            "side_frac", "fraction of the long side",
+            "side border of an integral card; larger is a wider card; 0.045 to 0.081 in use, absent 0.06"),
+        field<&T::topRatio>(
+            "top_ratio", "side borders",
+            "top border of an integral card; larger is a higher card; 1.3 to 1.62 in use, absent 1"),
+        field<&T::bottomRatio>(
+            "bottom_ratio", "side borders",
+            "bottom border of an integral card; larger is a deeper chin; 3.4 to 4.4 in use, absent 1"),
+        field<&T::baseTint>("base_tint", "", "colour of the card; larger is lighter; 0.865 to 0.95 in use"),
+        field<&T::nativeOrientation>("native_orientation", "",
+                                     "portrait or landscape: how the card leaves the camera; a picture of "
+                                     "the other way gets a turned card"),
+        field<&T::imageLongMm>("image_long_mm", "mm",
+                               "long side of the picture; larger makes every structure of the card finer in "
+                               "the picture; 62 to 99 in use"),
+        field<&T::imageShortMm>("image_short_mm", "mm",
+                                "short side of the picture; 62 to 79 in use, absent: as the long side"),
+        field<&T::windowLine>("window_line", "", "dark line round the opening of an integral card"),
+        field<&T::chips>("chips", "",
+                         "how often the emulsion of a peeled sheet is chipped at its edge; larger is more "
+                         "chips; 1 to 1.2 in use"),
+        field<&T::chipsBySize>("chips_by_size", "",
+                               "the same by sheet size (3x4, 4x5, 8x10), in place of chips"),
+        field<&T::edgeYellow>(
+            "edge_yellow", "",
+            "yellowing of a peeled sheet from its edge; larger is yellower; 0.8 to 1.4 in use"),
+        field<&T::sizes>("sizes", "",
+                         "sheet sizes of a pack film, the first being the usual one: 3x4, 4x5, 8x10"),
+        field<&T::corner>("corner", "", "corners of an integral card; null is square, absent: round, 0.3 mm"),
+        field<&T::embossUm>("emboss_um", "µm",
+                            "height of the lattice pressed into the card; larger catches more light, 0 is a "
+                            "smooth card; 0 to 16 in use"),
+        field<&T::stepMm>(
+            "step_mm", "mm",
+            "step of that lattice as measured; kept with the profile, changes no pixel; 1.6 in use"),
+        field<&T::thicknessMm>("thickness_mm", "mm",
+                               "thickness of the card; larger throws a longer shadow on the table; 0.2 to "
+                               "0.45 in use, absent 0.45"),
     };
     return kRows;
 }

@@ -6,10 +6,18 @@ std::span<const Field<ApertureResponse>> FieldTable<ApertureResponse>::rows()
 {
     using T = ApertureResponse;
     static constexpr Field<T> kRows[] = {
-        field<&T::vignetteTau>("vignette_tau", "stops", "how fast the fall-off opens up"),
-        field<&T::vignetteResidual>("vignette_residual", "share", "fall-off that stays"),
-        field<&T::saFalloff>("sa_falloff", "", "how fast glow dies when stopping down"),
-        field<&T::swirlFalloff>("swirl_falloff", "", "how fast field aberrations die"),
+        field<&T::vignetteTau>("vignette_tau", "stops",
+                               "how slowly the fall-off clears when stopping down; larger keeps it over more "
+                               "stops; 1 to 2.5 in use, absent 1.4"),
+        field<&T::vignetteResidual>(
+            "vignette_residual", "share",
+            "fall-off that stays at any stop; larger keeps the corners darker; 0.25 to 1 in use, absent 0.3"),
+        field<&T::saFalloff>("sa_falloff", "halvings per stop",
+                             "how fast glow, bloom, softness and coma die when stopping down; larger is "
+                             "crisp sooner, 0 never; 0 to 1.7 in use, absent 1.1"),
+        field<&T::swirlFalloff>("swirl_falloff", "halvings per stop",
+                                "how fast swirl and field curvature die; larger is calm sooner, 0 never; 0 "
+                                "to 0.9 in use, absent 0.55"),
     };
     return kRows;
 }
@@ -18,34 +26,79 @@ std::span<const Field<OpticsParams>> FieldTable<OpticsParams>::rows()
 {
     using T = OpticsParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::veil>("veil", "share of the mean light", "veiling glare"),
-        field<&T::bloom>("bloom", "", "strength of the highlight bloom"),
-        field<&T::bloomThreshold>("bloom_threshold", "linear scene light", "level above which bloom starts"),
-        field<&T::bloomSigma1>("bloom_sigma1", "fraction of the long side", "tight radius"),
-        field<&T::bloomSigma2>("bloom_sigma2", "fraction of the long side", "wide radius"),
-        field<&T::bloomHaloMix>("bloom_halo_mix", "share", "wide radius"),
-        field<&T::bloomTint>("bloom_tint", "", "colour of the bloom"),
-        field<&T::ca>("ca", "fraction of the long side", "lateral chromatic aberration"),
-        field<&T::vignette>("vignette", "stops", "fall-off in the corners; not negative"),
-        field<&T::vignettePower>("vignette_power", "", "shape of the fall-off"),
-        field<&T::soften>("soften", "", "softness of the whole frame; not negative"),
-        field<&T::softenMix>("soften_mix", "share", "soft image"),
-        field<&T::cast>("cast", "", "colour cast of the glass"),
-        field<&T::distortion>("distortion", "", "cubic radial term k3"),
-        field<&T::distortionK5>("distortion_k5", "", "fifth-order radial term k5"),
-        field<&T::fieldCurvature>("field_curvature", "fraction of the long side", "Petzval field curvature"),
-        field<&T::astigmatism>("astigmatism", "fraction of the long side", "tangential smear in the field"),
-        field<&T::coma>("coma", "fraction of the long side", "coma towards the edges"),
-        field<&T::fieldPower>("field_power", "", "exponent of the growth over the field"),
-        field<&T::defocusBias>("defocus_bias", "", "where in the frame best focus lies"),
-        field<&T::glow>("glow", "", "spherical-aberration glow; not negative"),
+        field<&T::veil>("veil", "share",
+                        "light that strays over the whole frame; larger greys the shadows; 0 to 0.06 in use"),
+        field<&T::bloom>("bloom", "",
+                         "strength of the bloom round highlights; larger glows more; 0 to 0.3 in use"),
+        field<&T::bloomThreshold>("bloom_threshold", "linear scene light",
+                                  "level above which light blooms, where middle grey is 0.18; larger leaves "
+                                  "it to the brightest lights; 0.6 to 0.85 in use, absent 0.75"),
+        field<&T::bloomSigma1>("bloom_sigma1", "fraction of the long side",
+                               "tight radius of the bloom; larger is wider; 0.002 to 0.005 in use"),
+        field<&T::bloomSigma2>("bloom_sigma2", "fraction of the long side",
+                               "wide radius of the bloom; larger is wider; 0.009 to 0.03 in use"),
+        field<&T::bloomHaloMix>("bloom_halo_mix", "share",
+                                "part of the bloom that goes to the wide radius; larger is a haze, smaller a "
+                                "rim; 0.28 to 0.5 in use, absent 0.4"),
+        field<&T::bloomTint>("bloom_tint", "",
+                             "colour of the bloom; larger in a channel tints it its way; 1, 0.975 to 0.99, "
+                             "0.92 to 0.96 in use"),
+        field<&T::ca>("ca", "share",
+                      "lateral colour: red is enlarged and blue reduced by this; larger is wider fringes "
+                      "towards the edges; 0 to 0.0012 in use"),
+        field<&T::vignette>(
+            "vignette", "share",
+            "light lost in the corners, not negative; larger is darker corners; 0.06 to 0.823 in use"),
+        field<&T::vignettePower>("vignette_power", "",
+                                 "shape of the fall-off; larger keeps the middle even and darkens the "
+                                 "corners alone; 1.2 to 2.5 in use, absent 2.5"),
+        field<&T::soften>(
+            "soften", "thousandths of the long side",
+            "radius of the softness of the whole frame, not negative; larger is softer; 0 to 2 in use"),
+        field<&T::softenMix>("soften_mix", "share",
+                             "soft image over the sharp one; larger is softer; 0.4 to 1 in use, absent 0.6"),
+        field<&T::cast>("cast", "",
+                        "colour of the glass; larger in a channel tints the picture its way; 1 to 1.02, 1, "
+                        "0.96 to 1 in use"),
+        field<&T::distortion>(
+            "distortion", "",
+            "cubic radial term; larger is more barrel, below 0 is pincushion; -0.004 to 0.03 in use"),
+        field<&T::distortionK5>("distortion_k5", "",
+                                "fifth-order radial term, which acts in the corners; larger is more barrel "
+                                "there; -0.008 to 0 in use"),
+        field<&T::fieldCurvature>(
+            "field_curvature", "fraction of the long side",
+            "blur of the corners in all directions; larger is softer edges; 0.0015 to 0.006 in use"),
+        field<&T::astigmatism>(
+            "astigmatism", "fraction of the long side",
+            "smear along circles round the centre; larger is a stronger swirl; 0.0008 to 0.012 in use"),
+        field<&T::coma>(
+            "coma", "fraction of the long side",
+            "smear along the radius; larger draws lights near the edge into flares; 0.001 to 0.0016 in use"),
+        field<&T::fieldPower>("field_power", "",
+                              "how the three grow outwards; larger keeps the centre sharp and hits the "
+                              "corners; 2 in use and when absent"),
+        field<&T::defocusBias>("defocus_bias", "share",
+                               "how much of them sharp detail escapes; larger leaves the smear to what is "
+                               "out of focus; 0.3 to 0.55 in use"),
+        field<&T::glow>("glow", "share",
+                        "soft image of spherical aberration over the sharp one, not negative; larger is "
+                        "dreamier; 0 to 0.4 in use"),
         field<&T::glowRadius>("glow_radius", "fraction of the long side",
-                              "its radius; above 0 whenever glow is"),
-        field<&T::glowRing>("glow_ring", "share", "ring in the glow"),
-        field<&T::glowChroma>("glow_chroma", "", "colour of the glow"),
-        field<&T::glowFocusShift>("glow_focus_shift", "", "shift of focus by the glow"),
-        field<&T::chromaSoft>("chroma_soft", "thousandths of the long side", "softness per channel"),
-        field<&T::apertureResponse>("aperture_response", "", "how all this changes with the stop"),
+                              "its radius, above 0 where there is glow; larger is wider; 0 to 0.02 in use"),
+        field<&T::glowRing>(
+            "glow_ring", "share",
+            "core taken out of the glow, held to 0.95; larger is a ring instead of a halo; 0 to 0.55 in use"),
+        field<&T::glowChroma>("glow_chroma", "",
+                              "radius of the glow in R, G, B as multiples; larger spreads that colour wider; "
+                              "1, 0.94 to 0.99, 0.85 to 0.98 in use"),
+        field<&T::glowFocusShift>(
+            "glow_focus_shift", "fraction of the long side",
+            "sharpness that the focus shift costs, times the glow; larger is softer; 0.002 in use"),
+        field<&T::chromaSoft>(
+            "chroma_soft", "thousandths of the long side",
+            "softness of R, G, B alone; larger is softer in that colour; 0.8, 0.3, 1.2 in use"),
+        field<&T::apertureResponse>("aperture_response", "", "how the faults shrink when stopping down"),
     };
     return kRows;
 }
@@ -54,10 +107,14 @@ std::span<const Field<SieveDisc>> FieldTable<SieveDisc>::rows()
 {
     using T = SieveDisc;
     static constexpr Field<T> kRows[] = {
-        requiredField<&T::id>("id", "", "id"),
+        requiredField<&T::id>("id", "", "id of the disc"),
         requiredField<&T::name>("name", "", "display name"),
-        requiredField<&T::glowMult>("glow_mult", "", "value for the option glow_mult"),
-        requiredField<&T::glowRadiusMult>("glow_radius_mult", "", "value for the option glow_radius_mult"),
+        requiredField<&T::glowMult>(
+            "glow_mult", "",
+            "value that the disc gives the option glow_mult; larger glows more; 0.6 to 1.35 in use"),
+        requiredField<&T::glowRadiusMult>(
+            "glow_radius_mult", "",
+            "value that the disc gives the option glow_radius_mult; larger glows wider; 0.8 to 1.2 in use"),
     };
     return kRows;
 }
@@ -66,14 +123,18 @@ std::span<const Field<LensProfile>> FieldTable<LensProfile>::rows()
 {
     using T = LensProfile;
     static constexpr Field<T> kRows[] = {
-        field<&T::name>("name", "", "display name, Russian"),
-        field<&T::nameEn>("name_en", "", "English display name"),
-        field<&T::notes>("notes", "", "notes shown to the user"),
-        field<&T::notesEn>("notes_en", "", "English notes"),
-        field<&T::fidelity>("fidelity", "", "how well grounded the profile is; changes no pixel"),
-        requiredField<&T::optics>("optics", "", "the optical model"),
-        field<&T::discs>("discs", "", "sieve discs of a soft-focus lens"),
-        field<&T::apertureHint>("aperture_hint", "", "shown instead of the aperture knob"),
+        field<&T::name>("name", "", "display name in Russian; in English too where name_en is absent"),
+        field<&T::nameEn>("name_en", "", "display name in English"),
+        field<&T::notes>("notes", "", "notes for the photographer in Russian"),
+        field<&T::notesEn>("notes_en", "", "notes in English"),
+        field<&T::fidelity>("fidelity", "",
+                            "how well grounded the numbers are: measured, datasheet, physical, alike (by "
+                            "eye), revival or draft; a badge that changes no pixel"),
+        requiredField<&T::optics>("optics", "", "the glass; an empty block is a perfect lens"),
+        field<&T::discs>("discs", "",
+                         "sieve discs of a soft-focus lens, offered in place of the two glow knobs"),
+        field<&T::apertureHint>("aperture_hint", "",
+                                "shown in place of the aperture knob where there is no diaphragm"),
     };
     return kRows;
 }
@@ -82,29 +143,61 @@ std::span<const Field<FilterProfile>> FieldTable<FilterProfile>::rows()
 {
     using T = FilterProfile;
     static constexpr Field<T> kRows[] = {
-        field<&T::name>("name", "", "display name, Russian"),
-        field<&T::nameEn>("name_en", "", "English display name"),
-        field<&T::notes>("notes", "", "notes shown to the user"),
-        field<&T::notesEn>("notes_en", "", "English notes"),
-        field<&T::type>("type", "", "cut, diffusion, grad or rays"),
-        field<&T::gains>("gains", "", "transmission per channel; each above 0"),
-        field<&T::bloom>("bloom", "", "strength of a diffusion; not negative"),
-        field<&T::radiusFrac>("radius_frac", "fraction of the width", "radius of a diffusion"),
-        field<&T::threshold>("threshold", "linear scene light", "level where the glow starts"),
-        field<&T::haze>("haze", "", "general veil"),
-        field<&T::grad>("grad", "", "edge or reverse"),
-        field<&T::stops>("stops", "stops", "density of a neutral graduated filter"),
-        field<&T::stopsRgb>("stops_rgb", "stops", "density per channel"),
-        field<&T::edgeFrac>("edge_frac", "fraction of the long side", "softness of the line"),
-        field<&T::reverseFar>("reverse_far", "share", "density left at the far end of a reverse filter"),
-        field<&T::rays>("rays", "", "number of rays; 2 is a streak"),
-        field<&T::angle>("angle", "degrees", "base rotation"),
-        field<&T::lengthFrac>("length_frac", "fraction of the long side", "length of a ray"),
-        field<&T::decay>("decay", "", "fall-off along the ray"),
-        field<&T::widthFrac>("width_frac", "fraction of the long side", "width of a ray"),
-        field<&T::strength>("strength", "", "strength of the rays"),
-        field<&T::dispersion>("dispersion", "", "colour spread along the ray"),
-        field<&T::tint>("tint", "", "colour of the streak"),
+        field<&T::name>("name", "", "display name in Russian; in English too where name_en is absent"),
+        field<&T::nameEn>("name_en", "", "display name in English"),
+        field<&T::notes>("notes", "", "notes for the photographer in Russian"),
+        field<&T::notesEn>("notes_en", "", "notes in English"),
+        field<&T::type>("type", "", "cut (colour), diffusion, grad or rays: which keys below are meant"),
+        field<&T::gains>("gains", "",
+                         "cut: light let through in R, G, B, each above 0; smaller holds that colour back "
+                         "more; exposure is kept for grey; 0.01 to 1 in use"),
+        field<&T::bloom>(
+            "bloom", "",
+            "diffusion: strength of the glow, not negative; larger glows more; 0.1 to 0.32 in use"),
+        field<&T::radiusFrac>(
+            "radius_frac", "fraction of the width",
+            "diffusion: radius of the glow; larger is wider; 0.03 to 0.05 in use, absent 0.04"),
+        field<&T::threshold>(
+            "threshold", "linear scene light",
+            "diffusion, rays: level above which light glows or throws rays, where middle grey is 0.18; "
+            "larger leaves it to the brightest lights; 0.55 to 0.8 in use, absent 0.6 and 0.8"),
+        field<&T::haze>(
+            "haze", "share",
+            "diffusion: veil of the frame's mean light; larger greys the shadows; 0.02 to 0.09 in use"),
+        field<&T::grad>(
+            "grad", "",
+            "grad: edge (dark on one side of the line) or reverse (darkest at the line); absent edge"),
+        field<&T::stops>("stops", "stops", "grad: density when neutral; larger is darker; absent 1"),
+        field<&T::stopsRgb>("stops_rgb", "stops",
+                            "grad: density in R, G, B, in place of stops; larger holds that colour back "
+                            "more; 0.7 to 3 in use"),
+        field<&T::edgeFrac>(
+            "edge_frac", "fraction of half the long side",
+            "grad: half the width of the soft line; larger is softer; 0.06 to 0.3 in use, absent 0.25"),
+        field<&T::reverseFar>("reverse_far", "share",
+                              "grad, reverse: density left far from the line; larger is darker there; 0.45 "
+                              "in use and when absent"),
+        field<&T::rays>("rays", "",
+                        "rays: points of the star, an even number; larger is more of them, 2 is a streak; 2 "
+                        "to 8 in use, absent 4"),
+        field<&T::angle>("angle", "degrees", "grad, rays: turn as mounted; 0 to 45 in use"),
+        field<&T::lengthFrac>("length_frac", "fraction of the long side",
+                              "rays: length of a ray; larger is longer; 0.12 to 0.34 in use, absent 0.14"),
+        field<&T::decay>("decay", "share of the length",
+                         "rays: how slowly a ray dies out; larger is bright further out; 0.28 to 0.45 in "
+                         "use, absent 0.32"),
+        field<&T::widthFrac>(
+            "width_frac", "fraction of the long side",
+            "rays: width of a ray; larger is thicker; 0.0016 to 0.006 in use, absent 0.0015"),
+        field<&T::strength>("strength", "share",
+                            "rays: light above the threshold that goes into rays; larger is brighter rays "
+                            "and a dimmer source; 0.24 to 0.35 in use, absent 0.3"),
+        field<&T::dispersion>("dispersion", "",
+                              "rays: spread of the ray's length by wavelength; larger ends in redder tips, 0 "
+                              "is white; 0 to 1 in use, absent 1"),
+        field<&T::tint>("tint", "",
+                        "rays: strength in R, G, B as multiples; a smaller number leaves that colour out of "
+                        "the ray; 0.25, 0.5, 1 in use, absent 1, 1, 1"),
     };
     return kRows;
 }

@@ -6,10 +6,14 @@ std::span<const Field<PaperPigment>> FieldTable<PaperPigment>::rows()
 {
     using T = PaperPigment;
     static constexpr Field<T> kRows[] = {
-        field<&T::mode>("mode", "", "stain or ink"),
-        field<&T::density>("density", "density", "density per channel; not negative"),
-        field<&T::rgb>("rgb", "", "colour"),
-        field<&T::opacity>("opacity", "", "opacity"),
+        field<&T::mode>("mode", "", "stain (colour in the fibre) or ink (a covering layer); absent stain"),
+        field<&T::density>("density", "density",
+                           "stain: density of the full colorant in R, G, B, not negative; larger is darker, "
+                           "and in one channel takes that colour away; 0.42 to 1.95 in use, absent 1.6"),
+        field<&T::rgb>("rgb", "",
+                       "ink: colour of the full ink; smaller is blacker; 0.011 to 0.045 in use, absent 0.02"),
+        field<&T::opacity>("opacity", "share",
+                           "ink: how far it covers the base; larger is deeper; 1 in use and when absent"),
     };
     return kRows;
 }
@@ -18,18 +22,34 @@ std::span<const Field<PaperTexture>> FieldTable<PaperTexture>::rows()
 {
     using T = PaperTexture;
     static constexpr Field<T> kRows[] = {
-        field<&T::kind>("kind", "", "fibre, ink, reticulation or none"),
-        field<&T::amount>("amount", "", "strength"),
-        field<&T::fineUm>("fine_um", "um", "fine fibre scale"),
-        field<&T::wideUm>("wide_um", "um", "wide cloud scale"),
-        field<&T::wideAmp>("wide_amp", "share", "wide scale"),
-        field<&T::fineMm>("fine_mm", "mm", "scale of the fine structure of an ink"),
-        field<&T::fineAmp>("fine_amp", "", "its strength"),
-        field<&T::brushMm>("brush_mm", "mm", "brush scale"),
-        field<&T::raster>("raster", "", "raster strength"),
-        field<&T::specks>("specks", "share", "specks"),
-        field<&T::roller>("roller", "", "strength of roller streaks"),
-        field<&T::cellUm>("cell_um", "um", "cell of a reticulation"),
+        field<&T::kind>("kind", "", "fibre, ink, reticulation or none; absent none"),
+        field<&T::amount>("amount", "", "strength in the middle tones; larger is rougher; 0 to 0.13 in use"),
+        field<&T::fineUm>(
+            "fine_um", "µm",
+            "fibre: scale of the fine structure; larger is coarser; 40 to 80 in use, absent 45"),
+        field<&T::wideUm>("wide_um", "µm",
+                          "fibre: scale of the clouds; larger is wider; 1100 to 1600 in use, absent 900"),
+        field<&T::wideAmp>(
+            "wide_amp", "share",
+            "fibre: clouds beside the fine structure; larger is cloudier; 0.6 in use, absent 0.55"),
+        field<&T::fineMm>("fine_mm", "mm",
+                          "ink: scale of the fine structure; larger is coarser; 0.55 in use and when absent"),
+        field<&T::fineAmp>(
+            "fine_amp", "share",
+            "ink: fine structure beside the brush; larger is grittier; 0.85 in use and when absent"),
+        field<&T::brushMm>("brush_mm", "mm",
+                           "ink: scale of the brush; larger is broader marks; 22 in use and when absent"),
+        field<&T::raster>(
+            "raster", "",
+            "ink: strength of the rows of the brush; larger shows rows; 0.22 in use and when absent"),
+        field<&T::specks>(
+            "specks", "share",
+            "ink: single points of ink in the light parts; larger is more; 0.16 in use and when absent"),
+        field<&T::roller>("roller", "share",
+                          "ink: roller (1) in place of brush (0); larger is broader and calmer, without "
+                          "rows; 0 to 0.1 in use"),
+        field<&T::cellUm>("cell_um", "µm",
+                          "reticulation: size of a cell; larger is coarser; 125 in use and when absent"),
     };
     return kRows;
 }
@@ -38,8 +58,9 @@ std::span<const Field<PaperTransfer>> FieldTable<PaperTransfer>::rows()
 {
     using T = PaperTransfer;
     static constexpr Field<T> kRows[] = {
-        field<&T::pickup>("pickup", "share", "ink that the press takes"),
-        field<&T::softenMm>("soften_mm", "mm", "softness of the transfer"),
+        field<&T::pickup>("pickup", "share",
+                          "ink that the press takes over; smaller flattens the shadows; 0.62 in use"),
+        field<&T::softenMm>("soften_mm", "mm", "softness that pressing costs; larger is softer; 0.12 in use"),
     };
     return kRows;
 }
@@ -48,16 +69,24 @@ std::span<const Field<PaperLayer>> FieldTable<PaperLayer>::rows()
 {
     using T = PaperLayer;
     static constexpr Field<T> kRows[] = {
-        field<&T::from>("from", "", "source of the layer: r, g, b or lum"),
-        field<&T::name>("name", "", "name"),
-        requiredField<&T::pigment>("pigment", "density", "density per channel"),
-        field<&T::amount>("amount", "", "strength"),
-        field<&T::shiftMm>("shift_mm", "mm", "misregistration"),
-        field<&T::ev>("ev", "stops", "exposure"),
-        field<&T::dmin>("dmin", "density", "of this layer"),
-        field<&T::dmax>("dmax", "density", "of this layer"),
-        field<&T::gamma>("gamma", "", "of this layer"),
-        field<&T::toe>("toe", "", "of this layer"),
+        field<&T::from>("from", "", "part of the negative that prints this coat: r, g, b or lum; absent lum"),
+        field<&T::name>("name", "", "name of the coat"),
+        requiredField<&T::pigment>("pigment", "density",
+                                   "density of the full pigment in R, G, B; larger is darker, and in one "
+                                   "channel takes that colour away; 0.05 to 0.9 in use"),
+        field<&T::amount>("amount", "",
+                          "strength of the coat; larger is denser; 0.4 to 0.95 in use, absent 1"),
+        field<&T::shiftMm>("shift_mm", "mm",
+                           "spread of its misregistration; larger is wider fringes; 0.1 to 0.18 in use"),
+        field<&T::ev>("ev", "stops", "its exposure beside the print's; larger is darker; -0.6 to 0 in use"),
+        field<&T::dmin>("dmin", "density", "its own, in place of the paper's; 0.05 in use"),
+        field<&T::dmax>("dmax", "density",
+                        "its own, in place of the paper's; larger reaches deeper; 1.1 to 1.3 in use"),
+        field<&T::gamma>("gamma", "",
+                         "its own, in place of the paper's; larger is more contrast; 1.4 to 1.9 in use"),
+        field<&T::toe>(
+            "toe", "",
+            "its own, in place of the paper's; larger eases into white sooner; 0.9 to 0.95 in use"),
     };
     return kRows;
 }
@@ -66,10 +95,15 @@ std::span<const Field<PaperCoat>> FieldTable<PaperCoat>::rows()
 {
     using T = PaperCoat;
     static constexpr Field<T> kRows[] = {
-        field<&T::style>("style", "", "none or brush"),
-        field<&T::margin>("margin", "fraction", "margin"),
-        field<&T::rough>("rough", "", "roughness"),
-        field<&T::band>("band", "", "strength of the brush bands"),
+        field<&T::style>("style", "",
+                         "none, clean or brush: how the coating ends round the picture; absent none"),
+        field<&T::margin>("margin", "fraction of the long side",
+                          "coated margin; larger is wider; 0.02 to 0.045 in use, absent 0.045"),
+        field<&T::rough>("rough", "",
+                         "raggedness of brush strokes; larger is wilder; 0.75 to 1 in use, absent 1"),
+        field<&T::band>("band", "share",
+                        "colorant in the margin, where no negative held light back; larger is darker; 0.5 to "
+                        "0.82 in use, absent 0.82"),
     };
     return kRows;
 }
@@ -78,11 +112,14 @@ std::span<const Field<PaperPlate>> FieldTable<PaperPlate>::rows()
 {
     using T = PaperPlate;
     static constexpr Field<T> kRows[] = {
-        field<&T::enabled>("enabled", "", "true presses the plate mark"),
-        field<&T::marginMm>("margin_mm", "mm", "margin"),
-        field<&T::offsetMm>("offset_mm", "mm", "offset"),
-        field<&T::widthMm>("width_mm", "mm", "width of the bevel"),
-        field<&T::depth>("depth", "", "depth"),
+        field<&T::enabled>("enabled", "", "true presses the mark of a printing plate into the sheet"),
+        field<&T::marginMm>("margin_mm", "mm",
+                            "greatest distance of the mark from the picture; larger moves it out where the "
+                            "margin allows; 14 to 18 in use, absent 18"),
+        field<&T::offsetMm>("offset_mm", "mm", "that distance where margin_mm is absent; 3 in use"),
+        field<&T::widthMm>("width_mm", "mm",
+                           "width of the bevel; larger is softer; 0.9 in use and when absent"),
+        field<&T::depth>("depth", "", "depth of the mark; larger shows more; 0.1 in use, absent 0.09"),
     };
     return kRows;
 }
@@ -91,11 +128,19 @@ std::span<const Field<PaperRelief>> FieldTable<PaperRelief>::rows()
 {
     using T = PaperRelief;
     static constexpr Field<T> kRows[] = {
-        field<&T::amount>("amount", "", "strength"),
-        field<&T::sheen>("sheen", "", "gloss"),
-        field<&T::smoothMm>("smooth_mm", "mm", "smoothing of the relief"),
-        field<&T::light>("light", "", "direction of the light, two numbers"),
-        field<&T::slopeFloor>("slope_floor", "", "least slope"),
+        field<&T::amount>("amount", "",
+                          "light and shade on raised pigment; larger stands out more; 0.5 to 1 in use"),
+        field<&T::sheen>("sheen", "",
+                         "gloss of the dense parts; larger lightens the shadows more; 0.08 to 0.16 in use"),
+        field<&T::smoothMm>(
+            "smooth_mm", "mm",
+            "smoothing of the surface; larger is rounder shapes; 0.08 to 0.12 in use, absent 0.15"),
+        field<&T::light>("light", "",
+                         "where the light comes from, as two numbers, right and down; -0.6, -0.8 (from the "
+                         "upper left) in use"),
+        field<&T::slopeFloor>("slope_floor", "",
+                              "slope that counts as steep at least; larger keeps a flat picture flatter; "
+                              "0.015 to 0.02 in use, absent 0.012"),
     };
     return kRows;
 }
@@ -104,14 +149,14 @@ std::span<const Field<PaperFamily>> FieldTable<PaperFamily>::rows()
 {
     using T = PaperFamily;
     static constexpr Field<T> kRows[] = {
-        field<&T::id>("id", "", "family"),
-        field<&T::name>("name", "", "label of the family, Russian"),
-        field<&T::nameEn>("name_en", "", "English label"),
-        field<&T::pick>("pick", "", "label of the second picker, Russian"),
-        field<&T::pickEn>("pick_en", "", "English"),
-        field<&T::option>("option", "", "entry of this profile in it, Russian"),
-        field<&T::optionEn>("option_en", "", "English"),
-        field<&T::order>("order", "", "place of the entry"),
+        field<&T::id>("id", "", "id that profiles of one family share: crt, offset, inkjet"),
+        field<&T::name>("name", "", "label of the family in Russian"),
+        field<&T::nameEn>("name_en", "", "label in English"),
+        field<&T::pick>("pick", "", "label of the list within the family in Russian"),
+        field<&T::pickEn>("pick_en", "", "that label in English"),
+        field<&T::option>("option", "", "entry of this profile in that list in Russian"),
+        field<&T::optionEn>("option_en", "", "that entry in English"),
+        field<&T::order>("order", "", "place of the entry; larger is later; 1 to 3 in use"),
     };
     return kRows;
 }
@@ -120,10 +165,16 @@ std::span<const Field<PlateViewParams>> FieldTable<PlateViewParams>::rows()
 {
     using T = PlateViewParams;
     static constexpr Field<T> kRows[] = {
-        field<&T::scatter>("scatter", "", "scatter of the silver; above 0"),
-        field<&T::silver>("silver", "", "colour of the silver"),
-        field<&T::base>("base", "", "colour of the base"),
-        field<&T::positiveEv>("positive_ev", "stops", "exposure of the positive"),
+        field<&T::scatter>("scatter", "",
+                           "scattering of the silver, above 0; larger gathers the highlights and reads "
+                           "milkier; 0.26 to 0.3 in use, absent 0.3"),
+        field<&T::silver>("silver", "",
+                          "colour of the silver; larger is lighter highlights; 0.75 to 0.93 in use"),
+        field<&T::base>("base", "",
+                        "colour of the lacquer or iron; larger is lighter blacks; 0.012 to 0.02 in use"),
+        field<&T::positiveEv>(
+            "positive_ev", "stops",
+            "exposure of a plate seen as a positive; larger is lighter; 0 in use, absent -1.5"),
     };
     return kRows;
 }
@@ -133,9 +184,10 @@ std::span<const Field<SurfaceParams>> FieldTable<SurfaceParams>::rows()
     using T = SurfaceParams;
     static constexpr Field<T> kRows[] = {
         field<&T::kind>("kind", "", "lustre"),
-        field<&T::amount>("amount", "", "strength"),
-        field<&T::cellUm>("cell_um", "um", "cell"),
-        field<&T::light>("light", "", "direction of the light, two numbers"),
+        field<&T::amount>("amount", "", "strength; larger catches more light"),
+        field<&T::cellUm>("cell_um", "µm", "size of a bump; larger is coarser; absent 350"),
+        field<&T::light>("light", "",
+                         "where the light comes from, as two numbers, right and down; absent -0.72, -0.7"),
     };
     return kRows;
 }
@@ -144,48 +196,78 @@ std::span<const Field<PaperProfile>> FieldTable<PaperProfile>::rows()
 {
     using T = PaperProfile;
     static constexpr Field<T> kRows[] = {
-        field<&T::name>("name", "", "display name, Russian"),
-        field<&T::nameEn>("name_en", "", "English display name"),
-        field<&T::notes>("notes", "", "notes shown to the user"),
-        field<&T::notesEn>("notes_en", "", "English notes"),
-        field<&T::fidelity>("fidelity", "", "how well grounded the profile is; changes no pixel"),
+        field<&T::name>("name", "", "display name in Russian; in English too where name_en is absent"),
+        field<&T::nameEn>("name_en", "", "display name in English"),
+        field<&T::notes>("notes", "", "notes for the photographer in Russian"),
+        field<&T::notesEn>("notes_en", "", "notes in English"),
+        field<&T::fidelity>("fidelity", "",
+                            "how well grounded the numbers are: measured, datasheet, physical, alike (by "
+                            "eye), revival or draft; a badge that changes no pixel"),
         field<&T::type>("type", "", "bw_paper, color_paper, alt_paper, reversal_paper or plate_view"),
-        field<&T::kind>("kind", "", "silver, repro, scan or plate"),
-        field<&T::process>("process", "", "the alternative process"),
-        field<&T::repro>("repro", "", "inkjet, offset or crt"),
-        field<&T::filmTypes>("film_types", "", "film types the paper accepts; absent means any"),
-        field<&T::fixedGrade>("fixed_grade", "", "true: the grade cannot be changed"),
-        field<&T::fixedExposure>("fixed_exposure", "", "true: the print exposure cannot be changed"),
-        field<&T::dmin>("dmin", "density", "paper white"),
-        field<&T::dmax>("dmax", "density", "deepest black; above dmin"),
-        field<&T::gamma>("gamma", "", "contrast; above 0"),
-        field<&T::toe>("toe", "", "softness of the foot"),
-        field<&T::flare>("flare", "share of the light", "veiling flare of the enlarger"),
-        field<&T::tone>("tone", "", "image tone"),
-        field<&T::baseTint>("base_tint", "", "colour of the white"),
-        field<&T::dyePurity>("dye_purity", "", "purity of the print dyes"),
-        field<&T::spectralWeights>("spectral_weights", "", "how a single layer sums R, G, B of the negative"),
-        field<&T::base>("base", "", "named base stock of an alternative process"),
-        field<&T::baseRgb>("base_rgb", "", "base colour given directly"),
-        field<&T::pigment>("pigment", "", "colorant"),
-        field<&T::inkFloor>("ink_floor", "", "least ink"),
-        field<&T::plug>("plug", "", "plugging of an ink process"),
-        field<&T::thicknessMm>("thickness_mm", "mm", "thickness of the sheet or plate; 0.25 when absent"),
-        field<&T::texture>("texture", "", "texture of the paper"),
-        field<&T::transfer>("transfer", "", "transfer of a bromoil"),
-        field<&T::layers>("layers", "", "layers of a multi-layer process"),
-        field<&T::coat>("coat", "", "hand coating at the edge of the sheet"),
-        field<&T::plate>("plate", "", "plate mark of a press"),
-        field<&T::relief>("relief", "", "raised relief"),
-        field<&T::family>("family", "", "group in the picker"),
-        field<&T::scan>("scan", "", "scanner"),
+        field<&T::kind>("kind", "",
+                        "silver, scan, repro or plate: what prints or shows the film; a paper of your own "
+                        "must name one to be listed (silver for an alternative process)"),
+        field<&T::process>("process", "",
+                           "alternative process: albumen, bromoil, carbon, collotype, cyanotype, gum, "
+                           "platinum, salt or vandyke; its presence makes the paper one"),
+        field<&T::repro>("repro", "", "inkjet, offset or crt: which block of the three is read"),
+        field<&T::filmTypes>("film_types", "", "film types that the paper accepts; absent: any"),
+        field<&T::fixedGrade>("fixed_grade", "", "true: the option grade has no effect"),
+        field<&T::fixedExposure>("fixed_exposure", "", "true: the option print_ev has no effect"),
+        field<&T::dmin>("dmin", "density", "density of the paper's white; 0.04 to 0.07 in use, absent 0.05"),
+        field<&T::dmax>(
+            "dmax", "density",
+            "deepest black, above dmin; larger is deeper blacks; 1.18 to 2.45 in use, absent 2.1"),
+        field<&T::gamma>("gamma", "density per log exposure",
+                         "slope at middle grey at grade 2, above 0; larger is more contrast; 0.84 to 2.35 in "
+                         "use, absent 1.8"),
+        field<&T::toe>("toe", "",
+                       "shape of the curve; larger eases into white sooner and keeps the blacks apart "
+                       "longer; 0.9 to 1.55 in use, absent 1.25"),
+        field<&T::flare>(
+            "flare", "share",
+            "stray light of the enlarger; larger greys the highlights and flattens them; 0.008 in use"),
+        field<&T::tone>("tone", "",
+                        "tone of the print in R, G, B; larger in a channel tints the picture its way; 0.985 "
+                        "to 1.06, 1, 0.9 to 1.02 in use"),
+        field<&T::baseTint>(
+            "base_tint", "",
+            "colour of the paper's white, of the margin too; larger is lighter; 0.02 to 1 in use"),
+        field<&T::dyePurity>("dye_purity", "share",
+                             "reversal paper: how far its dyes spread from their mean; larger is more "
+                             "colourful; 0.16 to 0.18 in use"),
+        field<&T::spectralWeights>(
+            "spectral_weights", "",
+            "how a single layer adds up R, G, B of a colour negative, scaled to a sum of 1, which must be "
+            "above 0; more blue is an older paper; 0 to 0.1, 0.08 to 0.45, 0.45 to 0.92 in use"),
+        field<&T::base>("base", "",
+                        "stock of an alternative process: white_rag, cream or buff; absent white_rag"),
+        field<&T::baseRgb>("base_rgb", "", "its colour, where base is no known name"),
+        field<&T::pigment>("pigment", "", "colorant of an alternative process"),
+        field<&T::inkFloor>(
+            "ink_floor", "share",
+            "light parts that take no ink; larger is a harder start of the tones; 0.05 to 0.06 in use"),
+        field<&T::plug>("plug", "",
+                        "filling-in of the shadows with ink; larger closes them sooner; 0.05 to 0.18 in use"),
+        field<&T::thicknessMm>("thickness_mm", "mm",
+                               "thickness of the sheet or plate; larger throws a longer shadow on the table; "
+                               "0.12 to 1.6 in use, absent 0.25"),
+        field<&T::texture>("texture", "", "structure of the surface"),
+        field<&T::transfer>("transfer", "", "pressing of a bromoil onto another sheet"),
+        field<&T::layers>("layers", "", "coats of a print in several layers, in the order of printing"),
+        field<&T::coat>("coat", "", "coating by hand round the picture"),
+        field<&T::plate>("plate", "", "mark of a printing plate"),
+        field<&T::relief>("relief", "", "raised pigment in slanting light"),
+        field<&T::family>("family", "", "entry that several profiles share in a list"),
+        field<&T::scan>("scan", "", "scanner, projector or light table"),
         field<&T::inkjet>("inkjet", "", "inkjet printer"),
         field<&T::offset>("offset", "", "offset press"),
-        field<&T::crt>("crt", "", "cathode-ray tube"),
-        field<&T::plateView>("plate_view", "", "a plate viewed as itself"),
-        field<&T::sheet>("sheet", "", "false: there is no sheet to mount"),
-        field<&T::substrate>("substrate", "", "opaque: the base of the plate is not glass"),
-        field<&T::surface>("surface", "", "added surface structure"),
+        field<&T::crt>("crt", "", "screen of a cathode-ray tube"),
+        field<&T::plateView>("plate_view", "", "a plate looked at as it is"),
+        field<&T::sheet>("sheet", "", "false: there is no sheet to mount; absent true"),
+        field<&T::substrate>("substrate", "",
+                             "opaque: the plate's base is not glass, so light leaves no ring"),
+        field<&T::surface>("surface", "", "bumps on the surface of any paper"),
     };
     return kRows;
 }
