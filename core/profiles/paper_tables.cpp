@@ -204,9 +204,10 @@ std::span<const Field<PaperProfile>> FieldTable<PaperProfile>::rows()
                             "how well grounded the numbers are: measured, datasheet, physical, alike (by "
                             "eye), revival or draft; a badge that changes no pixel"),
         field<&T::type>("type", "", "bw_paper, color_paper, alt_paper, reversal_paper or plate_view"),
-        field<&T::kind>("kind", "",
-                        "silver, scan, repro or plate: what prints or shows the film; a paper of your own "
-                        "must name one to be listed (silver for an alternative process)"),
+        field<&T::kind>(
+            "kind", "",
+            "silver, scan, repro or plate: what prints or shows the film; absent silver; a paper of "
+            "your own that names another is not listed"),
         field<&T::process>("process", "",
                            "alternative process: albumen, bromoil, carbon, collotype, cyanotype, gum, "
                            "platinum, salt or vandyke; its presence makes the paper one"),

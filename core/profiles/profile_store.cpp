@@ -156,7 +156,9 @@ bool ProfileStore::isRenderable(Kind kind, const std::string& name) const
     return flag(kRenderableFlag, kind, name, [&](const Json& profile) {
         if (isBuiltin(kind, name)) return true;
         if (kind == Kind::films) return isAmong(kSupportedFilmTypes, profile, "type");
-        if (kind == Kind::papers) return isAmong(kSupportedPaperKinds, profile, "kind");
+        // A paper that doesn't say is one for the enlarger, as the carried alternative processes are.
+        if (kind == Kind::papers)
+            return memberOf(profile, "kind").is_null() || isAmong(kSupportedPaperKinds, profile, "kind");
         return true;
     });
 }

@@ -3,13 +3,10 @@
 #include "core/profiles/profile_store.h"
 #include "core/profiles/user_files.h"
 #include "core/text/loc.h"
+#include "tests/profiles/user_root.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-
-#include <unistd.h>
+#include <algorithm>
+#include <functional>
 
 namespace tamlo {
 namespace {
@@ -21,39 +18,18 @@ using Kind = ProfileKind;
 const std::string kFilm =
     R"({"type": "bw", "name": "Mine", "negative": {"dmin": 0.1, "dmax": 2, "gamma": 0.6}})";
 
-class PresetLibraryTest : public testing::Test {
+class PresetLibraryTest : public UserRootTest {
 protected:
-    PresetLibraryTest() : root_(fs::temp_directory_path() / ("tamlo_presets_" + std::to_string(getpid())))
-    {
-        fs::remove_all(root_);
-        fs::create_directories(root_);
-        setenv("TAMLO_USER_DIR", user().c_str(), 1);
-        Loc::setOverride(Loc::Lang::en);
-        store_.emplace();
-    }
-    ~PresetLibraryTest() override
-    {
-        Loc::setOverride(std::nullopt);
-        unsetenv("TAMLO_USER_DIR");
-        fs::remove_all(root_);
-    }
+    PresetLibraryTest() { Loc::setOverride(Loc::Lang::en); }
 
     fs::path user() const { return root_ / "user"; }
     fs::path presets() const { return user() / "presets"; }
-    fs::path write(const fs::path& relative, const std::string& text) const
+    /// Every file with its bytes.
+    std::map<std::string, std::string> files() const
     {
-        UserFiles::write(root_ / relative, text);
-        return root_ / relative;
-    }
-    /// Every file below the user's root with its bytes.
-    std::map<std::string, std::string> everything() const
-    {
-        std::map<std::string, std::string> out;
-        if (fs::exists(user()))
-            for (const auto& entry : fs::recursive_directory_iterator(user()))
-                if (entry.is_regular_file())
-                    out[fs::relative(entry.path(), user())] = UserFiles::read(entry.path());
-        return out;
+        auto all = tree();
+        std::erase_if(all, [](const auto& entry) { return entry.second == "/"; });
+        return all;
     }
     /// A preset with three user profiles inside, one of them named as a carried film.
     fs::path incoming(const std::string& id = "gift") const
@@ -69,7 +45,8 @@ protected:
                              {"paper", "my_paper"},
                              {"opts", {{"filter_cut", "rose"}, {"grade", 3}}},
                              {"embedded", embedded}};
-        return write("inbox/" + id + ".tpreset", preset.dump());
+        write("inbox/" + id + ".tpreset", preset.dump());
+        return root_ / "inbox" / (id + ".tpreset");
     }
     std::string messageOf(const std::function<void()>& work) const
     {
@@ -81,8 +58,7 @@ protected:
         return "nothing was thrown";
     }
 
-    fs::path root_;
-    std::optional<ProfileStore> store_;
+    ProfileStore store_;
 };
 
 TEST_F(PresetLibraryTest, AUsersFileTakesTheCarriedOnesPlace)
@@ -91,13 +67,13 @@ TEST_F(PresetLibraryTest, AUsersFileTakesTheCarriedOnesPlace)
     write("user/presets/older.json", R"({"name": "Older"})");
     write("user/presets/notes.txt", "x");
     fs::create_directories(presets() / "folder.tpreset");
-    EXPECT_EQ(store_->listPresets().size(), 48u);
-    EXPECT_TRUE(std::ranges::is_sorted(store_->listPresets()));
-    EXPECT_EQ(store_->presetDocument("tintype").name(), "Mine");
-    EXPECT_FALSE(store_->presetEntry("tintype")->builtin);
-    EXPECT_EQ(store_->presetDocument("older").url, presets() / "older.json");
-    EXPECT_EQ(store_->preset("manhattan").stock, "doublex5222");
-    EXPECT_EQ(messageOf([&] { store_->presetDocument("nothing"); }).substr(0, 31),
+    EXPECT_EQ(store_.listPresets().size(), 48u);
+    EXPECT_TRUE(std::ranges::is_sorted(store_.listPresets()));
+    EXPECT_EQ(store_.presetDocument("tintype").name(), "Mine");
+    EXPECT_FALSE(store_.presetEntry("tintype")->builtin);
+    EXPECT_EQ(store_.presetDocument("older").url, presets() / "older.json");
+    EXPECT_EQ(store_.preset("manhattan").stock, "doublex5222");
+    EXPECT_EQ(messageOf([&] { store_.presetDocument("nothing"); }).substr(0, 31),
               "No presets profile 'nothing'. A");
     EXPECT_EQ(PresetGroups::title("ЧБ", ""), "B&W");
     EXPECT_EQ(PresetGroups::title("Моё", ""), "Моё");
@@ -106,38 +82,38 @@ TEST_F(PresetLibraryTest, AUsersFileTakesTheCarriedOnesPlace)
 
 TEST_F(PresetLibraryTest, CarriedPresetsCanOnlyBeHidden)
 {
-    EXPECT_EQ(messageOf([&] { store_->deletePreset("tintype"); }),
+    EXPECT_EQ(messageOf([&] { store_.deletePreset("tintype"); }),
               "“tintype” is a built-in preset and cannot be deleted. It can be hidden from the list.");
-    EXPECT_EQ(messageOf([&] { store_->renamePreset("tintype", "x"); }),
+    EXPECT_EQ(messageOf([&] { store_.renamePreset("tintype", "x"); }),
               "“tintype” is a built-in preset and cannot be renamed. Make a copy instead.");
-    EXPECT_EQ(messageOf([&] { store_->deletePreset("ghost"); }), "There is no preset “ghost”.");
-    store_->setPresetHidden("tintype", true);
-    store_->setPresetHidden("ghost", true);
-    EXPECT_EQ(store_->listPresets().size(), 46u);
-    EXPECT_EQ(store_->presetEntries(true).size(), 47u);
-    store_->pruneHiddenPresets();
+    EXPECT_EQ(messageOf([&] { store_.deletePreset("ghost"); }), "There is no preset “ghost”.");
+    store_.setPresetHidden("tintype", true);
+    store_.setPresetHidden("ghost", true);
+    EXPECT_EQ(store_.listPresets().size(), 46u);
+    EXPECT_EQ(store_.presetEntries(true).size(), 47u);
+    store_.pruneHiddenPresets();
     EXPECT_EQ(json::parse(UserFiles::read(user() / "hidden_presets.json")), json::parse(R"(["tintype"])"));
     const auto before = fs::last_write_time(user() / "hidden_presets.json");
-    store_->pruneHiddenPresets();
+    store_.pruneHiddenPresets();
     EXPECT_EQ(fs::last_write_time(user() / "hidden_presets.json"), before)
         << "nothing to change, nothing written";
-    store_->setPresetHidden("tintype", false);
-    EXPECT_EQ(store_->listPresets().size(), 47u);
+    store_.setPresetHidden("tintype", false);
+    EXPECT_EQ(store_.listPresets().size(), 47u);
     for (const char* broken : {"{", "{\"a\": 1}", "[1, null]"}) {
         write("user/hidden_presets.json", broken);
-        EXPECT_EQ(store_->listPresets().size(), 47u) << broken;
+        EXPECT_EQ(store_.listPresets().size(), 47u) << broken;
     }
 }
 
 TEST_F(PresetLibraryTest, SavesDeletesAndRestores)
 {
-    store_->saveUserProfile(Kind::films, "my_film", kFilm);
+    store_.saveUserProfile(Kind::films, "my_film", kFilm);
     PresetRecipe recipe{"my_film", "imagon", "", {}, {PresetBlock::print, PresetBlock::film}, "dim light"};
     RenderOptions options;
     options.grade = 4;
     options.ev = 1;
     recipe.opts = presetOpts(options);
-    const fs::path file = store_->savePreset("Мой взгляд", recipe, "Мой взгляд");
+    const fs::path file = store_.savePreset("Мой взгляд", recipe, "Мой взгляд");
     EXPECT_EQ(file, presets() / "мой_взгляд.tpreset");
     const json saved = json::parse(UserFiles::read(file));
     EXPECT_EQ(saved.at("blocks"), json::parse(R"(["film", "print"])"));
@@ -145,50 +121,50 @@ TEST_F(PresetLibraryTest, SavesDeletesAndRestores)
         << "the light is of no block that is covered";
     EXPECT_FALSE(saved.contains("lens"));
     EXPECT_EQ(saved.at("embedded").at("films").at("my_film").at("name"), "Mine");
-    EXPECT_EQ(store_->presetsUsing(Kind::films, "my_film"), (std::vector<std::string>{"мой_взгляд"}));
-    EXPECT_EQ(store_->presetsUsing(Kind::lenses, "wollaston1812").size(), 2u);
+    EXPECT_EQ(store_.presetsUsing(Kind::films, "my_film"), (std::vector<std::string>{"мой_взгляд"}));
+    EXPECT_EQ(store_.presetsUsing(Kind::lenses, "wollaston1812").size(), 2u);
 
-    const fs::path trash = store_->deletePreset("мой_взгляд");
+    const fs::path trash = store_.deletePreset("мой_взгляд");
     EXPECT_EQ(trash.parent_path(), user() / "trash" / "presets");
     EXPECT_TRUE(trash.filename().string().ends_with("_мой_взгляд.tpreset"));
-    EXPECT_EQ(store_->listPresets().size(), 47u);
-    store_->restorePreset("мой_взгляд", trash);
+    EXPECT_EQ(store_.listPresets().size(), 47u);
+    store_.restorePreset("мой_взгляд", trash);
     EXPECT_EQ(json::parse(UserFiles::read(file)), saved);
 
-    store_->renamePreset("мой_взгляд", "Другой");
-    EXPECT_EQ(store_->presetDocument("мой_взгляд").nameRu(), "Другой");
+    store_.renamePreset("мой_взгляд", "Другой");
+    EXPECT_EQ(store_.presetDocument("мой_взгляд").nameRu(), "Другой");
 
     const fs::path elsewhere =
-        store_->savePreset((root_ / "out" / "Two Words.json").string(), recipe, std::nullopt);
+        store_.savePreset((root_ / "out" / "Two Words.json").string(), recipe, std::nullopt);
     EXPECT_EQ(json::parse(UserFiles::read(elsewhere)).at("id"), "two_words");
     EXPECT_EQ(json::parse(UserFiles::read(elsewhere)).at("name"), "Two Words");
 }
 
 TEST_F(PresetLibraryTest, CopiesAndExportsFindTheirNames)
 {
-    EXPECT_EQ(store_->duplicatePreset("tintype"), "tintype_copy");
-    EXPECT_EQ(store_->duplicatePreset("tintype"), "tintype_copy_2");
-    store_->setPresetHidden("tintype_copy_2", true);
-    EXPECT_EQ(store_->duplicatePreset("tintype", "tintype_copy"), "tintype_copy_3") << "hidden ones count";
-    EXPECT_EQ(store_->duplicatePreset("tintype", "Ночь день"), "ночь_день");
-    EXPECT_EQ(store_->presetDocument("ночь_день").nameRu(),
-              store_->presetDocument("tintype").nameRu() + " (copy)");
-    EXPECT_EQ(store_->presetDocument("ночь_день").opts(), store_->presetDocument("tintype").opts());
+    EXPECT_EQ(store_.duplicatePreset("tintype"), "tintype_copy");
+    EXPECT_EQ(store_.duplicatePreset("tintype"), "tintype_copy_2");
+    store_.setPresetHidden("tintype_copy_2", true);
+    EXPECT_EQ(store_.duplicatePreset("tintype", "tintype_copy"), "tintype_copy_3") << "hidden ones count";
+    EXPECT_EQ(store_.duplicatePreset("tintype", "Ночь день"), "ночь_день");
+    EXPECT_EQ(store_.presetDocument("ночь_день").nameRu(),
+              store_.presetDocument("tintype").nameRu() + " (copy)");
+    EXPECT_EQ(store_.presetDocument("ночь_день").opts(), store_.presetDocument("tintype").opts());
 
     fs::create_directories(root_ / "out");
-    EXPECT_EQ(store_->exportPreset("tintype", root_ / "out"), root_ / "out" / "tintype.tpreset");
-    EXPECT_EQ(store_->exportPreset("tintype", root_ / "out" / "a.json"), root_ / "out" / "a.json");
-    EXPECT_EQ(store_->exportPreset("tintype", root_ / "out" / "a.txt"), root_ / "out" / "a.txt.tpreset");
-    const PresetImportResult back = store_->importPreset(root_ / "out" / "a.json", PresetConflict::replace);
+    EXPECT_EQ(store_.exportPreset("tintype", root_ / "out"), root_ / "out" / "tintype.tpreset");
+    EXPECT_EQ(store_.exportPreset("tintype", root_ / "out" / "a.json"), root_ / "out" / "a.json");
+    EXPECT_EQ(store_.exportPreset("tintype", root_ / "out" / "a.txt"), root_ / "out" / "a.txt.tpreset");
+    const PresetImportResult back = store_.importPreset(root_ / "out" / "a.json", PresetConflict::replace);
     EXPECT_EQ(back.action, PresetImportResult::Action::replaced);
-    EXPECT_EQ(store_->presetDocument("tintype").json, ProfileStore().presetDocument("tintype").json);
-    EXPECT_FALSE(store_->presetEntry("tintype")->builtin) << "a user's file now takes its place";
+    EXPECT_EQ(store_.presetDocument("tintype").json, ProfileStore().presetDocument("tintype").json);
+    EXPECT_FALSE(store_.presetEntry("tintype")->builtin) << "a user's file now takes its place";
 }
 
 TEST_F(PresetLibraryTest, AnImportBringsItsProfiles)
 {
     using Action = PresetImportResult::Action;
-    const PresetImportResult added = store_->importPreset(incoming(), PresetConflict::ask);
+    const PresetImportResult added = store_.importPreset(incoming(), PresetConflict::ask);
     EXPECT_EQ(added.action, Action::added);
     EXPECT_EQ(added.url, presets() / "gift.tpreset");
     EXPECT_EQ(
@@ -196,39 +172,39 @@ TEST_F(PresetLibraryTest, AnImportBringsItsProfiles)
         (std::vector<std::string>{
             "The profile “portra400” (films) clashed by name with a built-in one — the incoming file was "
             "saved as “portra400__gift” and the built-in one is untouched."}));
-    const PresetDocument document = store_->presetDocument("gift");
+    const PresetDocument document = store_.presetDocument("gift");
     EXPECT_EQ(document.stock(), "portra400__gift");
     EXPECT_EQ(document.paper(), "my_paper");
     EXPECT_TRUE(document.embedded().at("films").contains("portra400__gift"));
-    EXPECT_EQ(store_->film("portra400__gift").type, "bw");
-    EXPECT_EQ(store_->film("portra400").name, "Kodak Portra 400");
-    EXPECT_EQ(json::parse(store_->data(Kind::papers, "my_paper")).at("format"), 1);
-    EXPECT_EQ(store_->filterProfile("rose").gains, (Vec3d{1, 0.5, 0.6}));
+    EXPECT_EQ(store_.film("portra400__gift").type, "bw");
+    EXPECT_EQ(store_.film("portra400").name, "Kodak Portra 400");
+    EXPECT_EQ(json::parse(store_.data(Kind::papers, "my_paper")).at("format"), 1);
+    EXPECT_EQ(store_.filterProfile("rose").gains, (Vec3d{1, 0.5, 0.6}));
 
     try {
-        store_->importPreset(incoming(), PresetConflict::ask);
+        store_.importPreset(incoming(), PresetConflict::ask);
         FAIL();
     } catch (const PresetError& error) {
         EXPECT_TRUE(error.idTaken());
         EXPECT_EQ(error.message(),
                   "A preset with the id “gift” already exists. Replace it, add a copy, or cancel?");
     }
-    const auto before = everything();
-    EXPECT_EQ(store_->importPreset(incoming(), PresetConflict::cancel).action, Action::cancelled);
-    EXPECT_EQ(everything(), before);
-    EXPECT_EQ(store_->importPreset(incoming(), PresetConflict::copy).id, "gift_2");
-    store_->setPresetHidden("gift_2", true);
-    const PresetImportResult third = store_->importPreset(incoming(), PresetConflict::copy);
+    const auto before = files();
+    EXPECT_EQ(store_.importPreset(incoming(), PresetConflict::cancel).action, Action::cancelled);
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(store_.importPreset(incoming(), PresetConflict::copy).id, "gift_2");
+    store_.setPresetHidden("gift_2", true);
+    const PresetImportResult third = store_.importPreset(incoming(), PresetConflict::copy);
     EXPECT_EQ(third.id, "gift_3");
     EXPECT_EQ(third.action, Action::copied);
-    EXPECT_EQ(store_->presetDocument("gift_3").nameRu(), "Gift (3)");
-    EXPECT_EQ(store_->presetDocument("gift_3").stock(), "portra400__gift_3");
+    EXPECT_EQ(store_.presetDocument("gift_3").nameRu(), "Gift (3)");
+    EXPECT_EQ(store_.presetDocument("gift_3").stock(), "portra400__gift_3");
 }
 
 // A fault at each step of an import: whatever was there before is there after, byte for byte.
 TEST_F(PresetLibraryTest, AFailedImportLeavesNothingBehind)
 {
-    store_->saveUserProfile(Kind::filters, "rose", R"({"gains": [1, 1, 1]})");
+    store_.saveUserProfile(Kind::filters, "rose", R"({"gains": [1, 1, 1]})");
     struct Fault {
         const char* name;
         std::string blocked;                    ///< a folder where a file should go
@@ -249,24 +225,23 @@ TEST_F(PresetLibraryTest, AFailedImportLeavesNothingBehind)
     for (const Fault& fault : faults) {
         SCOPED_TRACE(fault.name);
         if (!fault.blocked.empty()) fs::create_directories(user() / fault.blocked);
-        const auto before = everything();
         const fs::path file = incoming();
         if (fault.change) {
             json preset = json::parse(UserFiles::read(file));
             fault.change(preset);
             UserFiles::write(file, preset.dump());
         }
-        const std::string message = messageOf([&] { store_->importPreset(file, PresetConflict::replace); });
+        const auto before = files();
+        const std::string message = messageOf([&] { store_.importPreset(file, PresetConflict::replace); });
         EXPECT_TRUE(message.starts_with("“gift.tpreset”: the import did not happen — ")) << message;
         EXPECT_TRUE(message.ends_with(". Nothing was added.")) << message;
-        EXPECT_EQ(everything(), before);
+        EXPECT_EQ(files(), before);
         EXPECT_FALSE(fs::exists(root_ / "escape.tprofile"));
         if (!fault.blocked.empty()) fs::remove_all(user() / fault.blocked);
     }
-    EXPECT_EQ(messageOf([&] { store_->importPreset(root_ / "none.tpreset", PresetConflict::ask); }),
+    EXPECT_EQ(messageOf([&] { store_.importPreset(root_ / "none.tpreset", PresetConflict::ask); }),
               "“none.tpreset”: the file cannot be read.");
-    EXPECT_EQ(store_->importPreset(incoming(), PresetConflict::ask).action,
-              PresetImportResult::Action::added);
+    EXPECT_EQ(store_.importPreset(incoming(), PresetConflict::ask).action, PresetImportResult::Action::added);
 }
 
 } // namespace

@@ -469,7 +469,11 @@ TEST_F(UserProfilesTest, WhatAProfileSaysOfItselfFollowsItsFile)
     store_.saveUserProfile(Kind::papers, "mine", R"({"kind": "plate"})");
     EXPECT_TRUE(lists(Kind::papers, "mine"));
     store_.saveUserProfile(Kind::papers, "mine", R"({"gamma": 2})");
-    EXPECT_FALSE(lists(Kind::papers, "mine")) << "a user's paper tells its kind";
+    EXPECT_TRUE(lists(Kind::papers, "mine")) << "a paper that doesn't say is one for the enlarger";
+    store_.duplicateProfile(Kind::papers, "platinum", "my_platinum");
+    EXPECT_TRUE(lists(Kind::papers, "my_platinum"));
+    store_.saveUserProfile(Kind::papers, "mine", R"({"kind": "stone", "gamma": 2})");
+    EXPECT_FALSE(lists(Kind::papers, "mine"));
     EXPECT_EQ(store_.paper("mine").gamma, 2) << "and is still there by its name";
 }
 
