@@ -1,6 +1,7 @@
 // FlagCache: what profiles say about themselves, remembered by name, so that a listing opens each file once.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <string>
@@ -13,14 +14,16 @@ public:
     template <typename Read>
     bool flag(const std::string& key, Read&& read)
     {
+        std::uint64_t seen = 0;
         {
             const std::lock_guard guard(lock_);
             const auto known = flags_.find(key);
             if (known != flags_.end()) return known->second;
+            seen = changes_;
         }
         const bool value = read();
         const std::lock_guard guard(lock_);
-        flags_[key] = value;
+        if (seen == changes_) flags_[key] = value; // else the file may have changed while it was read
         return value;
     }
 
@@ -29,10 +32,12 @@ public:
     {
         const std::lock_guard guard(lock_);
         flags_.erase(key);
+        ++changes_;
     }
 
 private:
     std::mutex lock_;
+    std::uint64_t changes_ = 0;
     std::map<std::string, bool> flags_;
 };
 

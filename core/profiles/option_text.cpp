@@ -9,18 +9,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace tamlo {
 
 namespace {
-
-std::string shortNumber(double value)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", value);
-    return text;
-}
 
 std::string inQuotes(std::string_view text)
 {
@@ -181,7 +173,7 @@ std::string allowedText(const OptionRow& row)
 {
     if (!row.allowed.empty()) return T("options.oneOf", {{"list", joinedChoices(row.allowed)}});
     const std::string range =
-        row.hasRange ? T("options.range", {{"low", shortNumber(row.low)}, {"high", shortNumber(row.high)}})
+        row.hasRange ? T("options.range", {{"low", Fmt::significant(row.low)}, {"high", Fmt::significant(row.high)}})
                      : std::string();
     switch (row.type) {
     case OptionType::number:

@@ -15,12 +15,6 @@ namespace {
 
 using PresetSchema::KeySet;
 
-/// A number as a message shows it.
-std::string trim(double value)
-{
-    return Fmt::number(value, 4);
-}
-
 std::string joined(const auto& texts, std::string_view separator = ", ")
 {
     std::string out;
@@ -32,7 +26,7 @@ std::string joined(const auto& texts, std::string_view separator = ", ")
 std::string shownValue(const JSONValue& value)
 {
     if (const auto text = stringValue(value)) return *text;
-    if (const auto number = doubleValue(value)) return trim(*number);
+    if (const auto number = doubleValue(value)) return Fmt::significant(*number);
     if (const auto flag = boolValue(value)) return *flag ? "true" : "false";
     return "?";
 }
@@ -70,7 +64,7 @@ private:
         const auto number = doubleValue(format);
         if (!number || *number != std::floor(*number)) throw PresetError(T("preset.err.formatNotNumber"));
         writtenFormat_ = *number;
-        if (*number > PresetSchema::formatVersion) note("preset.note.newerFormat", {{"n", trim(*number)}});
+        if (*number > PresetSchema::formatVersion) note("preset.note.newerFormat", {{"n", Fmt::significant(*number)}});
     }
 
     void completeHead()
@@ -152,7 +146,7 @@ private:
         if (!number) throw PresetError(T("preset.err.notNumber", {{"key", key}}));
         const double inside = std::clamp(*number, row->low, row->high);
         if (inside == *number) return value;
-        clamps.push_back(key + ": " + trim(*number) + " → " + trim(inside));
+        clamps.push_back(key + ": " + Fmt::significant(*number) + " → " + Fmt::significant(inside));
         return inside;
     }
 

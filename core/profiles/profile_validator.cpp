@@ -20,7 +20,7 @@ using Messages = std::vector<std::string>;
 /// A number as a message shows it.
 Loc::Arg shown(double value)
 {
-    return Fmt::number(value, 4);
+    return Fmt::significant(value);
 }
 
 std::string joined(std::vector<std::string_view> texts)
@@ -261,7 +261,8 @@ std::optional<ProfileKind> ProfileValidator::guessKind(std::string_view data)
     if ((layers != object.end() && !layers->is_array()) || has("negative")) return ProfileKind::films;
     if (has("process") || has("pigment") || has("scan")) return ProfileKind::papers;
     if (has("gains") || has("bloom")) return ProfileKind::filters;
-    if (has("dmax")) return ProfileKind::papers;
+    if (has("dmax") || has("plate_view")) return ProfileKind::papers;
+    if (has("rays") || has("grad")) return ProfileKind::filters;
     return std::nullopt;
 }
 

@@ -24,7 +24,7 @@ void write(const std::filesystem::path& path, std::string_view text);
 /// Errors: TamloError io; the file is then where it was.
 void move(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// A name that is a plain file name: it can't lead out of its folder.
+/// A name that is a plain file name: it can't lead out of its folder, and is no file that is being written.
 bool staysInFolder(std::string_view name);
 
 } // namespace tamlo::UserFiles

@@ -34,7 +34,8 @@ fs::path ProfileStore::saveUserProfile(Kind kind, const std::string& name, std::
     if (!UserFiles::staysInFolder(name)) throw Failure({T("profiles.err.badName", {{"name", name}})});
     ProfileValidator::validate(kind, data, *this);
     const fs::path file = userFile(kind, name);
-    UserFiles::write(file, ProfileValidator::stamped(data));
+    // A preset keeps the version that its keys are meant in.
+    UserFiles::write(file, kind == Kind::presets ? std::string(data) : ProfileValidator::stamped(data));
     forget(kind, name);
     return file;
 }

@@ -14,4 +14,11 @@ std::string Fmt::number(double value, int digits)
     return text;
 }
 
+std::string Fmt::significant(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", value);
+    return text;
+}
+
 } // namespace tamlo
