@@ -173,8 +173,9 @@ std::string allowedText(const OptionRow& row)
 {
     if (!row.allowed.empty()) return T("options.oneOf", {{"list", joinedChoices(row.allowed)}});
     const std::string range =
-        row.hasRange ? T("options.range", {{"low", Fmt::significant(row.low)}, {"high", Fmt::significant(row.high)}})
-                     : std::string();
+        row.hasRange
+            ? T("options.range", {{"low", Fmt::significant(row.low)}, {"high", Fmt::significant(row.high)}})
+            : std::string();
     switch (row.type) {
     case OptionType::number:
         return T("options.number", {{"range", range}});

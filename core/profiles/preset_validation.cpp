@@ -64,7 +64,8 @@ private:
         const auto number = doubleValue(format);
         if (!number || *number != std::floor(*number)) throw PresetError(T("preset.err.formatNotNumber"));
         writtenFormat_ = *number;
-        if (*number > PresetSchema::formatVersion) note("preset.note.newerFormat", {{"n", Fmt::significant(*number)}});
+        if (*number > PresetSchema::formatVersion)
+            note("preset.note.newerFormat", {{"n", Fmt::significant(*number)}});
     }
 
     void completeHead()

@@ -78,7 +78,8 @@ void UserFiles::move(const fs::path& from, const fs::path& to)
 
 bool UserFiles::staysInFolder(std::string_view name)
 {
-    return !name.empty() && name.front() != '.' && name.find_first_of(std::string_view("/\\\0", 3)) == std::string_view::npos &&
+    return !name.empty() && name.front() != '.' &&
+           name.find_first_of(std::string_view("/\\\0", 3)) == std::string_view::npos &&
            name.find("..") == std::string_view::npos;
 }
 
