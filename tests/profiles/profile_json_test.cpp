@@ -70,6 +70,31 @@ TEST(ProfileJson, EveryCarriedFileComesBackAsItIs)
     EXPECT_EQ(BundledProfiles::files().size(), 196u);
 }
 
+/// A key of the block, or of one inside it, that tells where numbers come from.
+bool tellsItsSource(const Json& value)
+{
+    if (!value.is_object()) return false;
+    return std::ranges::any_of(value.items(), [](const auto& entry) {
+        return entry.key().ends_with("_note") || tellsItsSource(entry.value());
+    });
+}
+
+TEST(ProfileJson, EveryCarriedProfileSpeaksToThePhotographer)
+{
+    for (const auto& [key, text] : BundledProfiles::files()) {
+        if (key.starts_with("strings/") || key.starts_with("presets/")) continue;
+        SCOPED_TRACE(key);
+        const Json profile = Json::parse(text);
+        for (const char* words : {"name", "notes", "notes_en"})
+            EXPECT_NE(profile.value(words, ""), "") << words;
+        const std::string name = profile.value("name", "");
+        const bool latin =
+            std::ranges::all_of(name, [](char c) { return static_cast<unsigned char>(c) < 0xD0; });
+        EXPECT_TRUE(latin || profile.contains("name_en")) << "a Russian name needs an English one";
+        EXPECT_TRUE(tellsItsSource(profile)) << "where do the numbers come from?";
+    }
+}
+
 TEST(ProfileJson, CarriedTextsAreTheFilesOfTheDataFolder)
 {
     ASSERT_FALSE(BundledProfiles::files().empty());
