@@ -1,5 +1,6 @@
 #include "core/film/scan.h"
 
+#include "core/film/blur_bands.h"
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
 #include "core/image/render_profiler.h"
@@ -23,11 +24,13 @@ ScanPlan planScan(const ScanParams& scan, Size size)
 {
     ScanPlan plan;
     const double width = static_cast<double>(size.width);
-    if (scan.mtf.value_or(0.0) > 0.001) plan.softSigmaPx = std::max(*scan.mtf * 0.0016 * width, 0.4);
+    if (scan.mtf.value_or(0.0) > 0.001)
+        plan.softSigmaPx = boundedSigmaPx(std::max(*scan.mtf * 0.0016 * width, 0.4), size);
     plan.size = Film::scanSize(size, scan);
     if (scan.sharpen.value_or(0.0) > 0.001) {
-        const double scanned = static_cast<double>(plan.size.value_or(size).width);
-        plan.sharpenSigmaPx = std::max(scan.sharpenFrac.value_or(0.0007) * scanned, 0.5);
+        const Size scanned = plan.size.value_or(size);
+        const double sigmaPx = scan.sharpenFrac.value_or(0.0007) * static_cast<double>(scanned.width);
+        plan.sharpenSigmaPx = boundedSigmaPx(std::max(sigmaPx, 0.5), scanned);
         plan.sharpenK = static_cast<float>(1.5 * *scan.sharpen);
     }
     if (scan.highlightClip.value_or(0.0) > 0.0001) plan.clip = static_cast<float>(1.0 - *scan.highlightClip);

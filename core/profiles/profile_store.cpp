@@ -128,7 +128,7 @@ bool ProfileStore::isBuiltin(Kind kind, const std::string& name) const
     return BundledProfiles::files().contains(bundledKey(kind, name));
 }
 
-/// What a profile says of itself; null when it can't be read.
+/// What a profile says of itself; false for one that can't be read.
 template <typename Judge>
 bool ProfileStore::flag(const char* flag, Kind kind, const std::string& name, Judge&& judge) const
 {
