@@ -37,6 +37,13 @@ bool ridesAlong(const std::string& key)
            key.ends_with("rms_granularity");
 }
 
+/// The profile's name in the language in force.
+std::string titleOf(const ProfileStore::Incoming& incoming)
+{
+    const JSONValue profile = JSONValue::parse(incoming.data);
+    return Loc::pick(incoming.title, stringValue(memberOf(profile, "name_en")));
+}
+
 std::vector<std::string> unknownKeys(Kind kind, const std::string& data)
 {
     std::vector<std::string> keys;
@@ -84,7 +91,7 @@ void checkOne(const fs::path& file, const ProfileStore& store, std::ostream& res
     } else {
         const ProfileStore::Incoming incoming = store.inspectImport(file);
         kind = incoming.kind;
-        title = incoming.title;
+        title = titleOf(incoming);
         tellUnknownKeys(file, kind, data);
     }
     results << file.string() << ": " << kindTitle(kind) << ", " << title << std::endl;
@@ -116,7 +123,7 @@ void importProfile(const fs::path& file, PresetConflict onConflict, ProfileStore
     }
     store.saveUserProfile(incoming.kind, id, incoming.data);
     tellUnknownKeys(file, incoming.kind, incoming.data);
-    results << T("profiles.added", {{"name", incoming.title}, {"id", id}}) << std::endl;
+    results << T("profiles.added", {{"name", titleOf(incoming)}, {"id", id}}) << std::endl;
 }
 
 /// Runs the work on each file; a failure is told with the file's name and the next one follows.

@@ -35,7 +35,7 @@ inline constexpr double growthCloudK = 0.3;
 inline constexpr double growthSizeBWUm = 14.0;
 inline constexpr double growthSizeColorUm = 8.4;
 /// Grain beyond this size is drawn at it: coarser than any emulsion, and a bound on the width of the kernels.
-inline constexpr double growthMaxSizeUm = 500.0;
+inline constexpr double growthMaxSizeUm = 100.0;
 /// Widest Gaussian over the site lattice, in sites, for the same reason.
 inline constexpr double growthMaxSigmaSites = 128.0;
 /// Longest lattice that is built site by site, half a metre of film; beyond it the aggregate stands in.
