@@ -189,7 +189,7 @@ private:
             const std::string kind(rawText(row.kind));
             const bool travels =
                 allowEmbedded_ && memberOf(memberOf(document_.embedded(), kind), name).is_object();
-            if (!travels) missing.push_back(name + " (" + kind + ")");
+            if (!travels) missing.push_back(std::string(name).append(" (").append(kind).append(")"));
         }
         if (!missing.empty()) throw PresetError(T("preset.err.missingProfiles", {{"list", joined(missing)}}));
     }
