@@ -3,7 +3,6 @@
 #include "core/profiles/profile_json.h"
 #include "core/profiles/profile_store.h"
 #include "core/profiles/user_files.h"
-#include "core/text/bundled_profiles.h"
 #include "tests/profiles/user_root.h"
 
 #include <gtest/gtest.h>
@@ -99,18 +98,6 @@ TEST_F(UserProfilesTest, ASavedProfileIsStamped)
 })");
 }
 
-TEST_F(UserProfilesTest, StampingChangesNothingButTheFormat)
-{
-    for (const auto& [key, text] : BundledProfiles::files()) {
-        if (key.starts_with("strings/")) continue;
-        const std::string stamped = ProfileValidator::stamped(text);
-        EXPECT_EQ(ProfileValidator::stamped(stamped), stamped) << key;
-        Json expected = Json::parse(text);
-        expected["format"] = 1;
-        EXPECT_EQ(Json::parse(stamped), expected) << key;
-    }
-}
-
 TEST_F(UserProfilesTest, AnInvalidProfileIsNotSaved)
 {
     store_.saveUserProfile(Kind::films, "mine", kFilm);
@@ -120,15 +107,6 @@ TEST_F(UserProfilesTest, AnInvalidProfileIsNotSaved)
         refusal(text, [&] { store_.saveUserProfile(Kind::films, "mine", text); });
         refusal(text, [&] { store_.saveUserProfile(Kind::films, "other", text); });
     }
-}
-
-TEST_F(UserProfilesTest, ACarriedProfileHidesOneOfTheUser)
-{
-    store_.saveUserProfile(Kind::films, "portra400", kFilm);
-    EXPECT_EQ(store_.film("portra400").name, "Kodak Portra 400");
-    EXPECT_TRUE(lists(Kind::films, "portra400"));
-    store_.deleteUserProfile(Kind::films, "portra400");
-    EXPECT_TRUE(lists(Kind::films, "portra400"));
 }
 
 TEST_F(UserProfilesTest, TheTrashNumbersWhatHasOneName)
@@ -156,15 +134,6 @@ TEST_F(UserProfilesTest, TheTrashNumbersWhatHasOneName)
 
     store_.saveUserProfile(Kind::lenses, "mine", lens(9));
     EXPECT_EQ(store_.deleteUserProfile(Kind::lenses, "mine"), trash / names[1]) << "the first free number";
-}
-
-TEST_F(UserProfilesTest, AFolderOfTheUserIsMadeAgain)
-{
-    store_.saveUserProfile(Kind::films, "mine", kFilm);
-    const fs::path trashed = store_.deleteUserProfile(Kind::films, "mine");
-    fs::remove_all(root_ / "user/profiles");
-    store_.restoreUserProfile(Kind::films, "mine", trashed);
-    EXPECT_EQ(store_.film("mine").name, "Mine");
 }
 
 TEST_F(UserProfilesTest, OnlyTheUsersOwnIsDeleted)
@@ -229,18 +198,6 @@ TEST_F(UserProfilesTest, ACopyIsTheUsers)
         refusal(text, [&] { store_.duplicateProfile(Kind::filters, "broken", "another"); });
     }
     refusal("nosuch", [&] { store_.duplicateProfile(Kind::filters, "nosuch", "another"); });
-}
-
-TEST_F(UserProfilesTest, EveryCarriedProfileCanBeCopied)
-{
-    for (const Kind kind : {Kind::films, Kind::lenses, Kind::papers, Kind::filters})
-        for (const std::string& name : store_.list(kind, true))
-            EXPECT_NO_THROW(store_.duplicateProfile(kind, name, name + "_copy")) << name;
-    EXPECT_EQ(store_.list(Kind::films, true).size(), 2 * 74u);
-    FilmProfile copy = store_.film("fp100c_copy");
-    EXPECT_EQ(copy.name, "fp100c_copy");
-    copy.name = store_.film("fp100c").name;
-    EXPECT_EQ(copy, store_.film("fp100c"));
 }
 
 TEST_F(UserProfilesTest, ExportAndImportAreARoundTrip)
