@@ -152,10 +152,13 @@ void describeCatalogue(CLI::App& app, ListArguments& list, ShowArguments& show, 
     const std::map<std::string, PresetConflict> answers{{"replace", PresetConflict::replace},
                                                         {"copy", PresetConflict::copy},
                                                         {"cancel", PresetConflict::cancel}};
-    importCommand->add_option("--on-conflict", import.onConflict, T("cli.help.onConflict"))
-        ->type_name("ANSWER")
-        ->transform(CLI::Transformer(answers).description("").name("ANSWER"))
-        ->check(CLI::IsMember({"0", "1", "2", "3"}).description(""));
+    showAs(importCommand
+               ->add_option_function<std::string>(
+                   "--on-conflict",
+                   [&import, answers](const std::string& answer) { import.onConflict = answers.at(answer); },
+                   T("cli.help.onConflict"))
+               ->check(CLI::IsMember({"replace", "copy", "cancel"})),
+           "ANSWER");
     auto* exportCommand = app.add_subcommand("export", T("cli.help.export"));
     addArgument(*exportCommand, "KIND", exported.kind, oneKind);
     addArgument(*exportCommand, "ID", exported.id, T("cli.help.id"));

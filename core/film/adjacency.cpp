@@ -51,7 +51,7 @@ Image withEdges(Image density, std::int64_t channels, const DevelopedFilm& film,
         float* samples = density.mutableData();
         const std::int64_t rowSamples = density.width * channels;
         blurInBands(
-            density.size(), channels, boundedSigmaPx(pass.sigmaPx, density.size()),
+            density.size(), channels, pass.sigmaPx,
             [&](std::int64_t y, float* to) { std::copy_n(samples + y * rowSamples, rowSamples, to); },
             [&](std::int64_t y, const float* blurred) {
                 adjacency_row(samples + y * rowSamples, blurred, rowSamples, pass.params);

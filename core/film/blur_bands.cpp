@@ -2,7 +2,6 @@
 
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
-#include "core/image/rounding.h"
 
 #include <algorithm>
 #include <utility>
@@ -53,28 +52,11 @@ void blurDirect(const BlurTask& task)
     }
 }
 
-struct ReducedBlur {
-    Size small;
-    double sigmaPx;
-};
-
-ReducedBlur planReduced(Size size, double sigmaPx)
-{
-    constexpr double kReducedSigmaPx = 6.0;
-    constexpr std::int64_t kMinSidePx = 16;
-    const double factor = sigmaPx / kReducedSigmaPx;
-    const auto side = [&](std::int64_t n) {
-        return std::max(pyRound(static_cast<double>(n) / factor), kMinSidePx);
-    };
-    const Size small{side(size.width), side(size.height)};
-    return {small, sigmaPx * static_cast<double>(small.width) / static_cast<double>(size.width)};
-}
-
 /// The blurred light at the smaller size.
 template <typename Image>
 Image reducedBlur(const BlurTask& task)
 {
-    const ReducedBlur plan = planReduced(task.size, task.sigmaPx);
+    const ReducedBlur plan = planReducedBlur(task.size, task.sigmaPx);
     return gaussianFilter(reduceInBands<Image>(task.size, plan.small, task.source), plan.sigmaPx,
                           EdgeMode::nearest);
 }
@@ -109,14 +91,9 @@ EnlargedRows heldBlur(const RGBImage& image, double sigmaPx)
 {
     if (!(sigmaPx > kDirectBlurSigmaPx))
         return {gaussianFilter(image, sigmaPx, EdgeMode::nearest), image.size()};
-    const ReducedBlur plan = planReduced(image.size(), sigmaPx);
+    const ReducedBlur plan = planReducedBlur(image.size(), sigmaPx);
     RGBImage small = pilResize(image, plan.small, Resampling::bilinear);
     return {gaussianFilter(std::move(small), plan.sigmaPx, EdgeMode::nearest), image.size()};
-}
-
-double boundedSigmaPx(double sigmaPx, Size size)
-{
-    return std::min(sigmaPx, 64.0 * static_cast<double>(std::max<std::int64_t>(size.width, 1)));
 }
 
 void blurInBands(Size size, std::int64_t channels, double sigmaPx, const SourceRow& source,

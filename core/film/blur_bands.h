@@ -20,10 +20,6 @@ EnlargedRows heldBlur(Size size, std::int64_t channels, double sigmaPx, const So
 /// The same of an image as it stands.
 EnlargedRows heldBlur(const RGBImage& image, double sigmaPx);
 
-/// A sigma held to 64 picture widths, far beyond the one that spreads evenly over the picture: a profile may
-/// name any reach in micrometres, and the kernel's length must stay within reason.
-double boundedSigmaPx(double sigmaPx, Size size);
-
 /// Blurs a source of the given size and channels (1 or 3), edges repeated. Units: sigma in pixels, above 0.
 /// `use` may change the rows that `source` reads from: `source` is never asked for a row that `use` has been
 /// given.

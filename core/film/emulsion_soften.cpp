@@ -13,12 +13,12 @@ namespace {
 constexpr double kMinSigmaPx = 0.18; // a narrower spot changes no pixel that one could see: taste
 
 /// 0 when nothing is to be done.
-double planSigmaPx(const FilmProfile& film, double pxUm, Size size)
+double planSigmaPx(const FilmProfile& film, double pxUm)
 {
     const double f50 = film.mtf && film.mtf->f50CycMm ? *film.mtf->f50CycMm : 0.0;
     if (!(f50 > 0.0)) return 0.0;
     const double sigmaPx = Film::softenSigmaUm(f50) / std::max(pxUm, 1e-6);
-    return sigmaPx < kMinSigmaPx ? 0.0 : boundedSigmaPx(sigmaPx, size);
+    return sigmaPx < kMinSigmaPx ? 0.0 : sigmaPx;
 }
 
 } // namespace
@@ -33,14 +33,14 @@ double Film::softenSigmaUm(double f50CycMm)
 RGBImage Film::emulsionSoften(RGBImage image, const FilmProfile& film, double pxUm)
 {
     const RenderProfiler::Scope booked("softening", image.pixelCount());
-    const double sigmaPx = planSigmaPx(film, pxUm, image.size());
+    const double sigmaPx = planSigmaPx(film, pxUm);
     return blur(std::move(image), sigmaPx);
 }
 
 Plane Film::emulsionSoften(Plane image, const FilmProfile& film, double pxUm)
 {
     const RenderProfiler::Scope booked("softening", image.width * image.height);
-    const double sigmaPx = planSigmaPx(film, pxUm, image.size());
+    const double sigmaPx = planSigmaPx(film, pxUm);
     return blurChannel(std::move(image), sigmaPx);
 }
 

@@ -24,7 +24,7 @@ RGBImage Filters::applyDiffusion(RGBImage image, const FilterProfile& profile, d
         float* light = image.mutableData();
         const std::int64_t samples = image.width * 3;
         blurInBands(
-            image.size(), 3, boundedSigmaPx(sigmaPx, image.size()),
+            image.size(), 3, sigmaPx,
             [&](std::int64_t y, float* to) { ray_hi(light + y * samples, samples, threshold, to); },
             [&](std::int64_t y, const float* glow) {
                 diffusion_bloom(light + y * samples, glow, samples, gain);

@@ -19,7 +19,7 @@ struct HalationPlan {
 
 /// Absent when the film returns no light.
 std::optional<HalationPlan> planHalation(const std::optional<HalationParams>& params, double pxUm,
-                                         double mult, Size size)
+                                         double mult)
 {
     constexpr Vec3d kTint{1.0, 0.3, 0.08};
     constexpr double kMaxStrength = 1e6; // 32-bit floats carry it without overflow
@@ -27,8 +27,7 @@ std::optional<HalationPlan> planHalation(const std::optional<HalationParams>& pa
     const double strength = std::min(params->strength.value_or(0.0) * mult, kMaxStrength);
     if (!(strength > 1e-5)) return std::nullopt;
     HalationPlan plan;
-    const double sigmaPx = std::max(params->radiusUm.value_or(200.0) / std::max(pxUm, 1e-6), 1.0);
-    plan.sigmaPx = boundedSigmaPx(sigmaPx, size);
+    plan.sigmaPx = std::max(params->radiusUm.value_or(200.0) / std::max(pxUm, 1e-6), 1.0);
     plan.threshold = static_cast<float>(params->threshold.value_or(0.8));
     plan.layerGain = static_cast<float>(strength);
     const Vec3d tint = params->tint.value_or(kTint);
@@ -60,7 +59,7 @@ RGBImage addGlow(RGBImage image, const HalationPlan& plan, const SourceRow& sour
 RGBImage Film::applyHalation(RGBImage image, const Plane& source, const std::optional<HalationParams>& params,
                              double pxUm, double mult)
 {
-    const auto plan = planHalation(params, pxUm, mult, image.size());
+    const auto plan = planHalation(params, pxUm, mult);
     if (!plan) return image;
     image = addGlow(std::move(image), *plan, [&](std::int64_t y, float* to) {
         halation_source(source.row(y), source.width, plan->threshold, to);
@@ -72,7 +71,7 @@ RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>
                              double mult)
 {
     const RenderProfiler::Scope booked("halation", image.pixelCount());
-    const auto plan = planHalation(params, pxUm, mult, image.size());
+    const auto plan = planHalation(params, pxUm, mult);
     if (!plan) return image;
     const float* pixels = image.mutableData();
     const std::int64_t width = image.width;
@@ -85,7 +84,7 @@ RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>
 Plane Film::applyHalation(Plane image, const std::optional<HalationParams>& params, double pxUm, double mult)
 {
     const RenderProfiler::Scope booked("halation", image.width * image.height);
-    const auto plan = planHalation(params, pxUm, mult, image.size());
+    const auto plan = planHalation(params, pxUm, mult);
     if (!plan) return image;
     float* light = image.mutableData();
     const std::int64_t width = image.width;

@@ -19,11 +19,6 @@ double longPx(const RGBImage& image)
     return static_cast<double>(image.longSide());
 }
 
-double heldSigma(double sigmaPx, const RGBImage& image)
-{
-    return boundedSigmaPx(std::max(sigmaPx, 0.0), image.size());
-}
-
 SourceRow rowsOf(const float* pixels, std::int64_t width)
 {
     return [=](std::int64_t y, float* to) { std::copy_n(pixels + y * width * 3, width * 3, to); };
@@ -54,8 +49,8 @@ BloomPlan planBloom(const RGBImage& image, const OpticsParams& params, double st
     const double halo = params.bloomHaloMix.value_or(0.4);
     const Vec3d tint = params.bloomTint.value_or(Vec3d{1.0, 1.0, 1.0});
     BloomPlan plan;
-    plan.narrowPx = heldSigma(std::min(sigma1, sigma2) * longPx(image), image);
-    plan.widePx = heldSigma(std::max(sigma1, sigma2) * longPx(image), image);
+    plan.narrowPx = std::max(std::min(sigma1, sigma2) * longPx(image), 0.0);
+    plan.widePx = std::max(std::max(sigma1, sigma2) * longPx(image), 0.0);
     plan.threshold = static_cast<float>(params.bloomThreshold.value_or(0.75));
     plan.mix.wide = static_cast<float>(sigma1 <= sigma2 ? halo : 1.0 - halo);
     plan.mix.narrow = static_cast<float>(sigma1 <= sigma2 ? 1.0 - halo : halo);
@@ -79,9 +74,9 @@ std::optional<GlowPlan> planGlow(const RGBImage& image, const OpticsParams& para
     plan.share = static_cast<float>(share);
     plan.ring = static_cast<float>(std::clamp(params.glowRing.value_or(0.0), 0.0, 0.95));
     const double radius = radiusMult * params.glowRadius.value_or(0.02) * longPx(image);
-    for (std::size_t c = 0; c < 3; ++c) plan.sigmaPx[c] = heldSigma(std::max(radius * chroma[c], 0.5), image);
+    for (std::size_t c = 0; c < 3; ++c) plan.sigmaPx[c] = std::max(radius * chroma[c], 0.5);
     const double shift = share * params.glowFocusShift.value_or(0.0);
-    if (shift > 1e-5) plan.focusPx = heldSigma(std::max(shift * longPx(image), 0.4), image);
+    if (shift > 1e-5) plan.focusPx = std::max(shift * longPx(image), 0.4);
     return plan;
 }
 
@@ -138,7 +133,7 @@ RGBImage Optics::veil(RGBImage image, double share, const Vec3f& inputMeans)
     VeilPlan plan{static_cast<float>(kSpread * share), {}};
     for (std::size_t c = 0; c < 3; ++c)
         plan.even[c] = static_cast<float>(kEven * share * static_cast<double>(inputMeans[c]));
-    const EnlargedRows spread = heldBlur(image, heldSigma(kSigmaOfLong * longPx(image), image));
+    const EnlargedRows spread = heldBlur(image, kSigmaOfLong * longPx(image));
     float* pixels = image.mutableData();
     const std::int64_t width = image.width;
     parallelBands(image.height, width * 3, [&](std::int64_t start, std::int64_t end) {
@@ -193,7 +188,7 @@ RGBImage Optics::glow(RGBImage image, const OpticsParams& params, double saGain,
 RGBImage Optics::soften(RGBImage image, double s, double mix)
 {
     if (image.pixelCount() == 0 || !(s > 0.0)) return image;
-    const double sigmaPx = heldSigma(std::max(s / 1000.0 * longPx(image), 0.3), image);
+    const double sigmaPx = std::max(s / 1000.0 * longPx(image), 0.3);
     if (mix == 1.0) return blur(std::move(image), sigmaPx);
     const auto share = static_cast<float>(mix);
     float* pixels = image.mutableData();
@@ -210,7 +205,7 @@ RGBImage Optics::chromaSoft(RGBImage image, const OpticsParams& params, double s
     if (image.pixelCount() == 0 || !params.chromaSoft || params.chromaSoft->size() != 3) return image;
     const std::int64_t width = image.width;
     for (std::size_t c = 0; c < 3; ++c) {
-        const double sigmaPx = heldSigma(saGain * (*params.chromaSoft)[c] / 1000.0 * longPx(image), image);
+        const double sigmaPx = std::max(saGain * (*params.chromaSoft)[c] / 1000.0 * longPx(image), 0.0);
         if (!(sigmaPx > kMinSigmaPx)) continue;
         float* pixels = image.mutableData();
         blurInBands(image.size(), 1, sigmaPx, channelOf(pixels, width, c),

@@ -1,6 +1,5 @@
 #include "core/film/scan.h"
 
-#include "core/film/blur_bands.h"
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
 #include "core/image/render_profiler.h"
@@ -24,13 +23,12 @@ ScanPlan planScan(const ScanParams& scan, Size size)
 {
     ScanPlan plan;
     const double width = static_cast<double>(size.width);
-    if (scan.mtf.value_or(0.0) > 0.001)
-        plan.softSigmaPx = boundedSigmaPx(std::max(*scan.mtf * 0.0016 * width, 0.4), size);
+    if (scan.mtf.value_or(0.0) > 0.001) plan.softSigmaPx = std::max(*scan.mtf * 0.0016 * width, 0.4);
     plan.size = Film::scanSize(size, scan);
     if (scan.sharpen.value_or(0.0) > 0.001) {
         const Size scanned = plan.size.value_or(size);
         const double sigmaPx = scan.sharpenFrac.value_or(0.0007) * static_cast<double>(scanned.width);
-        plan.sharpenSigmaPx = boundedSigmaPx(std::max(sigmaPx, 0.5), scanned);
+        plan.sharpenSigmaPx = std::max(sigmaPx, 0.5);
         plan.sharpenK = static_cast<float>(1.5 * *scan.sharpen);
     }
     if (scan.highlightClip.value_or(0.0) > 0.0001) plan.clip = static_cast<float>(1.0 - *scan.highlightClip);

@@ -156,14 +156,9 @@ Image blurred(Image image, double sigma)
 {
     if (!(sigma > 0.0) || image.data.empty()) return image;
     if (sigma <= kDirectBlurSigmaPx) return gaussianFilter(std::move(image), sigma, EdgeMode::nearest);
-    constexpr double kReducedSigmaPx = 6.0;
-    constexpr std::int64_t kMinSidePx = 16;
-    const double factor = sigma / kReducedSigmaPx;
-    const Size small{std::max(pyRound(static_cast<double>(image.width) / factor), kMinSidePx),
-                     std::max(pyRound(static_cast<double>(image.height) / factor), kMinSidePx)};
-    const double smallSigma = sigma * static_cast<double>(small.width) / static_cast<double>(image.width);
-    Image reduced = pilResize(image, small, Resampling::bilinear);
-    reduced = gaussianFilter(std::move(reduced), smallSigma, EdgeMode::nearest);
+    const ReducedBlur plan = planReducedBlur(image.size(), sigma);
+    Image reduced = pilResize(image, plan.small, Resampling::bilinear);
+    reduced = gaussianFilter(std::move(reduced), plan.sigmaPx, EdgeMode::nearest);
     pilResizeInto(reduced, image, Resampling::bilinear);
     return image;
 }
@@ -217,6 +212,20 @@ Plane gaussianFilter2(Plane plane, double sigmaY, double sigmaX, EdgeMode mode)
 RGBImage gaussianFilter2(RGBImage image, double sigmaY, double sigmaX, EdgeMode mode)
 {
     return filtered(std::move(image), {halfKernel(sigmaY, 4.0), halfKernel(sigmaX, 4.0), mode});
+}
+
+ReducedBlur planReducedBlur(Size size, double sigmaPx)
+{
+    constexpr double kReducedSigmaPx = 6.0;
+    constexpr double kWidestPictures = 64.0;
+    constexpr std::int64_t kMinSidePx = 16;
+    const double width = static_cast<double>(std::max<std::int64_t>(size.width, 1));
+    const double sigma = std::min(sigmaPx, kWidestPictures * width);
+    const auto side = [&](std::int64_t n) {
+        return std::max(pyRound(static_cast<double>(n) / (sigma / kReducedSigmaPx)), kMinSidePx);
+    };
+    const Size small{side(size.width), side(size.height)};
+    return {small, sigma * static_cast<double>(small.width) / width};
 }
 
 Plane blurChannel(Plane plane, double sigma)

@@ -48,9 +48,18 @@ Plane gaussianFilter1D(Plane plane, double sigma, FilterAxis axis, EdgeMode mode
 Plane gaussianFilter2(Plane plane, double sigmaY, double sigmaX, EdgeMode mode);
 RGBImage gaussianFilter2(RGBImage image, double sigmaY, double sigmaX, EdgeMode mode);
 
-/// Blur with the edge sample repeated. Up to kDirectBlurSigmaPx it is gaussianFilter; a wider one shrinks the
-/// plane by sigma / 6 (never below 16 samples a side), blurs there and enlarges again, so that it costs as
-/// much as a blur of sigma 6. Unchanged when sigma is not above 0.
+/// How a blur wider than kDirectBlurSigmaPx is done: on a plane shrunk by sigma / 6 (never below 16 samples a
+/// side), with this sigma there. A sigma above 64 picture widths counts as that many, far beyond the one that
+/// spreads evenly over the picture: a profile may name any reach, and the kernel must stay within reason.
+struct ReducedBlur {
+    Size small;
+    double sigmaPx = 0;
+};
+ReducedBlur planReducedBlur(Size size, double sigmaPx);
+
+/// Blur with the edge sample repeated. Up to kDirectBlurSigmaPx it is gaussianFilter; a wider one is done by
+/// planReducedBlur and enlarged again, so that it costs as much as a blur of sigma 6. Unchanged when sigma is
+/// not above 0.
 Plane blurChannel(Plane plane, double sigma);
 
 /// blurChannel on each channel of an image.

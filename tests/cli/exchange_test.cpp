@@ -106,7 +106,8 @@ TEST_F(ExchangeTest, AFilesProfilesTravelWithIt)
     EXPECT_EQ(run({"import", "gift.tpreset", "--on-conflict", "copy"}).out,
               "The profile “Gift (2)” was added as gift_2\n");
     EXPECT_EQ(run({"import", "gift.tpreset", "--on-conflict", "cancel"}).out, "");
-    EXPECT_EQ(run({"import", "gift.tpreset", "--on-conflict", "perhaps"}).status, 2);
+    for (const char* answer : {"perhaps", "2", ""})
+        EXPECT_EQ(run({"import", "gift.tpreset", "--on-conflict", answer}).status, 2) << answer;
 }
 
 TEST_F(ExchangeTest, WhatIsExportedComesBack)
