@@ -3,10 +3,13 @@
 // guarded function only calls the library and works on what it captured by reference.
 #pragma once
 
+#include "platform/checkpoint.h"
 #include "platform/platform_error.h"
 
 #include <csetjmp>
 #include <cstdio>
+#include <exception>
+#include <utility>
 
 namespace tamlo::platform {
 
@@ -15,7 +18,10 @@ public:
     template <typename F>
     void run(const F& call)
     {
-        if (setjmp(target_) != 0) throw PlatformError(reason_);
+        if (setjmp(target_) != 0) {
+            if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
+            throw PlatformError(reason_);
+        }
         call();
     }
 
@@ -26,9 +32,21 @@ public:
         std::longjmp(target_, 1);
     }
 
+    /// For a callback of the library, inside a run: asks the checkpoint, and jumps back where it throws.
+    void checkpoint() noexcept
+    {
+        try {
+            platform::checkpoint();
+        } catch (...) {
+            thrown_ = std::current_exception();
+        }
+        if (thrown_) std::longjmp(target_, 1);
+    }
+
 private:
     std::jmp_buf target_;
     char reason_[256] = {};
+    std::exception_ptr thrown_;
 };
 
 } // namespace tamlo::platform

@@ -9,7 +9,7 @@ namespace tamlo::platform {
 int exifOrientation(std::span<const std::uint8_t> exif)
 {
     if (exif.empty()) return 1;
-    readyExiv2();
+    const auto session = exiv2Session();
     try {
         Exiv2::ExifData data;
         Exiv2::ExifParser::decode(data, exif.data(), static_cast<std::uint32_t>(exif.size()));

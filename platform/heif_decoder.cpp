@@ -116,7 +116,7 @@ bool isHEIF(std::string_view head)
                                static_cast<int>(head.size())) != heif_filetype_no;
 }
 
-EncodedImage drawHEIF(const std::string& path, const BitmapMemory& memory)
+EncodedImage drawHEIF(const std::string& path, const DrawRequest& request)
 {
     static_cast<void>(InputFile(path)); // says what is wrong with a path in the words of every codec
     const Held<heif_context> context(heif_context_alloc());
@@ -148,8 +148,10 @@ EncodedImage drawHEIF(const std::string& path, const BitmapMemory& memory)
                 widen(reinterpret_cast<std::uint16_t*>(to), static_cast<std::size_t>(rows.width) * 4, bits);
         }
     };
-    if (std::uint8_t* rgba = memory(rows.width, rows.height)) drawRows(rows, tag, rgba);
-    return {rows.width, rows.height, 1};
+    if (std::uint8_t* rgba = request.memory(rows.width, rows.height)) drawRows(rows, tag, rgba);
+    return {.width = rows.width,
+            .height = rows.height,
+            .pictures = heif_context_get_number_of_top_level_images(context.get())};
 }
 
 } // namespace tamlo::platform

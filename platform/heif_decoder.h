@@ -1,4 +1,4 @@
-// HEIF files (HEIC and what else the installed codecs decode), drawn into an 8-bit sRGB bitmap.
+// HEIF files (HEIC, AVIF and what else the installed codecs decode), drawn into an 8-bit sRGB bitmap.
 #pragma once
 
 #include "platform/encoded_image.h"
@@ -11,6 +11,6 @@ namespace tamlo::platform {
 bool isHEIF(std::string_view head);
 
 /// drawEncodedImage for a file that is a HEIF. The library applies the file's own turns and mirrors.
-EncodedImage drawHEIF(const std::string& path, const BitmapMemory& memory);
+EncodedImage drawHEIF(const std::string& path, const DrawRequest& request);
 
 } // namespace tamlo::platform

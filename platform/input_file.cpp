@@ -32,4 +32,27 @@ std::size_t InputFile::readHead(std::span<char> bytes) const
     return count;
 }
 
+std::size_t InputFile::readTail(std::span<char> bytes) const
+{
+    if (fseeko(file_.get(), -static_cast<off_t>(bytes.size()), SEEK_END) != 0)
+        throw PlatformError(std::strerror(errno));
+    return readHead(bytes);
+}
+
+std::vector<std::uint8_t> InputFile::readAll() const
+{
+    constexpr std::size_t kLargest = std::size_t{2} << 30;
+    constexpr std::size_t kPiece = std::size_t{1} << 20;
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t got = kPiece; got == kPiece;) {
+        const std::size_t at = bytes.size();
+        if (at > kLargest) throw PlatformError("the file is larger than 2 GiB");
+        bytes.resize(at + kPiece);
+        got = std::fread(bytes.data() + at, 1, kPiece, file_.get());
+        bytes.resize(at + got);
+    }
+    if (std::ferror(file_.get())) throw PlatformError(std::strerror(errno));
+    return bytes;
+}
+
 } // namespace tamlo::platform

@@ -1,10 +1,12 @@
 // A file opened for reading, closed with its owner.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace tamlo::platform {
 
@@ -16,6 +18,10 @@ public:
     std::FILE* handle() const noexcept { return file_.get(); }
     /// Fills `bytes` from where the file stands; returns how many there were.
     std::size_t readHead(std::span<char> bytes) const;
+    /// The same from the place from which they just reach the end.
+    std::size_t readTail(std::span<char> bytes) const;
+    /// The rest of the file. Errors: PlatformError, also for more than any picture needs.
+    std::vector<std::uint8_t> readAll() const;
 
 private:
     struct Closer {

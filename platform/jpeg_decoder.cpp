@@ -23,6 +23,8 @@ constexpr char kExifName[] = "Exif\0"; // with the end of the literal: the six b
 struct ErrorManager {
     jpeg_error_mgr base; // first, so that the library's pointer is ours
     CGuard guard;
+    Damage damage = Damage::refused;
+    const char* found = nullptr; ///< the first damage that was tolerated
 };
 
 [[noreturn]] void onError(j_common_ptr info)
@@ -32,33 +34,49 @@ struct ErrorManager {
     reinterpret_cast<ErrorManager*>(info->err)->guard.fail(text);
 }
 
-// Most warnings are a writer's sloppiness. These three mean that picture data are missing or wrong; the
-// library would go on with grey.
-void onMessage(j_common_ptr info, int level)
+/// What a warning says of the picture. Most are a writer's sloppiness; three mean that picture data are
+/// missing or wrong, where the library goes on with grey.
+const char* damageOf(int warning)
 {
-    if (level >= 0) return;
-    auto* manager = reinterpret_cast<ErrorManager*>(info->err);
-    switch (info->err->msg_code) {
+    switch (warning) {
     case JWRN_JPEG_EOF:
-        manager->guard.fail("the file is cut short");
+        return "the file is cut short";
     case JWRN_HIT_MARKER:
     case JWRN_HUFF_BAD_CODE:
-        manager->guard.fail("its picture data are damaged");
+        return "its picture data are damaged";
     default:
-        return;
+        return nullptr;
     }
+}
+
+void onMessage(j_common_ptr info, int level)
+{
+    auto* manager = reinterpret_cast<ErrorManager*>(info->err);
+    const char* damage = level < 0 ? damageOf(info->err->msg_code) : nullptr;
+    if (!damage) return;
+    if (manager->damage == Damage::refused) manager->guard.fail(damage);
+    if (!manager->found) manager->found = damage;
+}
+
+// A progressive file is decoded whole before the first row comes out.
+void onProgress(j_common_ptr info)
+{
+    reinterpret_cast<ErrorManager*>(info->err)->guard.checkpoint();
 }
 
 class Decompressor {
 public:
-    explicit Decompressor(std::FILE* file)
+    Decompressor(std::FILE* file, Damage damage)
     {
+        errors_.damage = damage;
         info_.err = jpeg_std_error(&errors_.base);
         errors_.base.error_exit = onError;
         errors_.base.emit_message = onMessage;
         run([&] {
             jpeg_create_decompress(&info_);
             jpeg_stdio_src(&info_, file);
+            progress_.progress_monitor = onProgress;
+            info_.progress = &progress_;
         });
     }
     ~Decompressor() { jpeg_destroy_decompress(&info_); }
@@ -72,9 +90,13 @@ public:
     }
 
     jpeg_decompress_struct& info() noexcept { return info_; }
+    bool toleratesDamage() const noexcept { return errors_.damage == Damage::tolerated; }
+    /// Damage that was passed over; empty: none.
+    std::string damage() const { return errors_.found ? errors_.found : ""; }
 
 private:
     ErrorManager errors_{};
+    jpeg_progress_mgr progress_{};
     jpeg_decompress_struct info_{};
 };
 
@@ -117,12 +139,56 @@ RowFormat chooseFormat(jpeg_decompress_struct& info)
     }
 }
 
+/// Rows of the picture as they come. Where damage is tolerated, one that ends the decoding leaves the rows
+/// from there on black; a picture without a single row is none.
+class RowReader {
+public:
+    RowReader(Decompressor& decompressor, const PictureRows& rows)
+        : decompressor_(decompressor),
+          rowBytes_(static_cast<std::size_t>(rows.width * rows.format.channels)),
+          isInk_(rows.format.model == ColourModel::cmyk),
+          isInverted_(isInk_ && decompressor.info().saw_Adobe_marker)
+    {}
+
+    void read(std::int64_t count, JSAMPLE* to)
+    {
+        std::int64_t done = 0;
+        try {
+            if (fatal_.empty())
+                decompressor_.run([&] {
+                    for (; done < count; ++done) {
+                        JSAMPLE* row = to + static_cast<std::size_t>(done) * rowBytes_;
+                        jpeg_read_scanlines(&decompressor_.info(), &row, 1);
+                    }
+                });
+        } catch (const PlatformError& error) {
+            if (!decompressor_.toleratesDamage() || (done == 0 && !hasRows_)) throw;
+            fatal_ = error.what();
+        }
+        hasRows_ = hasRows_ || done > 0;
+        JSAMPLE* black = to + static_cast<std::size_t>(done) * rowBytes_;
+        JSAMPLE* end = to + static_cast<std::size_t>(count) * rowBytes_;
+        if (isInverted_)
+            std::transform(to, black, to, [](JSAMPLE v) { return static_cast<JSAMPLE>(255 - v); });
+        std::fill(black, end, isInk_ ? JSAMPLE{255} : JSAMPLE{0});
+    }
+
+    const std::string& fatal() const { return fatal_; }
+
+private:
+    Decompressor& decompressor_;
+    std::size_t rowBytes_;
+    bool isInk_, isInverted_;
+    bool hasRows_ = false;
+    std::string fatal_;
+};
+
 } // namespace
 
-EncodedImage drawJPEG(const std::string& path, const BitmapMemory& memory)
+EncodedImage drawJPEG(const std::string& path, const DrawRequest& request)
 {
     const InputFile file(path);
-    Decompressor decompressor(file.handle());
+    Decompressor decompressor(file.handle(), request.damage);
     jpeg_decompress_struct& info = decompressor.info();
     decompressor.run([&] {
         jpeg_save_markers(&info, kExifMarker, 0xffff);
@@ -134,25 +200,18 @@ EncodedImage drawJPEG(const std::string& path, const BitmapMemory& memory)
     rows.width = info.image_width;
     rows.height = info.image_height;
     rows.format = chooseFormat(info);
-    const EncodedImage image{rows.width, rows.height, orientationOf(info)};
+    EncodedImage image{.width = rows.width, .height = rows.height, .exifOrientation = orientationOf(info)};
     const ColourTag tag{profileOf(decompressor), std::nullopt};
-    std::uint8_t* rgba = memory(rows.width, rows.height);
+    std::uint8_t* rgba = request.memory(rows.width, rows.height);
     if (!rgba) return image;
 
     decompressor.run([&] { jpeg_start_decompress(&info); });
-    const bool invertedInk = rows.format.model == ColourModel::cmyk && info.saw_Adobe_marker;
+    RowReader reader(decompressor, rows);
     rows.read = [&](std::int64_t, std::int64_t count, std::byte* to) {
-        auto* start = reinterpret_cast<JSAMPLE*>(to);
-        const std::size_t rowBytes = static_cast<std::size_t>(rows.width * rows.format.channels);
-        decompressor.run([&] {
-            JSAMPLE* row = start;
-            for (std::int64_t i = 0; i < count; ++i, row += rowBytes) jpeg_read_scanlines(&info, &row, 1);
-        });
-        if (invertedInk)
-            std::transform(start, start + rowBytes * static_cast<std::size_t>(count), start,
-                           [](JSAMPLE v) { return static_cast<JSAMPLE>(255 - v); });
+        reader.read(count, reinterpret_cast<JSAMPLE*>(to));
     };
     drawRows(rows, tag, rgba);
+    image.damage = reader.fatal().empty() ? decompressor.damage() : reader.fatal();
     return image;
 }
 

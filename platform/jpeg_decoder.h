@@ -6,6 +6,6 @@
 namespace tamlo::platform {
 
 /// drawEncodedImage for a file that is a JPEG.
-EncodedImage drawJPEG(const std::string& path, const BitmapMemory& memory);
+EncodedImage drawJPEG(const std::string& path, const DrawRequest& request);
 
 } // namespace tamlo::platform

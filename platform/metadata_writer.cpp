@@ -55,7 +55,7 @@ bool namesGps(const std::string& key)
 
 std::vector<std::uint8_t> withMetadata(std::span<const std::uint8_t> file, const MetadataCopy& copy)
 {
-    readyExiv2();
+    const auto session = exiv2Session();
     try {
         const Exiv2::Image::AutoPtr image =
             Exiv2::ImageFactory::open(file.data(), static_cast<long>(file.size()));

@@ -17,6 +17,9 @@ struct MetadataEntry {
     bool operator==(const MetadataEntry&) const = default;
 };
 
+/// The recipe of a print: a property of our own namespace.
+inline constexpr const char* kRecipeKey = "Xmp.tamlo.Recipe";
+
 struct MetadataCopy {
     std::vector<MetadataEntry> entries;
     /// Keep what the file already says beside the entries.

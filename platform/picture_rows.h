@@ -56,14 +56,15 @@ struct PictureRows {
     /// Rows that the codec likes to give at once.
     std::int64_t bandRows = 256;
     /// Writes rows y ... y + rows - 1 to `to`, without padding; called with rising y and multiples of
-    /// bandRows but for the last, or once for the whole picture.
+    /// bandRows but for the last.
     std::function<void(std::int64_t y, std::int64_t rows, std::byte* to)> read;
 };
 
 /// Errors: PlatformError when a picture of this size is no picture or too large to be held.
 void checkPictureSize(std::int64_t width, std::int64_t height);
 
-/// Reads all rows and writes R, G, B and an unused byte a pixel to `rgba`.
-void drawRows(const PictureRows& rows, const ColourTag& tag, std::uint8_t* rgba);
+/// Reads all rows and writes R, G, B and an unused byte a pixel to `rgba`. Returns how many samples are no
+/// numbers; they count as 0, before they can spoil a neighbour in colour management.
+std::int64_t drawRows(const PictureRows& rows, const ColourTag& tag, std::uint8_t* rgba);
 
 } // namespace tamlo::platform

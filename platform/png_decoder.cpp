@@ -111,7 +111,7 @@ RowFormat formatOf(png_structp png, png_infop info)
 
 } // namespace
 
-EncodedImage drawPNG(const std::string& path, const BitmapMemory& memory)
+EncodedImage drawPNG(const std::string& path, const DrawRequest& request)
 {
     const InputFile file(path);
     Reader reader(file.handle());
@@ -134,7 +134,7 @@ EncodedImage drawPNG(const std::string& path, const BitmapMemory& memory)
     });
     rows.format = formatOf(png, info);
     if (passes > 1) rows.bandRows = rows.height;
-    std::uint8_t* rgba = memory(rows.width, rows.height);
+    std::uint8_t* rgba = request.memory(rows.width, rows.height);
 
     rows.read = [&](std::int64_t, std::int64_t count, std::byte* to) {
         const std::size_t rowBytes = static_cast<std::size_t>(rows.width) * rows.format.bytesPerPixel();
@@ -154,7 +154,8 @@ EncodedImage drawPNG(const std::string& path, const BitmapMemory& memory)
         png_read_end(png, info);
         png_get_eXIf_1(png, info, &exifBytes, &exif);
     });
-    return {rows.width, rows.height, exifOrientation({exif, exifBytes})};
+    return {
+        .width = rows.width, .height = rows.height, .exifOrientation = exifOrientation({exif, exifBytes})};
 }
 
 } // namespace tamlo::platform

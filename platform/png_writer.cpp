@@ -1,5 +1,6 @@
 #include "platform/png_writer.h"
 
+#include "platform/checkpoint.h"
 #include "platform/platform_error.h"
 
 #include <algorithm>
@@ -62,6 +63,11 @@ bool writeHeader(Handles& h, const PictureLayout& layout)
     if (!layout.icc.empty())
         png_set_iCCP(h.png, h.info, "sRGB", PNG_COMPRESSION_TYPE_BASE, layout.icc.data(),
                      static_cast<png_uint_32>(layout.icc.size()));
+    if (layout.pixelsPerInch) {
+        constexpr double kInchesAMetre = 1 / 0.0254;
+        const auto density = static_cast<png_uint_32>(*layout.pixelsPerInch * kInchesAMetre + 0.5);
+        png_set_pHYs(h.png, h.info, density, density, PNG_RESOLUTION_METER);
+    }
     // A print with grain hardly shrinks further at higher levels, which take several times as long; Sub
     // and Up alone are as good on it as all five filters.
     png_set_compression_level(h.png, 3);
@@ -102,6 +108,7 @@ std::vector<std::uint8_t> encodePng(const PictureLayout& layout, const RowSource
     const std::size_t pitch = static_cast<std::size_t>(layout.width * layout.channels);
     std::vector<std::uint8_t> band(pitch * static_cast<std::size_t>(std::min(kRowsPerPull, layout.height)));
     for (std::int64_t start = 0; start < layout.height; start += kRowsPerPull) {
+        checkpoint();
         const std::int64_t count = std::min(kRowsPerPull, layout.height - start);
         rows(start, count, std::span(band).first(pitch * static_cast<std::size_t>(count)));
         check(writeRows(h, band.data(), count, pitch));

@@ -1,10 +1,13 @@
 #include "platform/raw_engine.h"
 
+#include "platform/checkpoint.h"
 #include "platform/input_file.h"
 #include "platform/platform_error.h"
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
+#include <utility>
 
 #include <libraw/libraw.h>
 
@@ -25,6 +28,24 @@ class WatchedFile : public LibRaw_bigfile_datastream {
 public:
     using LibRaw_bigfile_datastream::LibRaw_bigfile_datastream;
 
+    /// The engine whose decoders read from here; a checkpoint that says no makes them stop.
+    void setReader(LibRaw& reader) { reader_ = &reader; }
+    void rethrowStop()
+    {
+        if (stop_) std::rethrow_exception(std::exchange(stop_, nullptr));
+    }
+    /// Whether the work shall end. Exceptions don't pass through the engine: it waits for rethrowStop.
+    bool stopAsked() noexcept
+    {
+        if (stop_) return true;
+        try {
+            checkpoint();
+        } catch (...) {
+            stop_ = std::current_exception();
+        }
+        return stop_ != nullptr;
+    }
+
     int seek(INT64 offset, int whence) override
     {
         readBytes_.fetch_add(tell() - runStart_, std::memory_order_relaxed);
@@ -35,6 +56,7 @@ public:
     }
     int read(void* to, std::size_t size, std::size_t count) override
     {
+        if (currentCheckpoint() && reader_ && stopAsked()) reader_->setCancelFlag();
         const int got = LibRaw_bigfile_datastream::read(to, size, count);
         const std::size_t missing = count - std::min(count, static_cast<std::size_t>(std::max(got, 0)));
         if (missing > 0) missedBytes_.fetch_add(missing * size, std::memory_order_relaxed);
@@ -68,6 +90,8 @@ private:
     // Some decoders read from several threads.
     std::atomic<std::size_t> missedSeeks_{0}, missedBytes_{0}, missedChars_{0};
     std::atomic<INT64> readBytes_{0}, runStart_{0}; // of finished runs between seeks; where this one began
+    LibRaw* reader_ = nullptr;
+    std::exception_ptr stop_; // thrown by a checkpoint of the thread that began the work
 };
 
 /// The engine and the file it reads, which it does not own.
@@ -202,6 +226,18 @@ struct RawFrame::Engine : Session {
     bool damaged = false;
 
     static void onDamage(void* self, const char*, int) { static_cast<Engine*>(self)->damaged = true; }
+    static int onProgress(void* self, LibRaw_progress, int, int)
+    {
+        return static_cast<Engine*>(self)->file.stopAsked() ? 1 : 0;
+    }
+
+    /// One long step of the engine.
+    void run(int (LibRaw::*step)())
+    {
+        const int code = (raw.*step)();
+        file.rethrowStop();
+        need(code);
+    }
 };
 
 RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, Demosaic demosaic)
@@ -209,6 +245,8 @@ RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, 
 {
     LibRaw& raw = engine_->raw;
     raw.set_dataerror_handler(Engine::onDamage, engine_.get());
+    raw.set_progress_handler(Engine::onProgress, engine_.get());
+    engine_->file.setReader(raw);
     libraw_output_params_t& params = raw.imgdata.params;
     params.output_color = 0; // the camera's own
     params.output_bps = 16;
@@ -226,14 +264,14 @@ RawFrame::RawFrame(const std::string& path, const std::array<double, 4>& gains, 
     for (std::size_t c = 0; c < 4; ++c) params.user_mul[c] = static_cast<float>(gains[c]);
     engine_->open();
     engine_->file.startWatching();
-    need(raw.unpack());
+    engine_->run(&LibRaw::unpack);
     if (engine_->file.missedMuch()) throw PlatformError("the file is cut short");
     if (engine_->damaged || raw.error_count() != 0) throw PlatformError("its picture data are damaged");
     // Behind a head without picture the engine hands out whatever its memory held.
     constexpr INT64 kMostPixelsPerByte = 1024; // no coder packs a sensor's frame tighter
     const INT64 pixels = INT64{raw.imgdata.sizes.raw_width} * raw.imgdata.sizes.raw_height;
     if (engine_->file.readBytes() < pixels / kMostPixelsPerByte) throw PlatformError("the file is cut short");
-    need(raw.dcraw_process());
+    engine_->run(&LibRaw::dcraw_process);
     if (!raw.imgdata.image || width() < 1 || height() < 1) throw PlatformError("it holds no picture");
 }
 

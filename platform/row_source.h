@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 
 namespace tamlo::platform {
@@ -20,6 +21,8 @@ struct PictureLayout {
     int channels = 3;
     /// ICC profile of the samples; empty for none.
     std::span<const std::uint8_t> icc;
+    /// Pixels an inch of the printed picture; absent for none told.
+    std::optional<double> pixelsPerInch = {};
 };
 
 } // namespace tamlo::platform

@@ -1,25 +1,31 @@
 #include "platform/shot_properties.h"
 
 #include "platform/exiv2_session.h"
+#include "platform/unicode.h"
 
 #include <exiv2/exiv2.hpp>
 
-#include <cmath>
+#include <initializer_list>
 
 namespace tamlo::platform {
 namespace {
 
-/// The value as text without the padding of fixed-width fields.
-std::optional<std::string> textOf(const Exiv2::ExifData& data, const char* key)
+/// Text of a field: without the padding of fixed widths and what no markup can hold; bytes that are no UTF-8
+/// are taken as Latin-1, as older programs wrote them.
+std::optional<std::string> cleaned(std::string text)
 {
-    const auto entry = data.findKey(Exiv2::ExifKey(key));
-    if (entry == data.end()) return std::nullopt;
-    std::string text = entry->toString();
-    const std::string padding(" \t\r\n\0", 5);
-    text.erase(0, text.find_first_not_of(padding));
-    text.erase(text.find_last_not_of(padding) + 1);
-    if (text.empty()) return std::nullopt;
-    return text;
+    std::erase_if(text, [](unsigned char c) { return c < ' ' && c != '\t' && c != '\n' && c != '\r'; });
+    text = trimmed(asUtf8(text));
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+/// The first of the keys that has something to say.
+std::optional<std::string> textOf(const Exiv2::ExifData& data, std::initializer_list<const char*> keys)
+{
+    for (const char* key : keys)
+        if (const auto entry = data.findKey(Exiv2::ExifKey(key)); entry != data.end())
+            if (auto text = cleaned(entry->toString())) return text;
+    return std::nullopt;
 }
 
 std::optional<double> positiveOf(const Exiv2::ExifData& data, const char* key)
@@ -48,18 +54,25 @@ ShotProperties readShotProperties(const std::filesystem::path& path)
 {
     ShotProperties shot;
     try {
-        readyExiv2();
+        const auto session = exiv2Session();
         const auto image = Exiv2::ImageFactory::open(path.string());
         if (!image.get()) return shot;
-        image->readMetadata();
+        try {
+            image->readMetadata();
+        } catch (const Exiv2::AnyError&) { // what was read before the damage is there
+        }
         const Exiv2::ExifData& data = image->exifData();
-        shot.camera = textOf(data, "Exif.Image.Model");
-        shot.lensModel = textOf(data, "Exif.Photo.LensModel");
+        shot.make = textOf(data, {"Exif.Image.Make"});
+        shot.camera = textOf(data, {"Exif.Image.Model"});
+        shot.lensModel = textOf(data, {"Exif.Photo.LensModel"});
         shot.focalMm = positiveOf(data, "Exif.Photo.FocalLength");
         shot.fNumber = positiveOf(data, "Exif.Photo.FNumber");
         shot.exposureSec = positiveOf(data, "Exif.Photo.ExposureTime");
         shot.iso = isoOf(data);
-        shot.dateOriginal = textOf(data, "Exif.Photo.DateTimeOriginal");
+        shot.dateOriginal = textOf(data, {"Exif.Photo.DateTimeOriginal"});
+        shot.timeZone = textOf(data, {"Exif.Photo.OffsetTimeOriginal", "Exif.Photo.OffsetTime"});
+        shot.artist = textOf(data, {"Exif.Image.Artist"});
+        shot.copyright = textOf(data, {"Exif.Image.Copyright"});
     } catch (const std::exception&) {
         return {}; // a picture with damaged metadata is still a picture
     }

@@ -9,6 +9,7 @@
 namespace tamlo::platform {
 
 struct ShotProperties {
+    std::optional<std::string> make;
     std::optional<std::string> camera; ///< the model, as the camera spells it
     std::optional<std::string> lensModel;
     std::optional<double> focalMm;
@@ -16,10 +17,12 @@ struct ShotProperties {
     std::optional<double> exposureSec;
     std::optional<int> iso;
     std::optional<std::string> dateOriginal; ///< "YYYY:MM:DD HH:MM:SS", the camera's own clock
+    std::optional<std::string> timeZone;     ///< of that clock, "+02:00"
+    std::optional<std::string> artist, copyright;
 };
 
-/// Fields that the file does not have, or whose value makes no sense, are absent; a file without metadata,
-/// or with damaged metadata, gives none at all.
+/// Fields that the file does not have, or whose value makes no sense, are absent; a file without metadata
+/// gives none at all, one with damaged metadata what stands before the damage. Texts are UTF-8.
 ShotProperties readShotProperties(const std::filesystem::path& path);
 
 } // namespace tamlo::platform

@@ -1,5 +1,6 @@
 #include "platform/tiff_writer.h"
 
+#include "platform/checkpoint.h"
 #include "platform/platform_error.h"
 
 #include <algorithm>
@@ -89,6 +90,11 @@ void setTags(TIFF* tiff, const PictureLayout& layout, int bits, std::int64_t row
         const std::uint16_t straight = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &straight);
     }
+    if (layout.pixelsPerInch) {
+        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, *layout.pixelsPerInch);
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, *layout.pixelsPerInch);
+    }
     if (!layout.icc.empty())
         TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(layout.icc.size()),
                      layout.icc.data());
@@ -121,6 +127,7 @@ std::vector<std::uint8_t> encode(const PictureLayout& layout, const RowSource<Sa
     std::uint32_t index = 0;
     for (std::int64_t start = 0; start < layout.height; start += rowsPerStrip, ++index) {
         const std::int64_t count = std::min(rowsPerStrip, layout.height - start);
+        checkpoint();
         rows(start, count, std::span(strip).first(static_cast<std::size_t>(count * rowSamples)));
         const tmsize_t size = count * rowBytes;
         if (TIFFWriteEncodedStrip(tiff.get(), index, strip.data(), size) != size)

@@ -6,6 +6,7 @@
 #include <unicode/coll.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/utf8.h>
 
 #include <memory>
 
@@ -40,6 +41,25 @@ std::unique_ptr<icu::Collator> makeNaturalCollator()
 }
 
 } // namespace
+
+bool isUtf8(std::string_view bytes)
+{
+    const auto length = static_cast<std::int32_t>(bytes.size());
+    for (std::int32_t i = 0; i < length;) {
+        UChar32 c = 0;
+        U8_NEXT(bytes.data(), i, length, c);
+        if (c < 0) return false;
+    }
+    return true;
+}
+
+std::string asUtf8(std::string_view text)
+{
+    if (isUtf8(text)) return std::string(text);
+    icu::UnicodeString line;
+    for (const char byte : text) line.append(static_cast<UChar32>(static_cast<unsigned char>(byte)));
+    return encoded(line);
+}
 
 std::string lowerCased(std::string_view text)
 {

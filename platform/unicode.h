@@ -7,6 +7,12 @@
 
 namespace tamlo::platform {
 
+/// Whether the bytes are text at all: valid UTF-8.
+bool isUtf8(std::string_view bytes);
+
+/// The text itself where it is UTF-8; else its bytes as Latin-1.
+std::string asUtf8(std::string_view text);
+
 /// Lower case by the Unicode rules of no language in particular.
 std::string lowerCased(std::string_view text);
 

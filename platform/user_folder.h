@@ -9,4 +9,10 @@ namespace tamlo::platform {
 /// (XDG base directories). It need not exist.
 std::filesystem::path userFolder();
 
+/// Where what can be made again is kept: "Tamlo" in the desktop's folder of caches.
+std::filesystem::path cacheFolder();
+
+/// Where locks stand: a folder that lives as long as the user is logged in, else the user's own.
+std::filesystem::path lockFolder();
+
 } // namespace tamlo::platform

@@ -1,5 +1,7 @@
 #include "platform/worker_pool.h"
 
+#include "platform/checkpoint.h"
+
 #include <sched.h>
 
 #include <algorithm>
@@ -58,9 +60,13 @@ void runConcurrently(int iterations, const std::function<void(int)>& work)
 {
     if (iterations <= 0) return;
     if (iterations == 1 || activeWorkers() == 1) {
-        for (int i = 0; i < iterations; ++i) work(i);
+        for (int i = 0; i < iterations; ++i) {
+            checkpoint();
+            work(i);
+        }
         return;
     }
+    const std::function<void()>* const question = currentCheckpoint();
     // Grain 1 and the simple partitioner: an iteration is a large piece of a picture.
     Handover begin, end;
     begin.give();
@@ -68,6 +74,9 @@ void runConcurrently(int iterations, const std::function<void(int)>& work)
         0, iterations, 1,
         [&](int i) {
             begin.take();
+            // A worker that waits in one loop may run an iteration of another: each brings its own question.
+            const CheckpointScope scope(question);
+            checkpoint();
             work(i);
             end.give();
         },

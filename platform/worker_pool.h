@@ -10,7 +10,8 @@ namespace tamlo::platform {
 int activeWorkers();
 
 /// Runs work(0) ... work(iterations - 1) on the pool and returns when all are done. Iterations run in any
-/// order; the first exception thrown by one is rethrown here. May be nested.
+/// order; the first exception thrown by one is rethrown here. May be nested. Each iteration asks the caller's
+/// checkpoint before it begins.
 void runConcurrently(int iterations, const std::function<void(int)>& work);
 
 /// While it lives, activeWorkers() answers `count` in the whole process. For tests, which prove that a

@@ -1,0 +1,11 @@
+// WebP files, drawn into an 8-bit sRGB bitmap.
+#pragma once
+
+#include "platform/encoded_image.h"
+
+namespace tamlo::platform {
+
+/// drawEncodedImage for a file that is a WebP; of an animation the first picture.
+EncodedImage drawWebP(const std::string& path, const DrawRequest& request);
+
+} // namespace tamlo::platform
