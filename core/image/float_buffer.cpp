@@ -1,5 +1,6 @@
 #include "core/image/float_buffer.h"
 
+#include "core/image/cancellation.h"
 #include "core/image/page_buffer.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@ namespace tamlo {
 namespace {
 
 constexpr std::size_t kPageMappedBytes = std::size_t{1} << 20;
+constexpr std::size_t kPieceFloats = std::size_t{1} << 22;
 constexpr std::align_val_t kAlignment{64}; // a cache line, and the widest vector
 
 std::shared_ptr<float> allocate(std::size_t count)
@@ -44,7 +46,10 @@ float* FloatBuffer::mutableData()
 {
     if (!isUnique()) {
         std::shared_ptr<float> copy = allocate(size_);
-        std::copy_n(block_.get(), size_, copy.get());
+        for (std::size_t done = 0; done < size_; done += kPieceFloats) {
+            cancellationPoint();
+            std::copy_n(block_.get() + done, std::min(kPieceFloats, size_ - done), copy.get() + done);
+        }
         block_ = std::move(copy);
     }
     return block_.get();

@@ -1,6 +1,7 @@
 #include "core/image/gaussian.h"
 
 #include "core/image/bands.h"
+#include "core/image/cancellation.h"
 #include "core/image/gaussian_passes.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
@@ -26,12 +27,10 @@ struct FilterPlan {
     EdgeMode mode = EdgeMode::nearest;
 };
 
-std::vector<double> halfKernel(double sigma, double truncate)
+/// The half kernel of an axis; {1} for a sigma that blurs nothing.
+std::vector<double> axisKernel(double sigma, double truncate)
 {
-    if (!(sigma > kMinSigmaPx)) return {1.0};
-    const auto radius = static_cast<std::int64_t>(sigma * truncate + 0.5);
-    const std::vector<double> full = gaussianKernel1D(sigma, radius);
-    return {full.begin() + radius, full.end()};
+    return sigma > kMinSigmaPx ? gaussianHalfKernel(sigma, truncate) : std::vector<double>{1.0};
 }
 
 /// A picture as the filter sees it. `to` may be `from`: the filter then works in place.
@@ -70,6 +69,7 @@ public:
         std::vector<double> line(static_cast<std::size_t>(stride + 2 * reachX));
         std::vector<const float*> rows;
         for (std::int64_t y = start_; y < end_; y += kBlockRows) {
+            cancellationPoint();
             const std::int64_t count = std::min(kBlockRows, end_ - y);
             rows.clear();
             for (std::int64_t i = y - radius_; i < y + count + radius_; ++i) rows.push_back(sourceRow(i, y));
@@ -179,6 +179,22 @@ std::vector<double> gaussianKernel1D(double sigma, std::int64_t radius)
     return kernel;
 }
 
+std::vector<double> gaussianHalfKernel(double sigma, double truncate)
+{
+    const auto radius = static_cast<std::int64_t>(sigma * truncate + 0.5);
+    const std::vector<double> full = gaussianKernel1D(sigma, radius);
+    return {full.begin() + radius, full.end()};
+}
+
+double kernelPower(const std::vector<double>& half)
+{
+    // From one end to the other: the order is part of every grain.
+    double sum = 0.0;
+    for (std::size_t j = half.size() - 1; j > 0; --j) sum += half[j] * half[j];
+    for (const double w : half) sum += w * w;
+    return sum;
+}
+
 std::int64_t reflectIndex(std::int64_t i, std::int64_t n)
 {
     const std::int64_t j = (i % (2 * n) + 2 * n) % (2 * n);
@@ -187,31 +203,31 @@ std::int64_t reflectIndex(std::int64_t i, std::int64_t n)
 
 Plane gaussianFilter(Plane plane, double sigma, EdgeMode mode, double truncate)
 {
-    const std::vector<double> half = halfKernel(sigma, truncate);
+    const std::vector<double> half = axisKernel(sigma, truncate);
     return filtered(std::move(plane), {half, half, mode});
 }
 
 RGBImage gaussianFilter(RGBImage image, double sigma, EdgeMode mode, double truncate)
 {
-    const std::vector<double> half = halfKernel(sigma, truncate);
+    const std::vector<double> half = axisKernel(sigma, truncate);
     return filtered(std::move(image), {half, half, mode});
 }
 
 Plane gaussianFilter1D(Plane plane, double sigma, FilterAxis axis, EdgeMode mode, double truncate)
 {
     FilterPlan plan{.mode = mode};
-    (axis == FilterAxis::y ? plan.halfY : plan.halfX) = halfKernel(sigma, truncate);
+    (axis == FilterAxis::y ? plan.halfY : plan.halfX) = axisKernel(sigma, truncate);
     return filtered(std::move(plane), plan);
 }
 
 Plane gaussianFilter2(Plane plane, double sigmaY, double sigmaX, EdgeMode mode)
 {
-    return filtered(std::move(plane), {halfKernel(sigmaY, 4.0), halfKernel(sigmaX, 4.0), mode});
+    return filtered(std::move(plane), {axisKernel(sigmaY, 4.0), axisKernel(sigmaX, 4.0), mode});
 }
 
 RGBImage gaussianFilter2(RGBImage image, double sigmaY, double sigmaX, EdgeMode mode)
 {
-    return filtered(std::move(image), {halfKernel(sigmaY, 4.0), halfKernel(sigmaX, 4.0), mode});
+    return filtered(std::move(image), {axisKernel(sigmaY, 4.0), axisKernel(sigmaX, 4.0), mode});
 }
 
 ReducedBlur planReducedBlur(Size size, double sigmaPx)

@@ -33,6 +33,12 @@ inline constexpr double kDirectBlurSigmaPx = 10.0;
 /// Normalised kernel exp(-0.5 i² / sigma²) for i from -radius to radius.
 std::vector<double> gaussianKernel1D(double sigma, std::int64_t radius);
 
+/// The half of it from the centre on: w[0...radius] with radius floor(truncate × sigma + 0.5).
+std::vector<double> gaussianHalfKernel(double sigma, double truncate = 4.0);
+
+/// Sum of the squares of a whole kernel of this half: the variance that it leaves of white noise.
+double kernelPower(const std::vector<double>& half);
+
 /// Index i brought into 0...n - 1 by the half-sample mirror, as many times as it takes. n is at least 1.
 std::int64_t reflectIndex(std::int64_t i, std::int64_t n);
 

@@ -3,6 +3,9 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "core/image/gaussian_passes.cpp"
 #include <hwy/foreach_target.h>
+
+#include "core/image/vector_fold-inl.h"
+
 #include <hwy/highway.h>
 
 #include <algorithm>
@@ -41,32 +44,17 @@ HWY_INLINE void widen(const float* from, double* to, std::int64_t n)
     for (; i < n; ++i) to[i] = from[i]; // exact, so the same bits as the vector form
 }
 
-// out[0...4 vectors): the kernel folded over samples `step` apart, centred on `centre`. The order of the sum
-// is that of SciPy: the centre first, then the pairs from the outside in.
+/// out[0...4 vectors): the kernel folded over samples `step` apart, centred on `centre`, in SciPy's order.
 HWY_INLINE void foldBlock(const double* centre, std::int64_t step, const double* w, std::int64_t radius,
                           float* out)
 {
-    const D d;
     const DF df;
-    const std::int64_t n = static_cast<std::int64_t>(hn::Lanes(d));
-    const V w0 = hn::Set(d, w[0]);
-    V a0 = hn::Mul(hn::LoadU(d, centre), w0);
-    V a1 = hn::Mul(hn::LoadU(d, centre + n), w0);
-    V a2 = hn::Mul(hn::LoadU(d, centre + 2 * n), w0);
-    V a3 = hn::Mul(hn::LoadU(d, centre + 3 * n), w0);
-    for (std::int64_t j = radius; j >= 1; --j) {
-        const V wj = hn::Set(d, w[j]);
-        const double* lo = centre - j * step;
-        const double* hi = centre + j * step;
-        a0 = hn::Add(a0, hn::Mul(hn::Add(hn::LoadU(d, lo), hn::LoadU(d, hi)), wj));
-        a1 = hn::Add(a1, hn::Mul(hn::Add(hn::LoadU(d, lo + n), hn::LoadU(d, hi + n)), wj));
-        a2 = hn::Add(a2, hn::Mul(hn::Add(hn::LoadU(d, lo + 2 * n), hn::LoadU(d, hi + 2 * n)), wj));
-        a3 = hn::Add(a3, hn::Mul(hn::Add(hn::LoadU(d, lo + 3 * n), hn::LoadU(d, hi + 3 * n)), wj));
-    }
-    hn::StoreU(hn::DemoteTo(df, a0), df, out);
-    hn::StoreU(hn::DemoteTo(df, a1), df, out + n);
-    hn::StoreU(hn::DemoteTo(df, a2), df, out + 2 * n);
-    hn::StoreU(hn::DemoteTo(df, a3), df, out + 3 * n);
+    foldFour(
+        D(), w, static_cast<std::size_t>(radius),
+        [=](std::size_t j) HWY_ATTR { return centre - static_cast<std::int64_t>(j) * step; },
+        [=](std::size_t j) HWY_ATTR { return centre + static_cast<std::int64_t>(j) * step; },
+        [=](std::size_t k, V sum)
+            HWY_ATTR { hn::StoreU(hn::DemoteTo(df, sum), df, out + k * hn::Lanes(df)); });
 }
 
 void gaussColumns(const GaussColumns& block, GaussHalfKernel kernel)

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace tamlo::Pipeline {
+namespace tamlo::Orientation {
 namespace {
 
 struct Pixel {
@@ -93,4 +93,4 @@ RGBImage orientImage(RGBImage image, int rotateDegrees, bool mirror)
     }
 }
 
-} // namespace tamlo::Pipeline
+} // namespace tamlo::Orientation

@@ -4,7 +4,7 @@
 
 #include "core/image/rgb_image.h"
 
-namespace tamlo::Pipeline {
+namespace tamlo::Orientation {
 
 /// Quarter turns clockwise, 0 to 3, of an orientation in degrees.
 int orientQuarter(int rotateDegrees);
@@ -13,4 +13,4 @@ int orientQuarter(int rotateDegrees);
 /// back untouched; a mirror and a half turn work in place on a unique image.
 RGBImage orientImage(RGBImage image, int rotateDegrees, bool mirror);
 
-} // namespace tamlo::Pipeline
+} // namespace tamlo::Orientation

@@ -127,6 +127,20 @@ std::vector<float> CalibRNG::standardNormal(std::int64_t count)
     return out;
 }
 
+std::int64_t Pipeline::poisson(double mean, GrainRNG& rng)
+{
+    if (!(mean > 0.0)) return 0;
+    constexpr std::int64_t kMost = 9999;
+    const double limit = std::exp(-mean);
+    double p = 1.0;
+    std::int64_t k = -1;
+    do {
+        ++k;
+        p *= rng.random();
+    } while (limit < p && k < kMost);
+    return k;
+}
+
 std::uint32_t FrameSeed::crc32(std::span<const std::uint8_t> bytes)
 {
     std::uint32_t c = 0xFFFFFFFF;

@@ -61,6 +61,14 @@ private:
     std::int64_t position_ = 0;
 };
 
+namespace Pipeline {
+
+/// A Poisson count from the stream, at most 9,999; 0 without a draw when the mean is not above 0.
+/// Source: Knuth, "The Art of Computer Programming", vol. 2, 3.4.1, algorithm Q.
+std::int64_t poisson(double mean, GrainRNG& rng);
+
+} // namespace Pipeline
+
 namespace FrameSeed {
 
 /// Reflected CRC-32 with polynomial 0xEDB88320 (ISO 3309); 0 for an empty input.

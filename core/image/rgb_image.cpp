@@ -1,9 +1,9 @@
 #include "core/image/rgb_image.h"
 
 #include "core/image/bands.h"
+#include "core/image/chunks.h"
 #include "core/image/orient.h"
 #include "core/image/tamlo_error.h"
-#include "platform/worker_pool.h"
 
 #include <algorithm>
 #include <bit>
@@ -63,16 +63,13 @@ void RGBImage::setPlane(int c, const Plane& plane)
 
 Vec3f RGBImage::channelMeans() const
 {
-    constexpr int kChunks = 64;
     const std::int64_t n = pixelCount();
-    const std::int64_t chunk = (n + kChunks - 1) / kChunks;
-    std::array<Vec3d, kChunks> sums{};
-    platform::runConcurrently(kChunks, [&](int i) {
+    const auto sums = inChunks(n, [&](std::int64_t start, std::int64_t end) {
         const float* p = data.data();
         Vec3d sum{};
-        for (std::int64_t k = i * chunk; k < std::min(n, (i + 1) * chunk); ++k)
+        for (std::int64_t k = start; k < end; ++k)
             for (int c = 0; c < 3; ++c) sum[static_cast<std::size_t>(c)] += p[k * 3 + c];
-        sums[static_cast<std::size_t>(i)] = sum;
+        return sum;
     });
     Vec3d total{};
     for (const Vec3d& sum : sums)
@@ -109,7 +106,7 @@ void RGBImage::write(const std::string& path) const
 
 RGBImage rotated90(const RGBImage& image, bool clockwise)
 {
-    return Pipeline::orientImage(image, clockwise ? 90 : 270, false);
+    return Orientation::orientImage(image, clockwise ? 90 : 270, false);
 }
 
 } // namespace tamlo

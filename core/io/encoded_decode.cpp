@@ -5,7 +5,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/image/zcolor.h"
 #include "core/io/decode_rules.h"
-#include "platform/encoded_image.h"
+#include "core/text/loc.h"
 #include "platform/platform_error.h"
 
 #include <array>
@@ -34,6 +34,18 @@ TamloError cannotDecode(const std::filesystem::path& path, const platform::Platf
     return TamloError::io("cannot decode " + std::filesystem::absolute(path).string() + ": " + error.what());
 }
 
+std::vector<std::string> notesOf(const std::filesystem::path& path, const platform::EncodedImage& image)
+{
+    std::vector<std::string> notes;
+    const std::string file = path.string();
+    if (image.pictures > 1) notes.push_back(T("io.note.pictures", {{"file", file}}));
+    if (image.notNumbers > 0)
+        notes.push_back(T("io.note.notNumbers", {{"file", file}, {"n", image.notNumbers}}));
+    if (!image.damage.empty())
+        notes.push_back(T("io.note.damaged", {{"file", file}, {"error", image.damage}}));
+    return notes;
+}
+
 } // namespace
 
 void EncodedDecode::linearize(std::span<float> into) const
@@ -48,20 +60,21 @@ void EncodedDecode::linearize(std::span<float> into) const
     });
 }
 
-EncodedDecode decodeEncoded(const std::filesystem::path& path)
+EncodedDecode decodeEncoded(const std::filesystem::path& path, Damage damage)
 {
     EncodedDecode decode;
+    const auto memory = [&](std::int64_t width, std::int64_t height) {
+        decode.rgba = PageBuffer(static_cast<std::size_t>(width * height * 4));
+        return decode.rgba.bytes(decode.rgba.byteCount()).data();
+    };
     try {
-        const platform::EncodedImage image =
-            platform::drawEncodedImage(path.string(), [&](std::int64_t width, std::int64_t height) {
-                decode.rgba = PageBuffer(static_cast<std::size_t>(width * height * 4));
-                return decode.rgba.bytes(decode.rgba.byteCount()).data();
-            });
+        const platform::EncodedImage image = platform::drawEncodedImage(path.string(), {memory, damage});
         const ExifTurn turn = exifOrient(image.exifOrientation);
         decode.width = image.width;
         decode.height = image.height;
         decode.rotate = turn.turns * 90;
         decode.mirror = turn.mirror;
+        decode.notes = notesOf(path, image);
     } catch (const platform::PlatformError& error) {
         throw cannotDecode(path, error);
     }
@@ -79,13 +92,15 @@ Size encodedSize(const std::filesystem::path& path)
     }
 }
 
-RGBImage loadEncodedAsLinear(const std::filesystem::path& path)
+RGBImage loadEncodedAsLinear(const std::filesystem::path& path, const Reading& reading)
 {
-    EncodedDecode decode = decodeEncoded(path);
+    EncodedDecode decode = decodeEncoded(path, reading.damage);
+    if (reading.onNote)
+        for (const std::string& note : decode.notes) reading.onNote(note);
     RGBImage image(decode.width, decode.height);
     decode.linearize({image.mutableData(), image.data.size()});
     decode.rgba = {}; // turning takes a second image
-    return Pipeline::orientImage(std::move(image), decode.rotate, decode.mirror);
+    return Orientation::orientImage(std::move(image), decode.rotate, decode.mirror);
 }
 
 } // namespace tamlo::ImageLoader

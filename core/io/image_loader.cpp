@@ -1,7 +1,5 @@
 #include "core/io/image_loader.h"
 
-#include "core/film/source_light.h"
-
 namespace tamlo::ImageLoader {
 
 namespace {
@@ -18,9 +16,9 @@ double rawScale(const std::filesystem::path& path, std::int64_t capLongPx)
 } // namespace
 
 RGBImage loadLinear(const std::filesystem::path& path, WBMode wbMode, SourceExposure::Mode srcExposure,
-                    std::int64_t capLongPx)
+                    std::int64_t capLongPx, const Reading& reading)
 {
-    if (!isRAW(path)) return loadEncodedAsLinear(path);
+    if (!isRAW(path)) return loadEncodedAsLinear(path, reading);
     RGBImage image = loadRAWLinear(path, rawScale(path, capLongPx), false, wbMode);
     const double gain = SourceExposure::gain(image, srcExposure);
     return SourceExposure::apply(gain, std::move(image));

@@ -4,21 +4,18 @@
 // operation may be called from any thread.
 #pragma once
 
+#include "core/image/source_exposure.h"
 #include "core/io/decode_rules.h"
 #include "core/io/encoded_decode.h"
 #include "core/io/raw_decode.h"
 
-namespace tamlo::SourceExposure {
-enum class Mode;
-}
-
 namespace tamlo::ImageLoader {
 
 /// The whole frame, upright, with its source exposure applied. `capLongPx` (0: none) limits the long side of
-/// a RAW frame. An encoded picture takes neither exposure nor cap.
+/// a RAW frame. An encoded picture takes neither exposure nor cap; how it is read is for it alone.
 /// Errors: as decodeRAW, RAWDecode::render and decodeEncoded.
 RGBImage loadLinear(const std::filesystem::path& path, WBMode wbMode, SourceExposure::Mode srcExposure,
-                    std::int64_t capLongPx);
+                    std::int64_t capLongPx, const Reading& reading = {});
 
 /// The size that loadLinear gives, without developing or, where the codec allows it, decoding.
 /// Errors: as decodeRAW and encodedSize.

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <filesystem>
 #include <new>
 
@@ -57,20 +58,43 @@ void checkSize(std::int64_t width, std::int64_t height, Format format)
                                       std::to_string(width) + " x " + std::to_string(height));
 }
 
-Bytes encodeJpeg(std::span<const std::uint8_t> rgb, std::int64_t width, std::int64_t height, int quality)
+/// How a picture is encoded, beside its pixels.
+struct Encoding {
+    Format format;
+    int quality;
+    std::optional<double> pixelsPerInch; ///< none that a file could not hold
+};
+
+/// The density of our encoder's JFIF segment (JFIF 1.02: units at byte 13, then two 16-bit densities), which
+/// is what most programs look at before they look at EXIF.
+void tellDensity(Bytes& jpeg, const std::optional<double>& pixelsPerInch)
 {
-    return JPEGEncoder::encode({rgb, width, height}, quality, platform::srgbProfile());
+    const double density = std::round(pixelsPerInch.value_or(0));
+    if (density < 1 || density > 65'535) return;
+    const auto steps = static_cast<unsigned>(density);
+    const auto high = static_cast<std::uint8_t>(steps >> 8), low = static_cast<std::uint8_t>(steps & 0xFF);
+    const std::uint8_t told[] = {1, high, low, high, low}; // 1: an inch
+    std::copy(std::begin(told), std::end(told), jpeg.begin() + 13);
 }
 
-Bytes encodePicture(const RGBImage& image, Format format, int quality)
+Bytes encodeJpeg(std::span<const std::uint8_t> rgb, std::int64_t width, std::int64_t height,
+                 const Encoding& encoding)
 {
-    if (format == Format::jpeg) {
+    Bytes jpeg = JPEGEncoder::encode({rgb, width, height}, encoding.quality, platform::srgbProfile());
+    tellDensity(jpeg, encoding.pixelsPerInch);
+    return jpeg;
+}
+
+Bytes encodePicture(const RGBImage& image, const Encoding& encoding)
+{
+    if (encoding.format == Format::jpeg) {
         const PageBuffer rgb = encodeSRGB8RGB(image);
         return encodeJpeg(rgb.bytes(static_cast<std::size_t>(image.pixelCount() * 3)), image.width,
-                          image.height, quality);
+                          image.height, encoding);
     }
-    const platform::PictureLayout layout{image.width, image.height, 3, platform::srgbProfile()};
-    if (format == Format::png)
+    const platform::PictureLayout layout{image.width, image.height, 3, platform::srgbProfile(),
+                                         encoding.pixelsPerInch};
+    if (encoding.format == Format::png)
         return platform::encodePng(layout,
                                    [&](std::int64_t start, std::int64_t rows, std::span<std::uint8_t> to) {
                                        encodeSRGB8Rows(image, start, rows, to);
@@ -98,19 +122,21 @@ void readyRows(const ReadyImage& image, std::int64_t start, std::int64_t rows, s
     }
 }
 
-Bytes encodePicture(const ReadyImage& image, Format format, int quality)
+Bytes encodePicture(const ReadyImage& image, const Encoding& encoding)
 {
-    if (format == Format::jpeg) {
+    if (encoding.format == Format::jpeg) {
         const bool opaque = image.alpha == ReadyImage::Alpha::skip;
         return encodeJpeg(opaque ? rgbBytes(image) : rgbBytes(flattenOnWhite(image)), image.width,
-                          image.height, quality);
+                          image.height, encoding);
     }
-    const platform::PictureLayout layout{
-        image.width, image.height, image.alpha == ReadyImage::Alpha::skip ? 3 : 4, platform::srgbProfile()};
+    const platform::PictureLayout layout{image.width, image.height,
+                                         image.alpha == ReadyImage::Alpha::skip ? 3 : 4,
+                                         platform::srgbProfile(), encoding.pixelsPerInch};
     const auto rows = [&](std::int64_t start, std::int64_t count, std::span<std::uint8_t> to) {
         readyRows(image, start, count, to);
     };
-    return format == Format::png ? platform::encodePng(layout, rows) : platform::encodeTiff8(layout, rows);
+    return encoding.format == Format::png ? platform::encodePng(layout, rows)
+                                          : platform::encodeTiff8(layout, rows);
 }
 
 void writeFile(const std::string& path, std::span<const std::uint8_t> bytes)
@@ -141,7 +167,7 @@ void saveAs(const Picture& picture, const std::string& path, int quality,
     checkSize(picture.width, picture.height, format);
     Bytes bytes;
     try {
-        bytes = encodePicture(picture, format, quality);
+        bytes = encodePicture(picture, {format, quality, metadata ? metadata->density() : std::nullopt});
     } catch (const platform::PlatformError& error) {
         throw TamloError::io("cannot write " + path + ": " + error.what());
     } catch (const std::bad_alloc&) {
@@ -185,7 +211,8 @@ SocialCopy saveSocial(const RGBImage& image, const std::string& master, int qual
     SocialCopy copy{(folder / "social" / name).string(), false};
     try {
         save(image, copy.path, quality, metadata);
-    } catch (const TamloError&) {
+    } catch (const TamloError& error) {
+        if (error.kind() == TamloError::Kind::cancelled) throw;
         copy = {(folder / name).string(), true};
         save(image, copy.path, quality, metadata);
     }

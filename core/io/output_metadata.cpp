@@ -3,11 +3,11 @@
 #include "core/image/rounding.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
+#include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <limits>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
@@ -24,11 +24,32 @@ std::optional<std::string> present(const std::optional<std::string>& text)
     return text->substr(first, text->find_last_not_of(kBlanks) - first + 1);
 }
 
+/// The date that is written; some programs add fractions of a second behind it.
+std::optional<std::string> dateOf(const OutputMetadata& metadata)
+{
+    constexpr std::size_t kLength = 19;
+    const std::string text = metadata.dateOriginal.value_or("").substr(0, kLength);
+    return isExifDate(text) ? std::optional(text) : std::nullopt;
+}
+
+/// The time zone that is written; it says nothing without a date.
+std::optional<std::string> timeZoneOf(const OutputMetadata& metadata)
+{
+    return dateOf(metadata) && isTimeZone(metadata.timeZone.value_or("")) ? metadata.timeZone : std::nullopt;
+}
+
 /// A positive number as a fraction of integers: whole over 1, else in thousandths.
 std::string rationalText(double value)
 {
     if (value == std::floor(value)) return std::to_string(roundAway(value)) + "/1";
     return std::to_string(roundAway(value * 1000.0)) + "/1000";
+}
+
+/// Whether a text has the form: a "d" is a digit, every other character itself.
+bool hasForm(std::string_view text, std::string_view form)
+{
+    return std::equal(text.begin(), text.end(), form.begin(), form.end(),
+                      [](char c, char wanted) { return wanted == 'd' ? c >= '0' && c <= '9' : c == wanted; });
 }
 
 /// Whether a rational field can hold the value: an unsigned 32-bit numerator over up to 1000.
@@ -51,15 +72,29 @@ std::string OutputMetadata::softwareName(const std::string& version)
     return version.empty() ? "Tamlo" : "Tamlo " + version;
 }
 
-std::string exifDate(std::time_t moment)
+std::optional<double> OutputMetadata::density() const
 {
-    std::tm parts{};
-    std::array<char, 64> text{};
-    // Only figures in the pattern, so that no locale changes it.
-    if (!localtime_r(&moment, &parts) ||
-        std::strftime(text.data(), text.size(), "%Y:%m:%d %H:%M:%S", &parts) == 0)
-        return {};
-    return text.data();
+    constexpr double kLeast = 0.1; // a tenth of a pixel an inch still rounds to something a metre
+    return writable(pixelsPerInch) && *pixelsPerInch >= kLeast ? pixelsPerInch : std::nullopt;
+}
+
+bool isExifDate(const std::string& text)
+{
+    if (!hasForm(text, "dddd:dd:dd dd:dd:dd")) return false;
+    const auto number = [&](std::size_t at, std::size_t count) { return std::stoi(text.substr(at, count)); };
+    const std::chrono::year_month_day day{std::chrono::year(number(0, 4)),
+                                          std::chrono::month(static_cast<unsigned>(number(5, 2))),
+                                          std::chrono::day(static_cast<unsigned>(number(8, 2)))};
+    constexpr int kFirstYear = 1800; // there are no photographs from before
+    return day.ok() && number(0, 4) >= kFirstYear && number(11, 2) < 24 && number(14, 2) < 60 &&
+           number(17, 2) < 60;
+}
+
+bool isTimeZone(const std::string& text)
+{
+    // From UTC-12 to UTC+14, in quarters of an hour; the minutes are not looked at closer.
+    return (hasForm(text, "+dd:dd") || hasForm(text, "-dd:dd")) && std::stoi(text.substr(1, 2)) <= 14 &&
+           std::stoi(text.substr(4, 2)) < 60;
 }
 
 std::string exposureRational(double seconds)
@@ -74,6 +109,7 @@ nlohmann::json OutputMetadata::properties() const
 {
     nlohmann::json tiff{{"Software", software}, {"Orientation", 1}};
     nlohmann::json exif = nlohmann::json::object(), iptc = nlohmann::json::object();
+    if (const auto text = present(make)) tiff["Make"] = *text;
     if (const auto text = present(camera)) tiff["Model"] = *text;
     if (const auto text = present(author)) {
         tiff["Artist"] = *text;
@@ -88,12 +124,15 @@ nlohmann::json OutputMetadata::properties() const
     if (fNumber) exif["FNumber"] = *fNumber;
     if (exposureSec) exif["ExposureTime"] = *exposureSec;
     if (iso) exif["ISOSpeedRatings"] = nlohmann::json::array({*iso});
-    if (dateOriginal) exif["DateTimeOriginal"] = exif["DateTimeDigitized"] = exifDate(*dateOriginal);
+    if (const auto date = dateOf(*this)) exif["DateTimeOriginal"] = exif["DateTimeDigitized"] = *date;
+    if (const auto zone = timeZoneOf(*this)) exif["OffsetTimeOriginal"] = exif["OffsetTimeDigitized"] = *zone;
     if (!keywords.empty()) iptc["Keywords"] = keywords;
 
     nlohmann::json root{{"Orientation", 1}, {"TIFF", tiff}};
     if (!exif.empty()) root["Exif"] = exif;
     if (!iptc.empty()) root["IPTC"] = iptc;
+    if (density()) root["DPIWidth"] = root["DPIHeight"] = *pixelsPerInch;
+    if (recipe) root["Tamlo"] = {{"Recipe", *recipe}};
     return root;
 }
 
@@ -112,6 +151,7 @@ std::vector<platform::MetadataEntry> OutputMetadata::imageMetadata() const
     }
     // The texts of IPTC are UTF-8, which its envelope has to say (ISO 2022, escape % G).
     add("Iptc.Envelope.CharacterSet", "\x1b%G");
+    text(make, {"Exif.Image.Make"});
     text(camera, {"Exif.Image.Model"});
     text(author, {"Exif.Image.Artist", "Iptc.Application2.Byline", "Xmp.dc.creator"});
     text(copyright, {"Exif.Image.Copyright", "Iptc.Application2.Copyright", "Xmp.dc.rights"});
@@ -122,14 +162,18 @@ std::vector<platform::MetadataEntry> OutputMetadata::imageMetadata() const
         add("Exif.Photo.ExposureTime", time);
     // The field has 16 bits; the Exif standard has 65535 stand for all that is above.
     if (iso && *iso > 0) add("Exif.Photo.ISOSpeedRatings", std::to_string(std::min(*iso, 65535)));
-    if (const std::string date = dateOriginal ? exifDate(*dateOriginal) : ""; !date.empty()) {
-        add("Exif.Photo.DateTimeOriginal", date);
-        add("Exif.Photo.DateTimeDigitized", date);
+    text(dateOf(*this), {"Exif.Photo.DateTimeOriginal", "Exif.Photo.DateTimeDigitized"});
+    text(timeZoneOf(*this), {"Exif.Photo.OffsetTimeOriginal", "Exif.Photo.OffsetTimeDigitized"});
+    if (density()) {
+        add("Exif.Image.XResolution", rationalText(*pixelsPerInch));
+        add("Exif.Image.YResolution", rationalText(*pixelsPerInch));
+        add("Exif.Image.ResolutionUnit", "2"); // the inch
     }
     for (const std::string& keyword : keywords) {
         add("Iptc.Application2.Keywords", keyword);
         add("Xmp.dc.subject", keyword);
     }
+    if (recipe) add(platform::kRecipeKey, *recipe);
     return entries;
 }
 

@@ -1,5 +1,6 @@
 #include "core/pipeline/backend.h"
 
+#include "core/image/cancellation.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/pipeline.h"
@@ -11,6 +12,7 @@ namespace tamlo {
 
 RGBImage RenderBackend::process(RGBImage image, const RenderChoices& choices) const
 {
+    const CancellationScope cancellation(hooks.shouldCancel);
     if (!mayAbort()) return render(std::move(image), choices);
     try {
         return render(image, choices);

@@ -6,10 +6,10 @@
 #include "core/image/rgb_image.h"
 #include "core/io/image_writer.h"
 #include "core/pipeline/render_hooks.h"
-#include "core/profiles/film_profile.h"
-#include "core/profiles/lens_profile.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/profiles/formats/film_profile.h"
+#include "core/profiles/formats/lens_profile.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
 #include <functional>
 #include <memory>
@@ -32,7 +32,8 @@ public:
     virtual std::string_view name() const = 0;
 
     /// The finished picture. A render that the executor aborts runs once more from the start on the same
-    /// input; onRecovered is told when that succeeds, and a second abort reaches the caller.
+    /// input; onRecovered is told when that succeeds, and a second abort reaches the caller. The hooks'
+    /// shouldCancel is also asked between bands of rows, from several threads at once.
     /// Errors: what a stage throws, cancelled among it; none of them is retried.
     RGBImage process(RGBImage image, const RenderChoices& choices) const;
     /// The same, encoded to 8-bit sRGB for a view.

@@ -257,7 +257,7 @@ Crop Pipeline::orientRect(const Crop& crop, int rotateDegrees, bool mirror)
 {
     const double x = mirror ? 1.0 - crop.x - crop.w : crop.x;
     const double angle = orientAngle(crop.angle, mirror);
-    switch (orientQuarter(rotateDegrees)) {
+    switch (Orientation::orientQuarter(rotateDegrees)) {
     case 1:
         return {1.0 - crop.y - crop.h, x, crop.h, crop.w, angle};
     case 2:
@@ -272,7 +272,7 @@ Crop Pipeline::orientRect(const Crop& crop, int rotateDegrees, bool mirror)
 Crop Pipeline::unorientRect(const Crop& crop, int rotateDegrees, bool mirror)
 {
     Crop out = crop;
-    switch (orientQuarter(rotateDegrees)) {
+    switch (Orientation::orientQuarter(rotateDegrees)) {
     case 1:
         out = {crop.y, 1.0 - crop.x - crop.w, crop.h, crop.w, crop.angle};
         break;

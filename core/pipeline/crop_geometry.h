@@ -6,7 +6,7 @@
 #pragma once
 
 #include "core/image/rgb_image.h"
-#include "core/profiles/crop.h"
+#include "core/profiles/options/crop.h"
 
 #include <array>
 #include <optional>

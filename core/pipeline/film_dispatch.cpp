@@ -1,13 +1,18 @@
 #include "core/pipeline/film_dispatch.h"
 
-#include "core/film/black_and_white.h"
-#include "core/film/color_negative.h"
-#include "core/film/development.h"
-#include "core/film/pending_stages.h"
-#include "core/film/scan.h"
-#include "core/film/scan_positive.h"
-#include "core/film/slide.h"
+#include "core/film/emulsion/development.h"
+#include "core/film/print/black_and_white.h"
+#include "core/film/print/color_negative.h"
+#include "core/film/print/scan.h"
+#include "core/film/print/scan_positive.h"
+#include "core/film/print/slide.h"
 #include "core/image/tamlo_error.h"
+#include "core/pipeline/pending_stages.h"
+#include "core/process/altprint/brushed_coat.h"
+#include "core/process/altprint/render_alt.h"
+#include "core/process/gum/gum_layers.h"
+#include "core/process/press/repro.h"
+#include "core/text/loc.h"
 
 #include <utility>
 
@@ -52,10 +57,13 @@ RGBImage renderInstant(RGBImage light, const FilmInput&)
     return Pending::renderInstant(std::move(light));
 }
 
-RGBImage renderAlt(RGBImage light, const FilmInput& in)
+/// The handmade print lays the rebate itself and uses the mask up.
+template <RGBImage (*Print)(RGBImage, const DevelopedFilm&, const AltPrint::Job&, double)>
+RGBImage printByHand(RGBImage light, const FilmInput& in)
 {
-    light = Pending::renderAlt(std::move(light));
-    in.windowMask.reset(); // the alternative print has laid the rebate itself
+    const AltPrint::Job job{in.paper, in.options, in.windowMask ? &*in.windowMask : nullptr};
+    light = Print(std::move(light), in.film, job, in.pxUm);
+    in.windowMask.reset();
     return light;
 }
 
@@ -74,13 +82,6 @@ RGBImage renderColor(RGBImage light, const FilmInput& in)
     return Film::renderColor(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
-struct Row {
-    bool (*holds)(const FilmProfile&, const PaperProfile&);
-    RGBImage (*stage)(RGBImage, const FilmInput&);
-    /// What is not built yet and lets the light through; null where the stage stands.
-    const char* pending = nullptr;
-};
-
 bool isNegative(const FilmProfile& film)
 {
     return film.type == "color" || film.isBW() || film.isCollodion();
@@ -91,20 +92,33 @@ bool isSilver(const FilmProfile& film)
     return film.isBW() || film.isCollodion();
 }
 
+bool isByHand(const FilmProfile& film, const PaperProfile& paper)
+{
+    return isNegative(film) && paper.isAlt() && !(film.isCollodion() && paper.isPlate());
+}
+
+bool hasLayers(const PaperProfile& paper)
+{
+    return paper.layers && !paper.layers->empty();
+}
+
+struct Row {
+    bool (*holds)(const FilmProfile&, const PaperProfile&);
+    RGBImage (*stage)(RGBImage, const FilmInput&);
+};
+
 /// Read from the top: the first row that holds gives the stage.
 constexpr Row kTable[] = {
     {[](const FilmProfile& f, const PaperProfile& p) { return f.isSlide() && p.isReversal(); },
      renderSlidePrint},
     {[](const FilmProfile& f, const PaperProfile&) { return f.isSlide(); }, renderSlide},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor,
-     "three-colour plates"},
-    {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate,
-     "the view of a plate"},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isMonoInstant(); }, renderInstantMono,
-     "instant film"},
-    {[](const FilmProfile& f, const PaperProfile&) { return f.isInstant(); }, renderInstant, "instant film"},
-    {[](const FilmProfile& f, const PaperProfile& p) { return isNegative(f) && p.isAlt(); }, renderAlt,
-     "alternative prints"},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isTricolor(); }, renderTricolor},
+    {[](const FilmProfile& f, const PaperProfile& p) { return f.isCollodion() && p.isPlate(); }, viewPlate},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isMonoInstant(); }, renderInstantMono},
+    {[](const FilmProfile& f, const PaperProfile&) { return f.isInstant(); }, renderInstant},
+    {[](const FilmProfile& f, const PaperProfile& p) { return isByHand(f, p) && hasLayers(p); },
+     printByHand<Film::renderGum>},
+    {isByHand, printByHand<Film::renderAlt>},
     {[](const FilmProfile& f, const PaperProfile&) { return isSilver(f); }, renderBW},
     {[](const FilmProfile& f, const PaperProfile& p) { return f.type == "color" && p.isBW(); },
      renderColorOnBWPaper},
@@ -123,15 +137,29 @@ RGBImage Film::render(RGBImage light, const FilmInput& input)
                                       "\" (use color, bw, slide, instant, collodion or tricolor)");
 }
 
+Size Film::printedSize(Size picture, const FilmProfile& film, const PaperProfile& paper,
+                       const RenderOptions& options)
+{
+    return isByHand(film, paper) ? AltPrint::coatedSize(picture, paper, options) : picture;
+}
+
+std::vector<std::string> Film::pendingStages(const FilmProfile& film, const PaperProfile& paper,
+                                             const RenderOptions& options)
+{
+    std::vector<std::string> stages;
+    for (const Pending::Placeholder* one : Pending::kPlaceholders)
+        if (one->leftOut(film, paper, options)) stages.push_back(T(one->textKey));
+    return stages;
+}
+
 std::optional<std::string> Film::pendingStage(const FilmProfile& film, const PaperProfile& paper)
 {
-    for (const Row& row : kTable)
-        if (row.holds(film, paper)) {
-            if (row.pending) return row.pending;
-            break;
-        }
-    if (paper.isRepro()) return "reproduction on a screen or in print";
-    return std::nullopt;
+    RenderOptions plain;
+    plain.instantFrame = false;
+    plain.plateMark = false;
+    const std::vector<std::string> stages = pendingStages(film, paper, plain);
+    if (stages.empty()) return std::nullopt;
+    return stages.front();
 }
 
 Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,
@@ -144,12 +172,14 @@ Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, 
     probe.matGripsPx.reset();
     probe.picInsetPx.reset();
     probe.blackProbe = true;
+    probe.coat = "none";
     DevelopedFilm even = film;
     even.unevenField.reset();
 
     std::optional<Plane> noMask;
     RGBImage image = render(RGBImage(blackProbePx, blackProbePx), {even, paper, probe, pxUm, noMask});
-    image = Pending::applyRepro(std::move(image));
+    if (paper.isRepro() || paper.surface)
+        image = applyRepro(std::move(image), paper, probe, film.film.isBW());
     if (paper.isScan()) image = applyScan(std::move(image), paper);
 
     Vec3d sum{};

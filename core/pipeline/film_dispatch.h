@@ -2,12 +2,13 @@
 #pragma once
 
 #include "core/image/rgb_image.h"
-#include "core/profiles/developed_film.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/profiles/formats/developed_film.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tamlo::Film {
 
@@ -24,7 +25,14 @@ struct FilmInput {
 /// Runs the first stage whose condition holds. Errors: invalidArgument for a film of unknown type.
 RGBImage render(RGBImage light, const FilmInput& input);
 
-/// What of a film on a paper is not built yet and lets the picture through unprinted; absent when all stands.
+/// Size of a picture once it is printed: a brushed coat is wider than the picture.
+Size printedSize(Size picture, const FilmProfile& film, const PaperProfile& paper,
+                 const RenderOptions& options);
+
+/// What the choices ask for and is not built yet, in the language in force, by the table of placeholders.
+std::vector<std::string> pendingStages(const FilmProfile& film, const PaperProfile& paper,
+                                       const RenderOptions& options);
+/// The first of them that lets the picture through unprinted; absent when all stands.
 std::optional<std::string> pendingStage(const FilmProfile& film, const PaperProfile& paper);
 
 /// The darkest that this process reaches on this paper, per channel: an unexposed 8 × 8 frame without grain

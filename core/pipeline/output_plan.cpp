@@ -1,11 +1,16 @@
 #include "core/pipeline/output_plan.h"
 
-#include "core/film/scan.h"
+#include "core/film/print/scan.h"
+#include "core/image/orient.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
 #include "core/pipeline/crop_geometry.h"
+#include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/pending_sizes.h"
 #include "core/pipeline/render_size.h"
+#include "core/process/mat/mat_plan.h"
+#include "core/process/mat/table.h"
+#include "core/process/raster/raster_note.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +20,7 @@
 namespace tamlo {
 namespace {
 
-constexpr double kFullScale = 0.999; // a scale from here on leaves the finished size alone
+constexpr double kFullScale = 0.999; // a scale from here on leaves a finished picture alone
 constexpr double kSocialAspect = 0.8;
 
 std::int64_t longSideOf(Size size)
@@ -32,14 +37,14 @@ Size scaledBy(Size size, double k)
     return {side(size.width), side(size.height)};
 }
 
-/// The picture as it enters the lens: cropped, turned, under the master's ceiling, cut to its card.
+/// The picture as it enters the lens: cropped, turned, under the master's ceiling where it has one, cut to
+/// its card.
 Size exposedSize(Size input, const FilmProfile& film, const RenderOptions& options,
-                 Pipeline::FilmLength length)
+                 std::optional<std::int64_t> ceiling)
 {
     Size size = Pipeline::croppedSize(options.crop, input);
-    if (pyRound(options.rotate / 90.0) % 2 != 0) std::swap(size.width, size.height);
-    if (options.masterCap)
-        size = Pipeline::masterCapSize(size, Pipeline::masterLongPx(film, length.capUm)).value_or(size);
+    if (Orientation::orientQuarter(options.rotate) % 2 != 0) std::swap(size.width, size.height);
+    if (ceiling) size = Pipeline::masterCapSize(size, *ceiling).value_or(size);
     if (const auto rect = Pipeline::cardCropRect(size, film, options)) size = {rect->width(), rect->height()};
     return size;
 }
@@ -47,6 +52,25 @@ Size exposedSize(Size input, const FilmProfile& film, const RenderOptions& optio
 Size withBorder(Size size, std::int64_t marginPx)
 {
     return {size.width + 2 * marginPx, size.height + 2 * marginPx};
+}
+
+/// The board of a mat, of the kinds that have a window.
+void addMat(Pipeline::OutputPlan& plan, Size& size, const RenderOptions& options)
+{
+    const auto& known = Finishing::styles;
+    if (!Finishing::wantsMat(options)) return;
+    if (std::find(known.begin(), known.end(), *options.mat) == known.end()) return;
+    const Finishing::MatMargins margins = Finishing::matMargins(options);
+    plan.matPx = margins.m;
+    plan.matBottomPx = margins.mb;
+    size = {size.width + 2 * margins.m, size.height + margins.m + margins.mb};
+}
+
+void addTable(Pipeline::OutputPlan& plan, Size& size, const RenderOptions& options)
+{
+    if (!Table::wantsTable(options)) return;
+    plan.tablePx = Table::marginPx(options.tableWidthCm, options.printPxUm);
+    size = withBorder(size, plan.tablePx);
 }
 
 std::string inMegapixels(Size size)
@@ -64,6 +88,12 @@ double socialFactor(Size size, const RenderOptions& options)
     return static_cast<double>(options.socialPx) / static_cast<double>(measure);
 }
 
+RGBImage resampled(RGBImage image, Size size)
+{
+    if (size == image.size()) return image;
+    return pilResize(std::move(image), size.width, size.height, Resampling::lanczos);
+}
+
 /// The centre of a picture at 4:5.
 Size socialCut(Size size)
 {
@@ -79,7 +109,9 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
 {
     RenderOptions options = asked;
     const FilmLength length = filmLength(film, options, input, croppedSize(options.crop, input));
-    Size size = exposedSize(input, film, options, length);
+    std::optional<std::int64_t> ceiling;
+    if (options.masterCap) ceiling = masterLongPx(film, length.capUm);
+    Size size = exposedSize(input, film, options, ceiling);
     std::int64_t baseLong = longSideOf(size);
     if (!film.isInstant() && paper.repro != "crt") size = Pending::withRebate(size);
 
@@ -88,16 +120,19 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     plan.pxUm = length.fmtUm / static_cast<double>(longSideOf(size));
     options.formatLongUm = length.fmtUm;
     resolvePrintScale(options, paper, {baseLong, longSideOf(size), length.fmtUm}, film.isInstant());
+    const std::int64_t uncoated = size.width;
+    size = Film::printedSize(size, film, paper, options);
+    plan.coatPx = (size.width - uncoated) / 2;
 
-    if (paper.isRepro() || paper.surface) {
-        const Pending::ReproRaster raster = Pending::reproRaster();
-        if (raster.enlargement > 1.001) {
-            size = scaledBy<roundAway>(size, raster.enlargement);
-            afterScanCap(baseLong, options, raster.enlargement);
-        }
-        plan.supersample = raster.supersample;
-        plan.dotsDrawn = raster.dotsDrawn;
-        plan.linesDrawn = raster.linesDrawn;
+    if (paper.isRepro() && paper.repro != "crt") {
+        plan.raster = ReproPrint::planRaster(paper, options, options.printPxUm, size);
+        plan.rasterNote = ReproPrint::rasterNote(paper, options, options.printPxUm, size);
+        plan.supersample = plan.raster.ss;
+        plan.dotsDrawn = ReproPrint::raster(paper, options.printPxUm / plan.raster.grow, options)->resolved;
+        const std::int64_t before = longSideOf(size);
+        size = ReproPrint::grownSize(size, plan.raster.grow);
+        const double ratio = static_cast<double>(longSideOf(size)) / static_cast<double>(before);
+        if (ratio > 1.001) afterScanCap(baseLong, options, ratio);
     }
     if (paper.isScan() && paper.scan) {
         const std::int64_t before = longSideOf(size);
@@ -106,7 +141,7 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
         if (ratio < 0.999) afterScanCap(baseLong, options, ratio);
     }
 
-    plan.picture = size;
+    plan.picture = {size.width - 2 * plan.coatPx, size.height - 2 * plan.coatPx};
     if (film.isInstant()) {
         options = instantBareOptions(film, std::move(options), size);
         if (options.instantFrame) size = Pending::withCard(size);
@@ -115,8 +150,9 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
                                             frameInsetFrac(std::nullopt, baseLong));
         size = withBorder(size, borderMarginPx(border, longSideOf(size)));
     }
-    size = Pending::withTable(Pending::withMat(size));
-    if (scale < kFullScale) size = downscaledSize(size, scale);
+    addMat(plan, size, options);
+    if (paper.hasSheet() || film.isInstant()) addTable(plan, size, options);
+    size = downscaledSize(size, scale);
     plan.width = size.width;
     plan.height = size.height;
     plan.printPxUm = options.printPxUm;
@@ -128,6 +164,22 @@ Size Pipeline::outputSize(Size input, const FilmProfile& film, const PaperProfil
                           const RenderOptions& options, double scale)
 {
     return outputPlan(input, film, paper, options, scale).size();
+}
+
+std::int64_t Pipeline::sourceLongFor(Size source, const FilmProfile& film, const RenderOptions& options,
+                                     std::int64_t wantedLong)
+{
+    const std::int64_t whole = longSideOf(source);
+    const auto exposedLong = [&](std::int64_t sourceLong) {
+        const double k = static_cast<double>(sourceLong) / static_cast<double>(whole);
+        return longSideOf(exposedSize(scaledBy<pyRound>(source, k), film, options, std::nullopt));
+    };
+    const double share = static_cast<double>(exposedLong(whole)) / static_cast<double>(whole);
+    const double wanted = std::ceil(static_cast<double>(wantedLong) / std::max(share, 1e-9));
+    if (wanted >= static_cast<double>(whole)) return whole;
+    std::int64_t sourceLong = std::max<std::int64_t>(static_cast<std::int64_t>(wanted), 1);
+    while (sourceLong < whole && exposedLong(sourceLong) < wantedLong) ++sourceLong; // what rounding took
+    return sourceLong;
 }
 
 std::int64_t Pipeline::previewInputLong(Size source, const FilmProfile& film, const PaperProfile& paper,
@@ -164,7 +216,7 @@ Size Pipeline::socialSize(Size input, const FilmProfile& film, const PaperProfil
 {
     Size size = outputSize(input, film, paper, options, 1.0);
     if (options.socialCrop45) size = socialCut(size);
-    return downscaledSize(size, socialFactor(size, options));
+    return scaledBy<roundAway>(size, socialFactor(size, options));
 }
 
 RGBImage Pipeline::socialVariant(RGBImage image, const RenderOptions& options)
@@ -174,20 +226,19 @@ RGBImage Pipeline::socialVariant(RGBImage image, const RenderOptions& options)
         const std::int64_t x = (image.width - cut.width) / 2, y = (image.height - cut.height) / 2;
         image = cropTo(std::move(image), {x, y, x + cut.width, y + cut.height});
     }
-    const double factor = socialFactor(image.size(), options);
-    return exportDownscale(std::move(image), factor);
+    const Size size = scaledBy<roundAway>(image.size(), socialFactor(image.size(), options));
+    return resampled(std::move(image), size);
 }
 
 Size Pipeline::downscaledSize(Size size, double factor)
 {
-    return factor < 1.0 ? scaledBy<roundAway>(size, factor) : size;
+    return factor < kFullScale ? scaledBy<roundAway>(size, factor) : size;
 }
 
 RGBImage Pipeline::exportDownscale(RGBImage image, double factor)
 {
     const Size size = downscaledSize(image.size(), factor);
-    if (size == image.size()) return image;
-    return pilResize(std::move(image), size.width, size.height, Resampling::lanczos);
+    return resampled(std::move(image), size);
 }
 
 std::string Pipeline::sizeLabel(Size size, std::string_view megapixelUnit)

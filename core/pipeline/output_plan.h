@@ -5,10 +5,12 @@
 #pragma once
 
 #include "core/image/rgb_image.h"
-#include "core/profiles/film_profile.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/process/raster/raster.h"
+#include "core/profiles/formats/film_profile.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,11 +23,19 @@ struct OutputPlan {
     int supersample = 1;     ///< factor by which a reproduction is computed above the output
     bool dotsDrawn = false;  ///< the printing screen or the tube's mask resolves at this size
     bool linesDrawn = false; ///< the tube's scan lines resolve
-    Size picture;            ///< the picture alone: no border, card, mat or table, at full size
-    double fmtUm = 0.0;      ///< film under the picture's long side, micrometres
-    double pxUm = 0.0;       ///< micrometres of film a pixel, where the film is exposed
-    double printCm = 0.0;    ///< long side of the print, centimetres
-    double printPxUm = 0.0;  ///< micrometres of print a pixel of the full-size picture
+    /// How far a press enlarges the picture for its structure, and the same as a sentence; absent for other
+    /// papers.
+    ReproPrint::RasterPlan raster;
+    std::optional<std::string> rasterNote;
+    Size picture;           ///< the picture alone: no coat, border, card, mat or table, at full size
+    double fmtUm = 0.0;     ///< film under the picture's long side, micrometres
+    double pxUm = 0.0;      ///< micrometres of film a pixel, where the film is exposed
+    double printCm = 0.0;   ///< long side of the print, centimetres
+    double printPxUm = 0.0; ///< micrometres of print a pixel of the full-size picture
+    std::int64_t matPx = 0; ///< board above and at both sides, 0 without a mat
+    std::int64_t matBottomPx = 0;
+    std::int64_t tablePx = 0; ///< table on each side, 0 without one
+    std::int64_t coatPx = 0;  ///< margin of a brushed coat on each side of the picture, at full size
 
     Size size() const { return {width, height}; }
 };
@@ -35,6 +45,11 @@ OutputPlan outputPlan(Size input, const FilmProfile& film, const PaperProfile& p
                       const RenderOptions& options, double scale);
 Size outputSize(Size input, const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options,
                 double scale);
+
+/// The long side to reduce a source to before it is exposed, so that the picture that a crop and a card leave
+/// of it has the wanted long side; that of the source where it is smaller.
+std::int64_t sourceLongFor(Size source, const FilmProfile& film, const RenderOptions& options,
+                           std::int64_t wantedLong);
 
 /// The long side, of the candidates, that a preview is cheapest rendered from while all structure that the
 /// largest candidate shows still resolves. The source's long side without candidates.

@@ -1,7 +1,7 @@
 // Sizes of peel-apart instant sheets: plain geometry that the scale of a frame and the card both read.
 #pragma once
 
-#include "core/profiles/film_profile.h"
+#include "core/profiles/formats/film_profile.h"
 
 #include <array>
 #include <optional>

@@ -1,11 +1,12 @@
 // What the stages that are not built yet will add to a picture's size, all in this one place. Each adds
-// nothing, as its placeholder in core/film/pending_stages.h draws nothing; a stage that comes replaces both.
+// nothing, as its placeholder in core/pipeline/pending_stages.h draws nothing; a stage that comes replaces
+// both.
 #pragma once
 
 #include "core/image/plane.h"
-#include "core/profiles/film_profile.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/profiles/formats/film_profile.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
 namespace tamlo::Pending {
 
@@ -19,37 +20,10 @@ inline Size withCard(Size picture)
 {
     return picture;
 }
-/// Size of a sheet in its mat.
-inline Size withMat(Size sheet)
-{
-    return sheet;
-}
-/// Size of a sheet on its table.
-inline Size withTable(Size sheet)
-{
-    return sheet;
-}
 /// Long side of a photographed screen: it prints as large as any print.
 inline double screenLongCm(const RenderOptions& options)
 {
     return options.printCm;
-}
-/// What a reproduction's structure asks for: how much it enlarges the picture, how far above the output it is
-/// computed, and what of it can be seen.
-struct ReproRaster {
-    double enlargement = 1.0;
-    int supersample = 1;
-    bool dotsDrawn = false;
-    bool linesDrawn = false;
-};
-inline ReproRaster reproRaster()
-{
-    return {};
-}
-/// Distance from the picture to the plate mark, pixels.
-inline double plateEdgePx()
-{
-    return 0.0;
 }
 
 } // namespace tamlo::Pending

@@ -1,21 +1,26 @@
 #include "core/pipeline/pipeline.h"
 
-#include "core/film/dev_field.h"
-#include "core/film/development.h"
-#include "core/film/emulsion_input.h"
-#include "core/film/filters.h"
-#include "core/film/optics.h"
-#include "core/film/pending_stages.h"
-#include "core/film/scan.h"
-#include "core/film/source_light.h"
+#include "core/film/emulsion/dev_field.h"
+#include "core/film/emulsion/development.h"
+#include "core/film/filters/filters.h"
+#include "core/film/lens/optics.h"
+#include "core/film/light/emulsion_input.h"
+#include "core/film/light/source_light.h"
+#include "core/film/print/scan.h"
 #include "core/image/orient.h"
 #include "core/image/render_profiler.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
+#include "core/pipeline/pending_stages.h"
 #include "core/pipeline/render_size.h"
+#include "core/process/altprint/paper_base.h"
+#include "core/process/altprint/plate_mark.h"
 #include "core/process/border.h"
-#include "core/profiles/film_format.h"
-#include "core/profiles/profile_store.h"
+#include "core/process/finishing/finish_sheet.h"
+#include "core/process/mat/table.h"
+#include "core/process/press/repro.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/options/film_format.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,10 +29,17 @@
 namespace tamlo {
 namespace {
 
-Vec3f paperBase(const PaperProfile& paper)
+Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
 {
+    if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
     const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
     return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
+}
+
+double cardThicknessMm(const FilmProfile& film)
+{
+    constexpr double kIntegralMm = 0.45;
+    return film.frame ? film.frame->thicknessMm.value_or(kIntegralMm) : kIntegralMm;
 }
 
 } // namespace
@@ -61,7 +73,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     image = rotateCropInput(std::move(image), options.crop);
     const FilmLength length = filmLength(film, options, source, image.size());
     image = RenderProfiler::cpu("orientation", image.pixelCount(), [&] {
-        return orientImage(std::move(image), options.rotate, options.mirror);
+        return Orientation::orientImage(std::move(image), options.rotate, options.mirror);
     });
     if (options.masterCap)
         image = applyMasterCap(std::move(image), length.fmtUm, masterLongPx(film, length.capUm));
@@ -71,7 +83,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
 
     // Light, filters and lens.
     hooks.progress("light", 0.1);
-    image = Filters::applySource(std::move(image), film, options);
+    image = SourceLight::applySource(std::move(image), film, options);
     image = Filters::applyFront(std::move(image), options, ProfileStore::shared(), true);
     hooks.progress("lens", 0.15);
     const Optics::Controls controls{options.stop, options.glowMult, options.glowRadiusMult,
@@ -88,7 +100,8 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     const double pxUm = length.fmtUm / static_cast<double>(longSide);
     options.formatLongUm = length.fmtUm;
     developed.unevenField = RenderProfiler::cpu("tank field", image.pixelCount(), [&] {
-        return unevenField(image.size(), pxUm, devFieldFormat(film, options), film, options);
+        return DevField::unevenField(image.size(), pxUm, Formats::devFieldFormat(film, options), film,
+                                     options);
     });
     resolvePrintScale(options, paper, {baseLong, longSide, length.fmtUm}, isInstant);
 
@@ -98,6 +111,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     hooks.cancellationPoint();
     if (film.isCollodion()) developed = Pending::withoutGlassOnOpaque(std::move(developed));
     image = Film::render(std::move(image), {developed, paper, options, pxUm, windowMask});
+    longSide = image.longSide(); // a brushed coat widens the sheet and leaves the print's scale
 
     // Reproduction may enlarge the picture and a scan reduce it; the sizes follow.
     const auto followResolution = [&] {
@@ -107,7 +121,8 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     };
     if (paper.isRepro()) hooks.cancellationPoint();
     hooks.progress("print", 0.8);
-    if (paper.isRepro() || paper.surface) image = Pending::applyRepro(std::move(image));
+    if (paper.isRepro() || paper.surface)
+        image = Film::applyRepro(std::move(image), paper, options, film.isBW());
     followResolution();
     if (paper.isScan()) image = Film::applyScan(std::move(image), paper);
     followResolution();
@@ -115,20 +130,23 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     if (isInstant) {
         options = instantBareOptions(film, std::move(options), image.size());
         if (options.instantFrame) image = Pending::addInstantFrame(std::move(image));
-        if (hasFinishing(options)) image = Pending::finishSheet(std::move(image));
+        if (hasFinishing(options))
+            image = finishSheet(std::move(image), options, cardThicknessMm(film), std::nullopt, false);
         hooks.progress("done", 1.0);
         return image;
     }
 
     // The sheet.
     if (windowMask) image = Pending::compositeWindow(std::move(image));
-    const Vec3f base = paperBase(paper);
+    const Vec3f base = paperBase(paper, options);
     const double border = resolveBorder(options, paper, {baseLong, longSide, length.fmtUm},
                                         frameInsetFrac(std::nullopt, baseLong));
     const Vec3f colour = borderRGB(base, developed, paper, options, pxUm);
-    image = addBorder(std::move(image), borderMarginPx(border, longSide), colour);
-    if (paper.hasSheet() && paper.isAlt()) image = Pending::embossPlate(std::move(image));
-    image = Pending::finishSheet(std::move(image));
+    options.plateInsetPx = plateInset(paper, options);
+    image = Finishing::addBorder(std::move(image), borderMarginPx(border, longSide), colour);
+    if (paper.hasSheet() && paper.isAlt()) image = AltPrint::embossPlate(std::move(image), paper, options);
+    image = finishSheet(std::move(image), options, paper.thicknessMm.value_or(Table::paperThicknessMm),
+                        std::nullopt, !paper.hasSheet());
     hooks.progress("done", 1.0);
     return image;
 }

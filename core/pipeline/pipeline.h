@@ -5,10 +5,10 @@
 
 #include "core/image/rgb_image.h"
 #include "core/pipeline/render_hooks.h"
-#include "core/profiles/developed_film.h"
-#include "core/profiles/lens_profile.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/profiles/formats/developed_film.h"
+#include "core/profiles/formats/lens_profile.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
 namespace tamlo::Pipeline {
 

@@ -5,7 +5,8 @@
 #include "core/image/rounding.h"
 #include "core/pipeline/peel_size.h"
 #include "core/pipeline/pending_sizes.h"
-#include "core/profiles/film_format.h"
+#include "core/process/altprint/plate_mark.h"
+#include "core/profiles/options/film_format.h"
 
 #include <algorithm>
 
@@ -74,7 +75,7 @@ Pipeline::FilmLength Pipeline::filmLength(const FilmProfile& film, const RenderO
         const double um = instantLongUm(film, options.peelSize);
         return {um, um};
     }
-    const auto window = formatWindow(film, options, {source, picture});
+    const auto window = Formats::formatWindow(film, options, {source, picture});
     return {window.fmtUm, window.capUm};
 }
 
@@ -170,9 +171,10 @@ std::array<double, 4> Pipeline::frameInsetFrac(const std::optional<std::array<do
     return fractions;
 }
 
-double Pipeline::plateInset(const PaperProfile& paper)
+double Pipeline::plateInset(const PaperProfile& paper, const RenderOptions& options)
 {
-    return paper.hasSheet() ? Pending::plateEdgePx() : 0.0;
+    if (!paper.hasSheet()) return 0.0;
+    return AltPrint::plateEdgePx(paper, options, options.borderPx, options.printPxUm).value_or(0.0);
 }
 
 void Pipeline::afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio)

@@ -4,9 +4,9 @@
 
 #include "core/image/rgb_image.h"
 #include "core/pipeline/crop_geometry.h"
-#include "core/profiles/film_profile.h"
-#include "core/profiles/paper_profile.h"
-#include "core/profiles/render_options.h"
+#include "core/profiles/formats/film_profile.h"
+#include "core/profiles/formats/paper_profile.h"
+#include "core/profiles/options/render_options.h"
 
 #include <array>
 #include <optional>
@@ -67,8 +67,9 @@ std::int64_t borderMarginPx(double border, std::int64_t longSide);
 /// The rebate's four insets in pixels as fractions of baseLong; zeros without a rebate.
 std::array<double, 4> frameInsetFrac(const std::optional<std::array<double, 4>>& insetsPx,
                                      std::int64_t baseLong);
-/// Distance in pixels from the picture to the plate mark; 0 where the paper has no sheet to press.
-double plateInset(const PaperProfile& paper);
+/// Distance in pixels from the edge of the sheet to the plate mark, within options.borderPx; 0 where the
+/// paper has no sheet to press.
+double plateInset(const PaperProfile& paper, const RenderOptions& options);
 
 /// baseLong and printPxUm after the picture's resolution changed by `ratio`.
 void afterScanCap(std::int64_t& baseLong, RenderOptions& options, double ratio);
