@@ -15,7 +15,7 @@ void fill(float* to, std::int64_t pixels, const Vec3f& colour)
 
 } // namespace
 
-RGBImage Pipeline::addBorder(RGBImage image, std::int64_t marginPx, const Vec3f& colour)
+RGBImage Finishing::addBorder(RGBImage image, std::int64_t marginPx, const Vec3f& colour)
 {
     const RenderProfiler::Scope booked("border", image.pixelCount());
     if (marginPx <= 0) return image;

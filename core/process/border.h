@@ -3,10 +3,10 @@
 
 #include "core/image/rgb_image.h"
 
-namespace tamlo::Pipeline {
+namespace tamlo::Finishing {
 
 /// The picture with marginPx of colour on all four sides; unchanged for a margin of 0 or less.
 /// Domain: display-linear positive.
 RGBImage addBorder(RGBImage image, std::int64_t marginPx, const Vec3f& colour);
 
-} // namespace tamlo::Pipeline
+} // namespace tamlo::Finishing

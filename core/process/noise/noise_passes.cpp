@@ -1,0 +1,125 @@
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "core/process/noise/noise_passes.cpp"
+#include <hwy/foreach_target.h>
+
+#include "core/process/noise/noise_passes.h"
+
+#include "core/image/vector_noise-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace tamlo {
+namespace HWY_NAMESPACE {
+
+/// The last samples of a run go through the same vector code by way of a padded block.
+template <class D, class T>
+HWY_INLINE hn::Vec<D> loadUpTo(D d, const T* from, std::int64_t count)
+{
+    if (count >= static_cast<std::int64_t>(hn::Lanes(d))) return hn::LoadU(d, from);
+    HWY_ALIGN T block[hn::MaxLanes(d)] = {};
+    for (std::int64_t k = 0; k < count; ++k) block[k] = from[k];
+    return hn::Load(d, block);
+}
+
+template <class D, class V>
+HWY_INLINE void storeUpTo(D d, V v, float* to, std::int64_t count)
+{
+    if (count >= static_cast<std::int64_t>(hn::Lanes(d))) return hn::StoreU(v, d, to);
+    HWY_ALIGN float block[hn::MaxLanes(d)];
+    hn::Store(v, d, block);
+    for (std::int64_t k = 0; k < count; ++k) to[k] = block[k];
+}
+
+void noiseRow(float* to, std::span<const std::uint32_t> columns, std::int64_t y, std::uint32_t layer)
+{
+    const hn::ScalableTag<float> d;
+    const hn::RebindToUnsigned<decltype(d)> du;
+    const auto n = static_cast<std::int64_t>(columns.size());
+    const std::uint32_t row = static_cast<std::uint32_t>(y) * 0x85EBCA77u + layer * 0xC2B2AE3Du;
+    for (std::int64_t i = 0; i < n; i += static_cast<std::int64_t>(hn::Lanes(d))) {
+        const auto b = hashLanes(du, hn::Add(loadUpTo(du, columns.data() + i, n - i), hn::Set(du, row)));
+        const auto c = hashLanes(du, hn::Xor(b, hn::Set(du, 0x27D4EB2Fu)));
+        storeUpTo(d, normalLanes(d, b, c), to + i, n - i);
+    }
+}
+
+RunSums fieldSums(const float* run, std::int64_t count, float shift)
+{
+    const hn::CappedTag<double, 8> d;
+    const hn::Rebind<float, decltype(d)> df;
+    const auto lanes = static_cast<std::int64_t>(hn::Lanes(d));
+    const auto s = hn::Set(d, shift);
+    auto sum = hn::Zero(d), squares = hn::Zero(d);
+    std::int64_t i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        const auto v = hn::Sub(hn::PromoteTo(d, hn::LoadU(df, run + i)), s);
+        sum = hn::Add(sum, v);
+        squares = hn::Add(squares, hn::Mul(v, v));
+    }
+    RunSums sums{hn::GetLane(hn::SumOfLanes(d, sum)), hn::GetLane(hn::SumOfLanes(d, squares))};
+    for (; i < count; ++i) {
+        const double v = static_cast<double>(run[i]) - shift;
+        sums.sum += v;
+        sums.squares += v * v;
+    }
+    return sums;
+}
+
+void subtractRun(float* to, const float* a, const float* b, std::int64_t count)
+{
+    const hn::ScalableTag<float> d;
+    for (std::int64_t i = 0; i < count; i += static_cast<std::int64_t>(hn::Lanes(d)))
+        storeUpTo(d, hn::Sub(loadUpTo(d, a + i, count - i), loadUpTo(d, b + i, count - i)), to + i,
+                  count - i);
+}
+
+void scaleRun(float* values, float factor, std::int64_t count)
+{
+    const hn::ScalableTag<float> d;
+    const auto f = hn::Set(d, factor);
+    for (std::int64_t i = 0; i < count; i += static_cast<std::int64_t>(hn::Lanes(d)))
+        storeUpTo(d, hn::Mul(loadUpTo(d, values + i, count - i), f), values + i, count - i);
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace tamlo
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+#include "core/image/position_hash.h"
+
+namespace tamlo {
+
+HWY_EXPORT(noiseRow);
+HWY_EXPORT(fieldSums);
+HWY_EXPORT(subtractRun);
+HWY_EXPORT(scaleRun);
+
+void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed) noexcept
+{
+    for (std::size_t x = 0; x < columns.size(); ++x)
+        columns[x] = hash32(static_cast<std::uint32_t>(x) * 0x9E3779B1u + seed * 0x2545F491u);
+}
+
+void virtual_noise(float* to, std::span<const std::uint32_t> columns, std::int64_t y,
+                   std::uint32_t layer) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(noiseRow)(to, columns, y, layer);
+}
+
+RunSums field_sums(const float* run, std::int64_t count, float shift) noexcept
+{
+    return HWY_DYNAMIC_DISPATCH(fieldSums)(run, count, shift);
+}
+
+void subtract_run(float* to, const float* a, const float* b, std::int64_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(subtractRun)(to, a, b, count);
+}
+
+void scale_run(float* values, float factor, std::int64_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(scaleRun)(values, factor, count);
+}
+
+} // namespace tamlo
+#endif
