@@ -1,0 +1,133 @@
+#include "app/shell/app_model.h"
+
+#include "app/shell/snapshots.h"
+#include "core/text/loc.h"
+
+#include <unordered_set>
+
+namespace tamlo {
+
+namespace {
+
+/// After an edit the frame on screen waits for the next change of the same gesture.
+constexpr double kRenderDelaySeconds = 0.25;
+
+/// The picture would come out differently.
+bool looksDifferent(const Frame& a, const Frame& b)
+{
+    return !(a.process == b.process) || a.crop != b.crop || a.orient != b.orient;
+}
+
+} // namespace
+
+AppModel::AppModel(AppSeams seams) : seams_(std::move(seams))
+{}
+
+void AppModel::tell(std::string text)
+{
+    status_ = std::move(text);
+    lastActionFailed_ = false;
+}
+
+void AppModel::tellFailure(std::string text)
+{
+    status_ = std::move(text);
+    lastActionFailed_ = true;
+}
+
+std::int64_t AppModel::frameGen(const FrameID& id) const
+{
+    const auto found = frameGen_.find(id);
+    return found == frameGen_.end() ? 0 : found->second;
+}
+
+void AppModel::touch(const FrameIDs& ids)
+{
+    for (const FrameID& id : ids) ++frameGen_[id];
+    seams_.views.renderThumbs(ids);
+    if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
+}
+
+AppModel::FrameIDs AppModel::editFrames(History::Change step, const FrameIDs& targets,
+                                        const std::function<void(Frame&)>& change)
+{
+    const auto places = project_.frames.places();
+    std::vector<std::pair<std::size_t, FrameRef>> changed;
+    FrameIDs ids;
+    for (const FrameID& id : targets) {
+        const auto place = places.find(id);
+        if (place == places.end()) continue;
+        const Frame& before = project_.frames[place->second];
+        auto after = std::make_shared<Frame>(before);
+        change(*after);
+        if (*after == before) continue;
+        if (looksDifferent(before, *after)) after->exportedAt.reset();
+        changed.emplace_back(place->second, std::move(after));
+        ids.push_back(id);
+    }
+    if (changed.empty()) return ids;
+    history_.record(std::move(step), project_, seams_.loop.now());
+    for (auto& [place, frame] : changed) project_.frames.replace(place, std::move(frame));
+    touch(ids);
+    return ids;
+}
+
+bool AppModel::editProject(History::Change step, const std::function<void(Project&)>& change)
+{
+    Project after = project_;
+    change(after);
+    if (after == project_) return false;
+    history_.record(std::move(step), project_, seams_.loop.now());
+    project_ = std::move(after);
+    ++rollGen_;
+    return true;
+}
+
+bool AppModel::undo()
+{
+    return apply(history_.undo(project_, seams_.loop.now()));
+}
+
+bool AppModel::redo()
+{
+    return apply(history_.redo(project_, seams_.loop.now()));
+}
+
+bool AppModel::apply(std::optional<History::Step> step)
+{
+    if (!step) return false;
+    if (step->action) step->action();
+    applySnapshot(*step);
+    tell(T("status.undone", {{"name", step->name}}));
+    return true;
+}
+
+void AppModel::applySnapshot(const History::Step& step)
+{
+    std::unordered_set<FrameID> here;
+    for (const Frame& frame : project_.frames) here.insert(frame.id);
+    project_ = withPresentFiles(step.snapshot, project_, step.linksFiles);
+    ++rollGen_;
+    seams_.views.cancelPendingRenders();
+    for (const Frame& frame : project_.frames)
+        if (!here.contains(frame.id)) seams_.views.load(frame.id);
+    selection.normalize();
+    seams_.views.renderAllThumbs();
+    if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
+}
+
+void AppModel::adopt(Project project, std::optional<Path> url)
+{
+    seams_.views.clear();
+    project_ = std::move(project);
+    projectURL_ = std::move(url);
+    history_.clear();
+    frameGen_.clear();
+    ++rollGen_;
+    linker.clear();
+    linker.prepareAll();
+    selection.begin();
+    seams_.views.renderAllThumbs();
+}
+
+} // namespace tamlo

@@ -1,0 +1,104 @@
+#include "app/shell/format_follow.h"
+
+#include "core/image/tamlo_error.h"
+#include "core/pipeline/crop_geometry.h"
+#include "core/pipeline/render_size.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/formats/profile_error.h"
+#include "core/profiles/options/film_format.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tamlo {
+
+namespace {
+
+std::optional<FilmProfile> filmOf(const ProcessSettings& settings, const ProfileStore& store)
+{
+    try {
+        return store.film(settings.stock);
+    } catch (const ProfileError&) {
+        return std::nullopt;
+    } catch (const TamloError&) {
+        return std::nullopt;
+    }
+}
+
+bool isMadeIn(const FilmProfile& film, const std::string& format)
+{
+    static const TextList kUsual{"135", "120", "sheet"};
+    const TextList& made = film.formats ? *film.formats : kUsual;
+    return std::ranges::any_of(made, [&](const std::string& one) {
+        return Formats::normalizeFormat(one, std::nullopt).format == format;
+    });
+}
+
+/// Long over short side of the format's window over the source, or of the card's picture.
+std::optional<double> windowAspect(const ProcessSettings& settings, Size source, const WindowOf& window)
+{
+    const std::optional<FilmProfile> film = filmOf(settings, window.store);
+    if (!film) return std::nullopt;
+    RenderOptions options = settings.options;
+    options.cropGate = window.cropGate.value_or(options.cropGate);
+    if (const auto card = Pipeline::cardAspect(*film, options)) return std::max(*card, 1 / *card);
+    const auto result = Formats::formatWindow(*film, options, {source, source});
+    if (!(result.windowShortPx > 0)) return std::nullopt;
+    return result.windowLongPx / result.windowShortPx;
+}
+
+/// The tolerance by which a rectangle on screen is told to have a ratio.
+bool hasAspect(double ratio, double aspect)
+{
+    constexpr double kTolerance = 0.006;
+    if (ratio >= 1) return std::abs(ratio - aspect) < aspect * kTolerance;
+    return std::abs(ratio - 1 / aspect) < kTolerance;
+}
+
+} // namespace
+
+ProcessSettings formatFittingStock(const ProcessSettings& from, ProcessSettings to, const ProfileStore& store)
+{
+    if (from.stock == to.stock || !to.options.format) return to;
+    const std::optional<FilmProfile> film = filmOf(to, store);
+    if (!film || film->isInstant()) return to;
+    // The older names of a size say more than the format that they normalise to.
+    const FilmFormat format = *to.options.format;
+    OptText size = to.options.frameSize;
+    if (!size && (format == FilmFormat::half || format == FilmFormat::sheet4x5))
+        size = Formats::legacyFrameSize(rawText(format), to.options.format120Cm);
+    Formats::FormatName name = Formats::normalizeFormat(rawText(format), size);
+    if (!isMadeIn(*film, name.format))
+        name = Formats::normalizeFormat(film->formatDefault.value_or("135"), name.size);
+    to.options.format = fromRawText<FilmFormat>(name.format);
+    to.options.frameSize = name.size;
+    return to;
+}
+
+bool formatWindowKeysChanged(const ProcessSettings& a, const ProcessSettings& b)
+{
+    const RenderOptions &x = a.options, &y = b.options;
+    return a.stock != b.stock || x.format != y.format || x.frameSize != y.frameSize ||
+           x.format120Cm != y.format120Cm || x.instantFrame != y.instantFrame || x.peelSize != y.peelSize;
+}
+
+void followFormatWindow(Frame& frame, const ProcessSettings& before, const WindowOf& window)
+{
+    constexpr double kNothing = 1e-6;
+    if (!frame.crop || frame.crop->angle != 0 || !frame.process ||
+        !formatWindowKeysChanged(before, *frame.process))
+        return;
+    const std::optional<Size> source = window.sourceSize(frame);
+    if (!source || source->width < 1 || source->height < 1) return;
+    const auto was = windowAspect(before, *source, window);
+    const auto is = windowAspect(*frame.process, *source, window);
+    if (!was || !is || std::abs(*is - *was) < kNothing) return;
+    const Crop& crop = *frame.crop;
+    const double ratio =
+        crop.w * static_cast<double>(source->width) / (crop.h * static_cast<double>(source->height));
+    if (!std::isfinite(ratio) || !hasAspect(ratio, *was)) return;
+    const bool stands = ratio < 1;
+    frame.crop = Pipeline::clamped(Pipeline::expandCrop(crop, *source, stands ? 1 / *is : *is));
+}
+
+} // namespace tamlo

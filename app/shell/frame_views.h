@@ -1,0 +1,27 @@
+// FrameViews: what an edit asks of whatever shows the frames. A session without a screen shows nothing, and
+// takes this struct as it is.
+#pragma once
+
+#include "app/project/frame.h"
+
+#include <vector>
+
+namespace tamlo {
+
+struct FrameViews {
+    virtual ~FrameViews() = default;
+
+    /// These frames look different now: their tiles are to be rendered.
+    virtual void renderThumbs(const std::vector<FrameID>&) {}
+    virtual void renderAllThumbs() {}
+    /// The frame on the screen is to be rendered, its first tier after a delay.
+    virtual void renderCurrent(double /*delaySeconds*/) {}
+    virtual void cancelPendingRenders() {}
+    /// The frame's source is to be read, or forgotten.
+    virtual void load(const FrameID&) {}
+    virtual void evict(const FrameID&) {}
+    /// All that is known of the frames of a project belongs to another one now.
+    virtual void clear() {}
+};
+
+} // namespace tamlo

@@ -1,0 +1,28 @@
+// Presets: recipes stamped on frames.
+#pragma once
+
+#include "app/project/frame.h"
+
+#include <string>
+#include <vector>
+
+namespace tamlo {
+
+class AppModel;
+
+class Presets {
+public:
+    explicit Presets(AppModel& model) : model_(model) {}
+
+    /// Stamps the preset's blocks on the frames as one step. name: shown where the preset has none. Returns
+    /// how many frames changed.
+    std::size_t apply(const std::vector<FrameID>& ids, const Preset& preset, const std::string& name);
+
+private:
+    AppModel& model_;
+};
+
+/// What an undo step adds to a preset's name: nothing for a whole preset, else the titles of its blocks.
+std::string blocksTail(const PresetSchema::Blocks& blocks);
+
+} // namespace tamlo

@@ -1,0 +1,86 @@
+// Questions: what a workflow can't decide alone. Asked by callback, never by waiting: a screen answers later,
+// a session without one answers at once. A question that goes away unanswered means "cancel".
+#pragma once
+
+#include "app/project/folder_scan.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tamlo {
+
+/// Takes one choice, once; nothing when it is destroyed before.
+template <typename Choice>
+class Answer {
+public:
+    using Take = std::function<void(std::optional<Choice>)>;
+
+    explicit Answer(Take take) : take_(std::make_unique<Take>(std::move(take))) {}
+    Answer(Answer&&) noexcept = default;
+    Answer& operator=(Answer&&) = delete;
+    ~Answer() { give(std::nullopt); }
+
+    void operator()(Choice choice) { give(std::move(choice)); }
+
+private:
+    void give(std::optional<Choice> choice)
+    {
+        if (const auto take = std::move(take_)) (*take)(std::move(choice));
+    }
+
+    std::unique_ptr<Take> take_;
+};
+
+/// What a screen shows of a question.
+struct QuestionText {
+    std::string title;
+    std::string note;
+};
+
+enum class ApplyTo { onlyEmpty, every };
+
+struct Questions {
+    virtual ~Questions() = default;
+
+    /// What to take of shots that lie there as RAW and as a finished picture.
+    virtual void pairs(const QuestionText& text, Answer<FolderScan::PairChoice> answer) = 0;
+    /// Settings of one frame to all, some of which have their own.
+    virtual void applyToAll(const QuestionText& text, Answer<ApplyTo> answer) = 0;
+    /// Whether picked frames are to be removed.
+    virtual void remove(const QuestionText& text, Answer<bool> answer) = 0;
+    /// Whether a frame is to be linked to a file that is another picture.
+    virtual void otherFile(const QuestionText& text, Answer<bool> answer) = 0;
+};
+
+/// Answers at once with what was decided beforehand, and cancels what was not.
+struct HeadlessQuestions : Questions {
+    std::optional<FolderScan::PairChoice> pairChoice;
+    std::optional<ApplyTo> applyChoice;
+    std::optional<bool> removePicked;
+    std::optional<bool> linkOther;
+    std::size_t cancelled = 0; ///< questions that nothing had decided
+
+    void pairs(const QuestionText&, Answer<FolderScan::PairChoice> answer) override
+    {
+        settle(pairChoice, answer);
+    }
+    void applyToAll(const QuestionText&, Answer<ApplyTo> answer) override { settle(applyChoice, answer); }
+    void remove(const QuestionText&, Answer<bool> answer) override { settle(removePicked, answer); }
+    void otherFile(const QuestionText&, Answer<bool> answer) override { settle(linkOther, answer); }
+
+private:
+    template <typename Choice>
+    void settle(const std::optional<Choice>& decided, Answer<Choice>& answer)
+    {
+        if (decided)
+            answer(*decided);
+        else
+            ++cancelled;
+    }
+};
+
+} // namespace tamlo

@@ -1,0 +1,134 @@
+#include "app/shell/rack.h"
+
+#include "app/project/process_rules.h"
+#include "app/shell/app_model.h"
+#include "app/shell/format_follow.h"
+#include "app/shell/knob_changes.h"
+#include "core/text/loc.h"
+
+#include <unordered_map>
+
+namespace tamlo {
+
+namespace {
+
+ProcessSettings settingsOf(const Frame& frame)
+{
+    return frame.process ? *frame.process : ProcessSettings::fresh();
+}
+
+/// Works a change out once for all frames that share a process, so that they share the new one too.
+class SharedChange {
+public:
+    explicit SharedChange(Rack::Change change) : change_(std::move(change)) {}
+
+    Shared<ProcessSettings> operator()(const Frame& frame)
+    {
+        const ProcessSettings* before = frame.process ? &*frame.process : nullptr;
+        const auto known = known_.find(before);
+        if (known != known_.end()) return known->second;
+        ProcessSettings after = settingsOf(frame);
+        change_(after);
+        return known_.emplace(before, std::move(after)).first->second;
+    }
+
+private:
+    Rack::Change change_;
+    std::unordered_map<const ProcessSettings*, Shared<ProcessSettings>> known_;
+};
+
+} // namespace
+
+ProcessSettings Rack::rackSettings() const
+{
+    return model_.selection.screen() == Screen::develop ? model_.selection.currentProcess()
+                                                        : ProcessSettings::fresh();
+}
+
+WindowOf Rack::window() const
+{
+    return {model_.store(), model_.project().cropGate, model_.seams().sourceSize};
+}
+
+ProcessSettings Rack::turned(const ProcessSettings& from, ProcessSettings to) const
+{
+    to = formatFittingStock(from, std::move(to), model_.store());
+    if (to.presetName && !(to == from)) to.modified = true;
+    return to;
+}
+
+void Rack::give(Frame& frame, Shared<ProcessSettings> process) const
+{
+    const ProcessSettings before = settingsOf(frame);
+    if (frame.process == process) return;
+    frame.process = std::move(process);
+    followFormatWindow(frame, before, window());
+}
+
+void Rack::setRackSettings(const ProcessSettings& to)
+{
+    const FrameRef frame = model_.selection.currentFrame();
+    if (!frame || model_.selection.screen() != Screen::develop) return;
+    const ProcessSettings from = settingsOf(*frame);
+    const ProcessSettings after = turned(from, to);
+    if (after == from) return;
+    History::Change step{T("undo.startPrinting")};
+    if (frame->process) {
+        KnobChange knob = changeOf(from, after, model_.store());
+        step = {std::move(knob.name), "frame:" + knob.key};
+    }
+    model_.editFrames(std::move(step), {frame->id}, [&](Frame& changed) { give(changed, after); });
+}
+
+std::size_t Rack::change(const FrameIDs& ids, const Change& change)
+{
+    SharedChange after([&](ProcessSettings& settings) {
+        const ProcessSettings from = settings;
+        change(settings);
+        settings = turned(from, std::move(settings));
+    });
+    std::string name;
+    for (const FrameID& id : ids) {
+        const FrameRef frame = model_.project().frame(id);
+        if (!frame) continue;
+        const ProcessSettings from = settingsOf(*frame);
+        const Shared<ProcessSettings> to = after(*frame);
+        if (*to == from) continue;
+        name = changeOf(from, *to, model_.store()).name;
+        break;
+    }
+    if (ids.size() > 1) name = T("undo.markMany", {{"name", name}, {"n", ids.size()}});
+    return model_
+        .editFrames({name}, ids,
+                    [&](Frame& frame) {
+                        const Shared<ProcessSettings> to = after(frame);
+                        if (!(*to == settingsOf(frame))) give(frame, to);
+                    })
+        .size();
+}
+
+std::size_t Rack::resetBlock(const FrameIDs& ids, const std::string& title,
+                             const PresetSchema::Blocks& blocks)
+{
+    model_.endGesture();
+    SharedChange after([&](ProcessSettings& settings) {
+        const ProcessSettings from = settings;
+        resetBlocks(settings, blocks);
+        settings = turned(from, std::move(settings));
+    });
+    return model_
+        .editFrames({T("undo.resetBlock", {{"title", title}})}, ids,
+                    [&](Frame& frame) {
+                        if (frame.process) give(frame, after(frame));
+                    })
+        .size();
+}
+
+std::size_t Rack::resetSettings(const FrameIDs& ids)
+{
+    const std::string name =
+        ids.size() == 1 ? T("undo.resetSettings") : T("undo.resetSettingsMany", {{"n", ids.size()}});
+    return model_.editFrames({name}, ids, [&](Frame& frame) { give(frame, std::nullopt); }).size();
+}
+
+} // namespace tamlo

@@ -1,0 +1,46 @@
+// Rack: the knobs. A knob that is turned on the develop screen, a choice that is made for many frames, a
+// block that goes back to neutral.
+#pragma once
+
+#include "app/project/frame.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tamlo {
+
+class AppModel;
+struct WindowOf;
+
+class Rack {
+public:
+    using FrameIDs = std::vector<FrameID>;
+    using Change = std::function<void(ProcessSettings&)>;
+
+    explicit Rack(AppModel& model) : model_(model) {}
+
+    /// What the rack shows: the process of the frame on the develop screen, else a fresh one.
+    ProcessSettings rackSettings() const;
+    /// A knob was turned: one step a gesture. Only on the develop screen.
+    void setRackSettings(const ProcessSettings& to);
+
+    /// Changes the process of frames as one step; a frame without one starts from a fresh one. Returns how
+    /// many frames changed.
+    std::size_t change(const FrameIDs& ids, const Change& change);
+    /// Puts a block back to neutral on frames that have a process.
+    std::size_t resetBlock(const FrameIDs& ids, const std::string& title, const PresetSchema::Blocks& blocks);
+    /// Makes originals of frames.
+    std::size_t resetSettings(const FrameIDs& ids);
+
+    /// Gives a frame a process that something else than a knob has made; its crop follows the format.
+    void give(Frame& frame, Shared<ProcessSettings> process) const;
+    WindowOf window() const;
+
+private:
+    ProcessSettings turned(const ProcessSettings& from, ProcessSettings to) const;
+
+    AppModel& model_;
+};
+
+} // namespace tamlo
