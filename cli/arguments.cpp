@@ -2,6 +2,8 @@
 
 #include "cli/catalogue.h"
 #include "cli/messages.h"
+#include "cli/option_help.h"
+#include "cli/parser_error.h"
 #include "cli/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -15,9 +17,10 @@ namespace {
 bool isSetting(const std::string& text)
 {
     const std::size_t equals = text.find('=');
-    return equals != std::string::npos && equals > 0 &&
-           std::all_of(text.begin(), text.begin() + equals,
-                       [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; });
+    return equals != std::string::npos && equals > 0 && text[0] != '-' &&
+           std::all_of(text.begin(), text.begin() + equals, [](char c) {
+               return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-';
+           });
 }
 
 /// One --set may be followed by several settings; the parser wants --set before each of them.
@@ -52,6 +55,9 @@ struct NamedOption {
 
 /// Options of the render that are asked for often enough to have a name beside --set.
 constexpr NamedOption kNamedOptions[] = {
+    {"--exposure", "ev", "EV", "cli.help.exposure"},
+    {"--iso", "iso", "N", "cli.help.iso"},
+    {"--contrast", "grade", "GRADE", "cli.help.contrast"},
     {"--filter-cut", "filter_cut", "ID", "cli.help.filterCut"},
     {"--filter-diffusion", "filter_diffusion", "ID", "cli.help.filterDiffusion"},
     {"--filter-rays", "filter_rays", "ID", "cli.help.filterRays"},
@@ -87,15 +93,16 @@ void showAs(CLI::Option* option, const char* value)
 
 /// An argument without a name, told by its place.
 template <typename Value>
-void addArgument(CLI::App& command, const char* name, Value& into, const std::string& help)
+CLI::Option* addArgument(CLI::App& command, const char* name, Value& into, const std::string& help)
 {
-    command.add_option(name, into, help)->required()->type_name("");
+    return command.add_option(name, into, help)->required()->type_name("");
 }
 
 void describeRender(CLI::App& command, RenderArguments& into)
 {
     addArgument(command, "INPUT", into.inputs, T("cli.help.input"));
     command.add_option("--preset", into.preset, T("cli.help.preset"))->type_name("ID|FILE");
+    command.add_option("--like", into.like, T("cli.help.like"))->type_name("PRINT");
     command.add_option("--film", into.film, T("cli.help.film"))->type_name("ID");
     command.add_option("--lens", into.lens, T("cli.help.lens"))->type_name("ID");
     command.add_option("--paper", into.paper, T("cli.help.paper"))->type_name("ID");
@@ -108,6 +115,8 @@ void describeRender(CLI::App& command, RenderArguments& into)
     showAs(command.add_option("--long", into.longPx, T("cli.help.long"))
                ->check(CLI::Range(std::int64_t{1}, std::int64_t{100000})),
            "PX");
+    showAs(command.add_option("--fit", into.fit, T("cli.help.fit"))->check(CLI::IsMember({"crop", "inside"})),
+           "crop|inside");
     showAs(command.add_option("--scale", into.scale, T("cli.help.scale"))->check(CLI::Range(0.01, 1.0)),
            "FACTOR");
 }
@@ -118,14 +127,22 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
     auto* output = command.add_option("-o", into.output, T("cli.help.output"));
     showAs(output, "FILE");
     showAs(command.add_option("--out-dir", into.outFolder, T("cli.help.outFolder"))->excludes(output), "DIR");
+    showAs(command.add_option("--name", into.name, T("cli.help.name"))->excludes(output), "PATTERN");
+    command.add_flag("--skip-existing", into.skipExisting, T("cli.help.skipExisting"));
+    command.add_flag("--quiet", into.quiet, T("cli.help.quiet"));
+    command.add_flag("--json", into.json, T("cli.help.jsonLines"));
     showAs(command.add_option("--quality", into.quality, T("cli.help.quality", {{"default", into.quality}}))
                ->check(CLI::Range(1, 100)),
            "Q");
+    command.add_flag("--tolerant", into.tolerant, T("cli.help.tolerant"));
+    command.add_option("--author", into.author, T("cli.help.author"))->type_name("NAME");
+    command.add_option("--copyright", into.copyright, T("cli.help.copyright"))->type_name("NOTICE");
+    command.add_flag("!--no-recipe", into.recipe, T("cli.help.noRecipe"));
 }
 
 void describeMeasure(CLI::App& command, MeasureArguments& into)
 {
-    addArgument(command, "FILM", into.film, T("cli.help.measureFilm"));
+    command.add_option("FILM", into.film, T("cli.help.measureFilm"))->type_name("");
     command.add_option("--paper", into.paper, T("cli.help.measurePaper"))->type_name("ID");
     command.add_option("--set", into.settings, T("cli.help.measureSet"))
         ->type_name("KEY=VALUE")
@@ -140,11 +157,14 @@ void describeCatalogue(CLI::App& app, ListArguments& list, ShowArguments& show, 
 {
     const std::string oneKind = joined(singularKinds(), T("common.or"));
     auto* listCommand = app.add_subcommand("list", T("cli.help.list"));
-    addArgument(*listCommand, "KIND", list.kind, joined(pluralKinds(), T("common.or")));
+    addArgument(*listCommand, "KIND", list.kind, joined(listedKinds(), T("common.or")));
     listCommand->add_flag("--json", list.json, T("cli.help.jsonArray"));
+    listCommand->add_flag("--ids", list.ids, T("cli.help.ids"));
     auto* showCommand = app.add_subcommand("show", T("cli.help.show"));
-    addArgument(*showCommand, "KIND", show.kind, oneKind);
-    addArgument(*showCommand, "ID", show.id, T("cli.help.id"));
+    addArgument(*showCommand, "KIND", show.kind,
+                joined({"film", "lens", "paper", "filter", "preset", "recipe"}, T("common.or")));
+    addArgument(*showCommand, "ID", show.id, T("cli.help.idOrPrint"));
+    showCommand->add_flag("--json", show.json, T("cli.help.recipeJson"));
     auto* checkCommand = app.add_subcommand("check", T("cli.help.check"));
     addArgument(*checkCommand, "FILE", check.files, T("cli.help.profileFiles"));
     auto* importCommand = app.add_subcommand("import", T("cli.help.import"));
@@ -209,12 +229,108 @@ void chooseLanguage(const std::vector<std::string>& arguments)
     }
 }
 
-/// The parser's words as one sentence without line feeds.
-std::string sentence(std::string text)
+/// The help of the command that was called, of its verb where it has verbs.
+std::string helpOf(const CLI::App& app)
 {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return text;
+    const CLI::App* called = &app;
+    std::string before;
+    while (!called->get_subcommands().empty()) {
+        before += (before.empty() ? "" : " ") + called->get_name();
+        called = called->get_subcommands().front();
+    }
+    return before.empty() ? app.help() : called->help(before);
+}
+
+/// The parser and where it puts what it reads.
+struct CommandLine {
+    CLI::App app{T("cli.help.app"), "tamlo"};
+    DevelopArguments develop;
+    PlanArguments plan;
+    MeasureArguments measure;
+    ListArguments list;
+    ShowArguments show;
+    CheckArguments check;
+    ImportArguments import;
+    ExportArguments exported;
+    HelpArguments help;
+    CompletionArguments completion;
+    ProjectCommand project;
+
+    CommandLine()
+    {
+        describeProgram(app);
+        describeDevelop(*app.add_subcommand("develop", T("cli.help.develop")), develop);
+        auto* planCommand = app.add_subcommand("plan", T("cli.help.plan"));
+        describeRender(*planCommand, plan);
+        planCommand->add_flag("--json", plan.json, T("cli.help.jsonArray"));
+        describeMeasure(*app.add_subcommand("measure", T("cli.help.measure")), measure);
+        describeCatalogue(app, list, show, check, import, exported);
+        auto* helpCommand = app.add_subcommand("help", T("cli.help.helpCommand"));
+        addArgument(*helpCommand, "TOPIC", help.topic, T("cli.help.topic"))->required(false);
+        auto* completionCommand = app.add_subcommand("completion", T("cli.help.completion"));
+        addArgument(*completionCommand, "SHELL", completion.shell, T("cli.help.shell"));
+        describeProject(app, project);
+        app.add_option("--lang")->description(T("cli.help.lang"))->type_name("LANG");
+        for (CLI::App* command : app.get_subcommands(nullptr)) {
+            command->fallthrough();
+            // The parser makes this one option before a command takes the defaults over.
+            command->get_help_ptr()->group(T("cli.help.options"));
+        }
+    }
+
+    const CLI::App* commandNamed(const std::string& name) const
+    {
+        for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+            if (command->get_name() == name) return command;
+        return nullptr;
+    }
+
+    /// What was read, of the command that was given.
+    Command taken() const
+    {
+        const std::string name = app.get_subcommands().front()->get_name();
+        if (name == "develop") return develop;
+        if (name == "plan") return plan;
+        if (name == "measure") return measure;
+        if (name == "list") return list;
+        if (name == "show") return show;
+        if (name == "check") return check;
+        if (name == "import") return import;
+        if (name == "completion") return completion;
+        if (name == "project") return project;
+        return exported;
+    }
+};
+
+/// tamlo help: of the program, of a command, else of an option.
+Command helpOn(CommandLine& line)
+{
+    const std::string& topic = line.help.topic;
+    if (topic.empty()) return Answer{CommandLine().app.help()}; // one that has read a command tells of that
+    if (const CLI::App* command = line.commandNamed(topic)) return Answer{command->help("tamlo")};
+    return line.help;
+}
+
+OptionDescription describe(const CLI::Option& option)
+{
+    OptionDescription one;
+    for (const std::string& name : option.get_snames()) one.names.push_back("-" + name);
+    for (const std::string& name : option.get_lnames()) one.names.push_back("--" + name);
+    one.value = option.get_positional()       ? option.get_name()
+                : option.get_type_size() == 0 ? ""
+                                              : option.get_type_name();
+    one.value.erase(
+        std::min(one.value.find(':'), one.value.size())); // the parser's English words on the range
+    one.help = option.get_description();
+    return one;
+}
+
+CommandDescription describe(const CLI::App& app, const std::string& name)
+{
+    CommandDescription command{name, app.get_description(), {}, {}};
+    for (const CLI::Option* option : app.get_options())
+        (option->get_positional() ? command.arguments : command.options).push_back(describe(*option));
+    return command;
 }
 
 } // namespace
@@ -224,57 +340,35 @@ std::string versionText()
     return "tamlo " TAMLO_VERSION;
 }
 
+std::vector<CommandDescription> describeCommands()
+{
+    CommandLine line;
+    std::vector<CommandDescription> out{describe(line.app, "")};
+    for (const CLI::App* command : line.app.get_subcommands(nullptr))
+        out.push_back(describe(*command, command->get_name()));
+    return out;
+}
+
 Command parseArguments(const std::vector<std::string>& arguments)
 {
     chooseLanguage(arguments);
-    CLI::App app(T("cli.help.app"), "tamlo");
-    describeProgram(app);
-
-    DevelopArguments develop;
-    PlanArguments plan;
-    MeasureArguments measure;
-    ListArguments list;
-    ShowArguments show;
-    auto* developCommand = app.add_subcommand("develop", T("cli.help.develop"));
-    describeDevelop(*developCommand, develop);
-    auto* planCommand = app.add_subcommand("plan", T("cli.help.plan"));
-    describeRender(*planCommand, plan);
-    planCommand->add_flag("--json", plan.json, T("cli.help.jsonArray"));
-    auto* measureCommand = app.add_subcommand("measure", T("cli.help.measure"));
-    describeMeasure(*measureCommand, measure);
-    CheckArguments check;
-    ImportArguments import;
-    ExportArguments exported;
-    describeCatalogue(app, list, show, check, import, exported);
-    app.add_option("--lang")->description(T("cli.help.lang"))->type_name("LANG");
-    for (CLI::App* command : app.get_subcommands(nullptr)) {
-        command->fallthrough();
-        // The parser makes this one option before a command takes the defaults over.
-        command->get_help_ptr()->group(T("cli.help.options"));
-    }
-
+    CommandLine line;
     try {
         std::vector<std::string> reversed = withEachSettingNamed(arguments);
         std::reverse(reversed.begin(), reversed.end()); // the parser takes them from the back
-        app.parse(std::move(reversed));
+        line.app.parse(std::move(reversed));
     } catch (const CLI::CallForHelp&) {
-        const auto chosen = app.get_subcommands();
-        return Answer{chosen.empty() ? app.help() : chosen.front()->help("tamlo")};
+        return Answer{helpOf(line.app)};
     } catch (const CLI::CallForVersion&) {
         return Answer{versionText() + "\n"};
     } catch (const CLI::ParseError& error) {
-        if (app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
-            throw UsageError(T("cli.noSuchCommand", {{"name", arguments[0]}, {"list", commandNames(app)}}));
-        throw UsageError(T("cli.parserError", {{"error", sentence(error.what())}}));
+        if (line.app.get_subcommands().empty() && !arguments.empty() && !arguments[0].starts_with("-"))
+            throw UsageError(
+                T("cli.noSuchCommand", {{"name", arguments[0]}, {"list", commandNames(line.app)}}));
+        throw UsageError(T("cli.parserError", {{"error", inOurWords(error)}}));
     }
-    if (developCommand->parsed()) return develop;
-    if (planCommand->parsed()) return plan;
-    if (measureCommand->parsed()) return measure;
-    if (app.got_subcommand("list")) return list;
-    if (app.got_subcommand("show")) return show;
-    if (app.got_subcommand("check")) return check;
-    if (app.got_subcommand("import")) return import;
-    return exported;
+    if (line.app.got_subcommand("help")) return helpOn(line);
+    return line.taken();
 }
 
 } // namespace tamlo::cli

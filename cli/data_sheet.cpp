@@ -191,6 +191,26 @@ std::string layerTitle(const Sensitometry::Layer& layer)
     return T("cli.layer." + layer.name);
 }
 
+namespace {
+
+/// Screen, tones of a quarter, a half and three quarters, and solid of each ink; the total ink.
+void addPress(std::vector<std::pair<std::string, std::string>>& rows, const Sensitometry::PressReport& press)
+{
+    for (const Sensitometry::PrintedInk& ink : press.inks) {
+        const std::string screen =
+            ink.ruling ? T("cli.measure.screen", {{"lpi", format("%.1f", ink.ruling->lpi)},
+                                                  {"angle", format("%.1f", std::abs(ink.ruling->angleDeg))}})
+                       : T("cli.measure.noScreen");
+        rows.emplace_back(T("cli.measure.ink." + ink.name),
+                          screen + format("; %.0f  %.0f  %.0f %%; %.2f", 100.0 * ink.tone[0],
+                                          100.0 * ink.tone[1], 100.0 * ink.tone[2], ink.solidDensity));
+    }
+    if (press.totalInk)
+        rows.emplace_back(T("cli.measure.totalInk"), format("%.0f %%", 100.0 * *press.totalInk));
+}
+
+} // namespace
+
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
 {
     std::vector<std::pair<std::string, std::string>> rows;
@@ -216,6 +236,7 @@ std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& 
         if (report.print->isoRange)
             rows.emplace_back(T("cli.measure.isoRange"), format("R%.0f", *report.print->isoRange));
     }
+    if (report.press) addPress(rows, *report.press);
     return rows;
 }
 

@@ -2,7 +2,7 @@
 // and the figures, as SVG.
 #pragma once
 
-#include "core/pipeline/sensitometry.h"
+#include "core/sensitometry/sensitometry.h"
 
 #include <string>
 #include <utility>

@@ -5,20 +5,25 @@
 #include "cli/input_files.h"
 #include "cli/messages.h"
 #include "cli/output_metadata.h"
+#include "cli/picture_choices.h"
 #include "cli/progress.h"
-#include "core/film/source_light.h"
+#include "cli/run_report.h"
+#include "cli/usage_error.h"
+#include "core/image/cancellation.h"
 #include "core/image/random.h"
 #include "core/image/render_profiler.h"
+#include "core/image/source_exposure.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
-#include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/output_plan.h"
 #include "platform/console.h"
 
 #include <chrono>
+#include <fstream>
 #include <iostream>
 #include <new>
+#include <set>
 
 namespace tamlo::cli {
 namespace {
@@ -36,9 +41,9 @@ void checkFiles(const DevelopJob& job)
 {
     checkInput(job.input);
     std::error_code problem;
-    fs::path folder = fs::absolute(job.output).parent_path();
-    while (folder.has_relative_path() && !fs::exists(folder, problem)) folder = folder.parent_path();
-    if (fs::exists(folder, problem) && !fs::is_directory(folder, problem))
+    fs::path folder = job.output.parent_path();
+    while (!folder.empty() && !fs::exists(folder, problem)) folder = folder.parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, problem))
         throw TamloError::io(
             T("cli.notFolder", {{"file", job.output.string()}, {"folder", folder.string()}}));
 }
@@ -48,32 +53,49 @@ public:
     Run(const DevelopArguments& arguments, const DevelopChoices& choices, Progress& progress)
         : arguments_(arguments), choices_(choices), progress_(progress)
     {
-        backend_.hooks.shouldCancel = platform::stopRequested;
         backend_.hooks.onProgress = [this](const char* phase, double fraction) {
             if (fraction < 1) tellPhase(phase, kRenderFrom + fraction * (kRenderTo - kRenderFrom));
         };
     }
 
-    void developOne(const DevelopJob& job) const
+    void note(const std::string& text)
     {
+        if (arguments_.quiet || !told_.insert(text).second) return;
+        progress_.clear();
+        tellNote(text);
+    }
+
+    void developOne(const DevelopJob& job)
+    {
+        const CancellationScope cancellation(platform::stopRequested);
         checkFiles(job);
-        RenderChoices render = choices_.render;
+        PictureChoices one = choosePicture(choices_, arguments_, job.input);
+        for (const std::string& text : one.notes) note(text);
+        RenderChoices& render = one.render;
         if (!choices_.seedIsGiven) render.options.seed = FrameSeed::crc32(job.input.filename().string());
 
         tellPhase("reading", 0);
         RGBImage image = RenderProfiler::cpu("decoding", 0, [&] {
             return ImageLoader::loadLinear(job.input, ImageLoader::decodeWBMode(render.options.wbMode),
                                            SourceExposure::fromKey(render.options.srcExposure),
-                                           arguments_.longPx.value_or(0));
+                                           one.sourceLong, reading());
         });
-        stopIfAsked();
-        image = backend_.process(withinLongSide(std::move(image)), render);
-        image = withinLongSide(Pipeline::exportDownscale(std::move(image), arguments_.scale));
-        stopIfAsked();
+        cancellationPoint();
+        // Every length of the simulation is physical: a reduced source makes the same picture.
+        if (one.sourceLong > 0) image = resized(std::move(image), one.sourceLong);
+        const Pipeline::OutputPlan plan =
+            Pipeline::outputPlan(image.size(), render.film, render.paper, render.options, 1.0);
+        image = backend_.process(std::move(image), render);
+        image = Pipeline::exportDownscale(std::move(image), arguments_.scale);
+        // A border or a mount has made it larger.
+        if (arguments_.longPx) image = resized(std::move(image), *arguments_.longPx);
+        cancellationPoint();
         tellPhase("writing", kRenderTo);
         RenderProfiler::cpu("writing", image.pixelCount(), [&] {
+            const double reduced = static_cast<double>(plan.width) / static_cast<double>(image.width);
+            const Finished finished{job.input, render, plan.printPxUm * reduced};
             ImageWriter::save(image, job.output.string(), arguments_.quality,
-                              outputMetadata(job.input, render));
+                              outputMetadata(finished, choices_, arguments_));
         });
     }
 
@@ -83,23 +105,28 @@ private:
         progress_.phase(T("cli.phase." + phase), fraction);
     }
 
-    void stopIfAsked() const
+    ImageLoader::Reading reading()
     {
-        if (platform::stopRequested()) throw TamloError::cancelled();
-    }
-
-    /// --long goes over the source, since every length of the simulation is physical and the picture is the
-    /// same one at any size; and over the result, which a border or a mount makes larger.
-    RGBImage withinLongSide(RGBImage image) const
-    {
-        return arguments_.longPx ? resized(std::move(image), *arguments_.longPx) : image;
+        return {arguments_.tolerant ? ImageLoader::Damage::tolerated : ImageLoader::Damage::refused,
+                [this](const std::string& text) { note(text); }};
     }
 
     const DevelopArguments& arguments_;
     const DevelopChoices& choices_;
     Progress& progress_;
     CPUBackend backend_;
+    std::set<std::string> told_; ///< each note once a run
 };
+
+/// Hands a finished file on to standard output and takes it away.
+void passOn(const fs::path& file, std::ostream& results)
+{
+    {
+        const std::ifstream picture(file, std::ios::binary);
+        results << picture.rdbuf() << std::flush;
+    }
+    fs::remove(file);
+}
 
 /// Runs a picture's work; with TAMLO_PROFILE set, its stages go to standard error as a table.
 template <class Work>
@@ -121,43 +148,67 @@ std::string failureText(const DevelopJob& job, const std::string& reason)
     return named ? reason : namingInput(job.input, reason);
 }
 
+/// Develops one picture. Returns why it failed; nothing when it stands.
+std::optional<std::string> tryOne(Run& run, const DevelopJob& job)
+{
+    try {
+        profiled(job, [&] { run.developOne(job); });
+        return std::nullopt;
+    } catch (const TamloError& error) {
+        if (error.kind() == TamloError::Kind::cancelled) throw;
+        return failureText(job, error.what());
+    } catch (const std::bad_alloc&) {
+        return failureText(job, T("cli.noMemory"));
+    } catch (const fs::filesystem_error& error) {
+        return failureText(job, error.what());
+    }
+}
+
+void tellFailures(const std::vector<std::string>& failures, std::size_t total)
+{
+    if (total > 1 && !failures.empty())
+        tell(T("cli.someFailed", {{"failed", failures.size()}, {"total", total}}));
+    for (const std::string& failure : failures) tell(failure);
+}
+
 } // namespace
 
 int develop(const DevelopArguments& arguments, std::ostream& results)
 {
-    const std::vector<DevelopJob> jobs = planJobs(arguments);
+    if (arguments.json && arguments.output == kStandardOutput) throw UsageError(T("cli.jsonAndPicture"));
     const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
-    for (const std::string& note : choices.notes) tellNote(note);
-    if (const auto pending = Film::pendingStage(choices.render.film, choices.render.paper))
-        tellNote(T("cli.stagePending", {{"stage", *pending}}));
+    const std::vector<DevelopJob> jobs = planJobs(arguments, choices);
     platform::catchStopSignals();
 
-    Progress progress(jobs.size());
-    const Run run(arguments, choices, progress);
+    Progress progress(jobs.size(), arguments.quiet);
+    Run run(arguments, choices, progress);
+    RunReport report(results, jobs.size(), arguments.json);
+    for (const std::string& note : choices.notes) run.note(note);
     std::vector<std::string> failures;
     for (const DevelopJob& job : jobs) {
+        report.begin();
+        if (arguments.skipExisting && fs::exists(job.output)) {
+            run.note(T("cli.skipped", {{"file", job.output.string()}, {"input", job.input.string()}}));
+            report.skipped(job);
+            continue;
+        }
         progress.beginPicture(job.input.filename().string());
         try {
-            profiled(job, [&] { run.developOne(job); });
+            const auto failure = tryOne(run, job);
             progress.clear();
-            results << job.output.string() << std::endl;
-        } catch (const TamloError& error) {
-            if (error.kind() == TamloError::Kind::cancelled) {
-                progress.clear();
-                tell(T("cli.stopped", {{"file", job.input.string()}}));
-                return kStoppedStatus;
-            }
-            failures.push_back(failureText(job, error.what()));
-        } catch (const std::bad_alloc&) {
-            failures.push_back(failureText(job, T("cli.noMemory")));
-        } catch (const fs::filesystem_error& error) {
-            failures.push_back(failureText(job, error.what()));
+            if (!failure && job.toStandardOutput) passOn(job.output, results);
+            failure ? report.failed(job, *failure) : report.finished(job);
+            if (failure) failures.push_back(*failure);
+        } catch (const TamloError&) { // stopped by the user
+            progress.clear();
+            report.done(true);
+            tell(T("cli.stopped", {{"file", job.input.string()}}));
+            return kStoppedStatus;
         }
     }
     progress.clear();
-    if (jobs.size() > 1 && !failures.empty())
-        tell(T("cli.someFailed", {{"failed", failures.size()}, {"total", jobs.size()}}));
-    for (const std::string& failure : failures) tell(failure);
+    report.done(false);
+    tellFailures(failures, jobs.size());
     return failures.empty() ? 0 : 1;
 }
 

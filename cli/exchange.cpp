@@ -4,10 +4,11 @@
 #include "cli/input_files.h"
 #include "cli/messages.h"
 #include "core/image/tamlo_error.h"
-#include "core/profiles/decode_error.h"
-#include "core/profiles/profile_json.h"
-#include "core/profiles/profile_validator.h"
-#include "core/profiles/user_files.h"
+#include "core/profiles/catalogue/profile_validator.h"
+#include "core/profiles/catalogue/user_files.h"
+#include "core/profiles/formats/decode_error.h"
+#include "core/profiles/formats/paper_hints.h"
+#include "core/profiles/formats/profile_json.h"
 
 #include <algorithm>
 #include <ostream>
@@ -62,6 +63,27 @@ void tellUnknownKeys(const fs::path& file, Kind kind, const std::string& data)
     if (!list.empty()) tellNoteOn(file, T("cli.unknownKeys", {{"list", list}}));
 }
 
+/// A film's matrix of another size than three by three, which the render passes over.
+void tellPassedOver(const fs::path& file, Kind kind, const std::string& data)
+{
+    if (kind != Kind::films) return;
+    const auto couplers = ProfileJSON::decode<FilmProfile>(data).couplers;
+    if (!couplers) return;
+    const auto tell = [&](const char* key, const std::optional<ProfileMatrix>& matrix) {
+        if (matrix && !asMatrix3(*matrix)) tellNoteOn(file, T("cli.matrixPassedOver", {{"key", key}}));
+    };
+    tell("couplers.matrix", couplers->matrix);
+    tell("couplers.matrix_ds", couplers->matrixDs);
+}
+
+/// What of a profile is hardly meant.
+void tellHints(const fs::path& file, Kind kind, const std::string& data)
+{
+    if (kind != Kind::papers) return;
+    for (const std::string& hint : ProfileValidator::hints(ProfileJSON::decode<PaperProfile>(data)))
+        tellNoteOn(file, hint);
+}
+
 bool isPreset(const std::string& data)
 {
     return ProfileValidator::guessKind(data) == Kind::presets;
@@ -93,6 +115,8 @@ void checkOne(const fs::path& file, const ProfileStore& store, std::ostream& res
         kind = incoming.kind;
         title = titleOf(incoming);
         tellUnknownKeys(file, kind, data);
+        tellPassedOver(file, kind, data);
+        tellHints(file, kind, data);
     }
     results << file.string() << ": " << kindTitle(kind) << ", " << title << std::endl;
 }
@@ -123,6 +147,7 @@ void importProfile(const fs::path& file, PresetConflict onConflict, ProfileStore
     }
     store.saveUserProfile(incoming.kind, id, incoming.data);
     tellUnknownKeys(file, incoming.kind, incoming.data);
+    tellHints(file, incoming.kind, incoming.data);
     results << T("profiles.added", {{"name", titleOf(incoming)}, {"id", id}}) << std::endl;
 }
 
@@ -171,18 +196,18 @@ int importFiles(const ImportArguments& arguments, ProfileStore& store, std::ostr
 void exportOne(const ExportArguments& arguments, const ProfileStore& store, std::ostream& results)
 {
     const Kind kind = kindNamed(arguments.kind);
-    requireProfile(store, kind, arguments.id);
+    const std::string id = profileNamed(store, kind, arguments.id);
     fs::path file = arguments.file;
     if (kind == Kind::presets) {
         try {
-            file = store.exportPreset(arguments.id, file);
+            file = store.exportPreset(id, file);
         } catch (const PresetError& error) {
-            throw std::runtime_error(arguments.id + ": " + error.what());
+            throw std::runtime_error(id + ": " + error.what());
         }
     } else {
         std::error_code ignored;
-        if (fs::is_directory(file, ignored)) file /= arguments.id + ".tprofile";
-        store.exportProfile(kind, arguments.id, file);
+        if (fs::is_directory(file, ignored)) file /= id + ".tprofile";
+        store.exportProfile(kind, id, file);
     }
     results << file.string() << std::endl;
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/arguments.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 
 #include <iosfwd>
 

@@ -3,9 +3,10 @@
 #include "cli/catalogue.h"
 #include "cli/columns.h"
 #include "cli/messages.h"
+#include "cli/option_help.h"
 #include "core/image/tamlo_error.h"
-#include "core/profiles/catalogue_groups.h"
-#include "core/profiles/profile_error.h"
+#include "core/profiles/catalogue/catalogue_groups.h"
+#include "core/profiles/formats/profile_error.h"
 #include "core/text/loc.h"
 #include "platform/unicode.h"
 
@@ -26,7 +27,8 @@ using nlohmann::ordered_json;
 struct Row {
     Place place;
     std::string id, group, fidelity, name;
-    ordered_json more; ///< further keys of the JSON form
+    std::string speed, paper; ///< of a film: ISO, and the paper that a frame on it starts with
+    ordered_json more;        ///< further keys of the JSON form
 };
 
 template <typename Profile>
@@ -36,7 +38,9 @@ Row rowOf(const Profile& profile, const std::string& id, const Place& place)
             id,
             place.group.empty() ? "" : T(std::string(place.group)),
             "",
-            Loc::pick(profile.name.value_or(id), profile.nameEn),
+            titleOf(profile, id),
+            "",
+            "",
             ordered_json::object()};
     if constexpr (requires { profile.fidelity; }) row.fidelity = profile.fidelity.value_or("");
     if constexpr (requires { std::string(profile.type); })
@@ -55,6 +59,8 @@ Row presetRow(const PresetDocument& document)
             PresetGroups::title(document.group(), document.groupEn()),
             "",
             document.name(),
+            "",
+            "",
             ordered_json::object()};
     row.more = {{"order", document.order()},
                 {"film", document.stock()},
@@ -69,7 +75,13 @@ Row describe(const ProfileStore& store, Kind kind, const std::string& id)
     switch (kind) {
     case Kind::films: {
         const FilmProfile film = store.film(id);
-        return rowOf(film, id, CatalogueGroups::ofFilm(film));
+        Row row = rowOf(film, id, CatalogueGroups::ofFilm(film));
+        const std::optional<int> speed = filmSpeed(store, id);
+        if (speed) row.more["iso"] = *speed;
+        row.speed = speed ? "ISO " + std::to_string(*speed) : "";
+        row.paper = defaultPaper(film);
+        row.more["paper"] = row.paper;
+        return row;
     }
     case Kind::lenses:
         return rowOf(store.lens(id), id, CatalogueGroups::ofLens(id));
@@ -116,7 +128,7 @@ std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
 
 void writeTable(const std::vector<Row>& rows, std::ostream& out)
 {
-    constexpr std::array kColumns{&Row::id, &Row::group, &Row::fidelity};
+    constexpr std::array kColumns{&Row::id, &Row::group, &Row::speed, &Row::paper, &Row::fidelity};
     std::array<std::size_t, kColumns.size()> widths{};
     for (const Row& row : rows)
         for (std::size_t i = 0; i < kColumns.size(); ++i)
@@ -132,8 +144,13 @@ void writeTable(const std::vector<Row>& rows, std::ostream& out)
 
 void listProfiles(const ListArguments& arguments, const ProfileStore& store, std::ostream& out)
 {
+    if (arguments.kind == kOptionsWord) return listOptions(arguments, out);
     const std::vector<Row> rows = rowsOf(store, kindNamed(arguments.kind));
-    if (!arguments.json) return writeTable(rows, out);
+    if (arguments.ids)
+        for (const Row& row : rows) out << row.id << '\n';
+    else if (!arguments.json)
+        writeTable(rows, out);
+    if (!arguments.json) return;
     ordered_json list = ordered_json::array();
     for (const Row& row : rows) {
         ordered_json entry{{"id", row.id}, {"name", row.name}, {"group", row.group}};
@@ -147,9 +164,9 @@ void listProfiles(const ListArguments& arguments, const ProfileStore& store, std
 void showProfile(const ShowArguments& arguments, const ProfileStore& store, std::ostream& out)
 {
     const Kind kind = kindNamed(arguments.kind);
-    requireProfile(store, kind, arguments.id);
+    const std::string id = profileNamed(store, kind, arguments.id);
     const std::string text =
-        kind == Kind::presets ? store.presetDocument(arguments.id).encoded() : store.data(kind, arguments.id);
+        kind == Kind::presets ? store.presetDocument(id).encoded() : store.data(kind, id);
     out << text;
     if (text.empty() || text.back() != '\n') out << '\n';
 }

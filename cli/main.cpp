@@ -1,12 +1,17 @@
 // The command line of Tamlo. Results go to standard output, everything else to standard error.
 
 #include "cli/arguments.h"
+#include "cli/completion.h"
 #include "cli/develop.h"
 #include "cli/exchange.h"
+#include "cli/interrupted.h"
 #include "cli/list_profiles.h"
 #include "cli/measure.h"
 #include "cli/messages.h"
+#include "cli/option_help.h"
 #include "cli/plan.h"
+#include "cli/project.h"
+#include "cli/recipe.h"
 #include "cli/usage_error.h"
 
 #include <exception>
@@ -28,7 +33,10 @@ struct Runner {
     }
     int operator()(const ShowArguments& arguments) const
     {
-        showProfile(arguments, ProfileStore::shared(), std::cout);
+        if (arguments.kind == "recipe")
+            showRecipe(arguments, ProfileStore::shared(), std::cout);
+        else
+            showProfile(arguments, ProfileStore::shared(), std::cout);
         return 0;
     }
     int operator()(const CheckArguments& arguments) const
@@ -42,6 +50,17 @@ struct Runner {
     int operator()(const ExportArguments& arguments) const
     {
         exportOne(arguments, ProfileStore::shared(), std::cout);
+        return 0;
+    }
+    int operator()(const ProjectCommand& command) const { return runProject(command, std::cout); }
+    int operator()(const HelpArguments& arguments) const
+    {
+        helpOnOption(arguments, std::cout);
+        return 0;
+    }
+    int operator()(const CompletionArguments& arguments) const
+    {
+        std::cout << completionScript(arguments.shell, ProfileStore::shared());
         return 0;
     }
     int operator()(const Answer& answer) const
@@ -62,6 +81,8 @@ int main(int argc, char** argv)
             return 1;
         }
         return status;
+    } catch (const Interrupted&) {
+        return Interrupted::kStatus;
     } catch (const UsageError& error) {
         tell(error.what());
         return 2;

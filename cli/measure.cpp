@@ -1,21 +1,27 @@
 #include "cli/measure.h"
 
+#include "cli/catalogue.h"
 #include "cli/columns.h"
 #include "cli/data_sheet.h"
 #include "cli/develop_choices.h"
+#include "cli/messages.h"
 #include "cli/usage_error.h"
-#include "core/profiles/user_files.h"
+#include "core/profiles/catalogue/user_files.h"
+#include "core/sensitometry/paper_sensitometry.h"
 #include "core/text/loc.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <iostream>
+#include <utility>
+#include <vector>
 
 namespace tamlo::cli {
 namespace {
 
 using nlohmann::ordered_json;
+using Sensitometry::PaperReport;
 using Sensitometry::Report;
 
 template <typename T>
@@ -24,7 +30,27 @@ ordered_json orNull(const std::optional<T>& value)
     return value ? ordered_json(*value) : ordered_json(nullptr);
 }
 
-ordered_json asJson(const std::string& film, const std::optional<std::string>& paper, const Report& report)
+ordered_json pressJson(const Sensitometry::PressReport& press)
+{
+    ordered_json inks = ordered_json::array();
+    for (const Sensitometry::PrintedInk& ink : press.inks) {
+        ordered_json one{{"name", ink.name}, {"lpi", nullptr}, {"angle_deg", nullptr}};
+        if (ink.ruling) {
+            one["lpi"] = ink.ruling->lpi;
+            one["angle_deg"] = ink.ruling->angleDeg;
+        }
+        one["tone"] = ink.tone;
+        one["solid_density"] = ink.solidDensity;
+        inks.push_back(std::move(one));
+    }
+    return {{"inks", inks},
+            {"asked_tone", Sensitometry::kAskedTones},
+            {"paper_density", press.paperDensity},
+            {"black_density", press.blackDensity},
+            {"total_ink", orNull(press.totalInk)}};
+}
+
+ordered_json asJson(const std::string& film, const std::string& paper, const Report& report)
 {
     ordered_json layers = ordered_json::array();
     for (const Sensitometry::Layer& layer : report.layers)
@@ -48,11 +74,31 @@ ordered_json asJson(const std::string& film, const std::optional<std::string>& p
     object["adjacency_overshoot"] = report.adjacencyOvershoot;
     object["halation_radius_um"] = orNull(report.halationRadiusUm);
     if (report.print)
-        object["print"] = {{"paper", *paper},
+        object["print"] = {{"paper", paper},
                            {"density", report.print->density},
                            {"dmin", report.print->dmin},
                            {"dmax", report.print->dmax},
                            {"iso_range", orNull(report.print->isoRange)}};
+    if (report.press) object["press"] = pressJson(*report.press);
+    return object;
+}
+
+ordered_json asJson(const std::string& paper, const PaperReport& report)
+{
+    ordered_json object{{"paper", paper},
+                        {"tablet_density", report.tabletDensity},
+                        {"density", report.density},
+                        {"dmin", report.dmin},
+                        {"dmax", report.dmax},
+                        {"gamma", orNull(report.gamma)},
+                        {"iso_range", orNull(report.isoRange)}};
+    if (report.structure)
+        object["structure"] = {{"density", report.structure->density},
+                               {"aperture_mm", Sensitometry::kStructureAperturesMm},
+                               {"rms_1000", report.structure->rms},
+                               {"size_mm", report.structure->sizeMm}};
+    else
+        object["structure"] = nullptr;
     return object;
 }
 
@@ -89,29 +135,64 @@ std::string asText(const std::string& title, const Report& report)
     return text;
 }
 
-template <typename Profile>
-std::string nameOf(const Profile& profile, const std::string& id)
+std::string asText(const std::string& title, const PaperReport& report)
 {
-    return Loc::pick(profile.name.value_or(id), profile.nameEn);
+    std::vector<std::pair<std::string, std::string>> rows{
+        {T("cli.measure.printRange"), format("%.2f, %.2f", report.dmin, report.dmax)},
+        {T("cli.measure.gamma"), optional("%.2f", report.gamma)},
+        {T("cli.measure.isoRange"), optional("R %.0f", report.isoRange)}};
+    if (const auto& s = report.structure) {
+        rows.emplace_back(T("cli.measure.structure"),
+                          format("%.1f, %.1f, %.1f", s->rms[0], s->rms[1], s->rms[2]));
+        rows.emplace_back(T("cli.measure.structureSize"),
+                          T("cli.measure.mm", {{"n", format("%.2f", s->sizeMm)}}));
+    }
+    std::string text = title + "\n";
+    for (const auto& [name, value] : rows) text += "  " + name + ": " + value + "\n";
+    text +=
+        "  " + rightAligned(T("cli.measure.tablet"), 10) + rightAligned(T("cli.measure.print"), 10) + "\n";
+    for (std::size_t i = 0; i < report.density.size(); ++i)
+        text += format("  %10.2f%10.3f\n", report.tabletDensity[i], report.density[i]);
+    return text;
+}
+
+/// A paper by itself, under a step tablet.
+int measurePaperAlone(const MeasureArguments& arguments, std::ostream& results)
+{
+    if (!arguments.paper) throw UsageError(T("cli.measure.nothing"));
+    if (arguments.plot) throw UsageError(T("cli.measure.plotNeedsFilm"));
+    const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    const PaperProfile& paper = choices.render.paper;
+    if (!paper.isAlt()) throw UsageError(T("cli.measure.paperNeedsFilm", {{"paper", choices.paper}}));
+    const PaperReport report = Sensitometry::measurePaper(paper, choices.render.options);
+    for (const std::string& note : choices.notes) tellNote(note);
+    if (arguments.json)
+        results << asJson(choices.paper, report).dump(2) << std::endl;
+    else
+        results << asText(titleOf(paper, choices.paper), report);
+    return 0;
 }
 
 } // namespace
 
 int measure(const MeasureArguments& arguments, std::ostream& results)
 {
+    if (!arguments.film) return measurePaperAlone(arguments, results);
     if (arguments.plot && arguments.plot->extension() != ".svg")
         throw UsageError(T("cli.badPlotFile", {{"file", arguments.plot->string()}}));
-    const RenderChoices render = resolveChoices(arguments, ProfileStore::shared()).render;
+    const DevelopChoices choices = resolveChoices(arguments, ProfileStore::shared());
+    const RenderChoices& render = choices.render;
     const Report report =
         Sensitometry::measure(render.film, arguments.paper ? &render.paper : nullptr, render.options);
 
-    const std::string film = nameOf(render.film, *arguments.film);
-    const std::string paper = arguments.paper ? nameOf(render.paper, *arguments.paper) : "";
+    const std::string film = titleOf(render.film, choices.film);
+    const std::string paper = arguments.paper ? titleOf(render.paper, choices.paper) : "";
+    for (const std::string& note : choices.notes) tellNote(note);
     if (arguments.plot) UserFiles::write(*arguments.plot, dataSheet(film, paper, report));
     const std::string title =
         paper.empty() ? film : T("cli.measure.title", {{"film", film}, {"paper", paper}});
     if (arguments.json)
-        results << asJson(*arguments.film, arguments.paper, report).dump(2) << std::endl;
+        results << asJson(choices.film, choices.paper, report).dump(2) << std::endl;
     else
         results << asText(title, report);
     return 0;

@@ -1,4 +1,5 @@
-// tamlo measure: what a film and a paper measure, as a table, as JSON and as a data sheet.
+// tamlo measure: what a film, a print of it, and a handmade paper by itself measure, as a table, as JSON and,
+// for a film, as a data sheet.
 #pragma once
 
 #include "cli/arguments.h"

@@ -1,54 +1,58 @@
 #include "cli/output_metadata.h"
 
+#include "core/text/loc.h"
+#include "platform/preferences.h"
 #include "platform/shot_properties.h"
-
-#include <cstdio>
-#include <ctime>
+#include "platform/unicode.h"
 
 namespace tamlo::cli {
 namespace {
 
-/// The moment of "YYYY:MM:DD HH:MM:SS" in the time zone of this process, in which it is also written again;
-/// nothing for another form or a camera whose clock was never set.
-std::optional<std::time_t> momentOf(const std::string& text)
-{
-    std::tm date{};
-    if (std::sscanf(text.c_str(), "%4d:%2d:%2d %2d:%2d:%2d", &date.tm_year, &date.tm_mon, &date.tm_mday,
-                    &date.tm_hour, &date.tm_min, &date.tm_sec) != 6)
-        return std::nullopt;
-    if (date.tm_year < 1800 || date.tm_mon < 1 || date.tm_mon > 12 || date.tm_mday < 1 || date.tm_mday > 31)
-        return std::nullopt;
-    date.tm_year -= 1900;
-    date.tm_mon -= 1;
-    date.tm_isdst = -1;
-    const std::time_t moment = std::mktime(&date);
-    if (moment == -1) return std::nullopt;
-    return moment;
-}
-
 template <typename Profile>
 void addTitle(std::vector<std::string>& keywords, const Profile& profile)
 {
-    const auto& title = profile.nameEn ? profile.nameEn : profile.name;
-    if (title && !title->empty()) keywords.push_back(*title);
+    const std::string title = Loc::pick(profile.name.value_or(""), profile.nameEn);
+    if (!title.empty()) keywords.push_back(title);
+}
+
+/// The first that is not blank: the option, the preference, the source's own.
+std::optional<std::string> firstOf(const std::optional<std::string>& option, const char* preference,
+                                   const std::optional<std::string>& source)
+{
+    for (const auto& text : {option, platform::preference(preference), source})
+        if (text && !platform::trimmed(*text).empty()) return text;
+    return std::nullopt;
 }
 
 } // namespace
 
-OutputMetadata outputMetadata(const std::filesystem::path& source, const RenderChoices& choices)
+OutputMetadata outputMetadata(const Finished& picture, const DevelopChoices& choices,
+                              const DevelopArguments& arguments)
 {
-    const platform::ShotProperties shot = platform::readShotProperties(source);
+    const platform::ShotProperties shot = platform::readShotProperties(picture.source);
     OutputMetadata metadata = OutputMetadata::plain(OutputMetadata::softwareName(TAMLO_VERSION));
+    metadata.make = shot.make;
     metadata.camera = shot.camera;
     metadata.lensModel = shot.lensModel;
     metadata.focalMm = shot.focalMm;
     metadata.fNumber = shot.fNumber;
     metadata.exposureSec = shot.exposureSec;
     metadata.iso = shot.iso;
-    if (shot.dateOriginal) metadata.dateOriginal = momentOf(*shot.dateOriginal);
+    metadata.dateOriginal = shot.dateOriginal;
+    metadata.timeZone = shot.timeZone;
+    metadata.author = firstOf(arguments.author, "exportAuthor", shot.artist);
+    metadata.copyright = firstOf(arguments.copyright, "exportCopyright", shot.copyright);
     metadata.keywords.emplace_back("Tamlo");
-    addTitle(metadata.keywords, choices.film);
-    addTitle(metadata.keywords, choices.paper);
+    addTitle(metadata.keywords, picture.render.film);
+    addTitle(metadata.keywords, picture.render.paper);
+    constexpr double kInchUm = 25'400.0;
+    if (picture.printPxUm > 0) metadata.pixelsPerInch = kInchUm / picture.printPxUm;
+    if (arguments.recipe) {
+        Recipe recipe = choices.recipe;
+        recipe.options = picture.render.options;
+        recipe.options.crop = choices.render.options.crop; // the frame's own cut belongs to the picture
+        metadata.recipe = encodeRecipe(recipe);
+    }
     return metadata;
 }
 

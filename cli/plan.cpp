@@ -4,6 +4,7 @@
 #include "cli/develop_choices.h"
 #include "cli/input_files.h"
 #include "cli/messages.h"
+#include "cli/picture_choices.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/pipeline/output_plan.h"
@@ -22,13 +23,14 @@ namespace {
 namespace fs = std::filesystem;
 using Pipeline::OutputPlan;
 
-OutputPlan planOne(const fs::path& input, const PlanArguments& arguments, const RenderChoices& choices)
+OutputPlan planOne(const fs::path& input, const PlanArguments& arguments, const DevelopChoices& choices)
 {
     checkInput(input);
-    Size source = ImageLoader::pictureSize(input, arguments.longPx.value_or(0));
-    if (arguments.longPx) source = resizedSize(source, *arguments.longPx);
+    const PictureChoices one = choosePicture(choices, arguments, input);
+    for (const std::string& note : one.notes) tellNote(note);
+    const RenderChoices& render = one.render;
     OutputPlan plan =
-        Pipeline::outputPlan(source, choices.film, choices.paper, choices.options, arguments.scale);
+        Pipeline::outputPlan(one.exposed, render.film, render.paper, render.options, arguments.scale);
     if (arguments.longPx) {
         const Size size = resizedSize(plan.size(), *arguments.longPx);
         plan.width = size.width;
@@ -49,6 +51,11 @@ double megapixels(const OutputPlan& plan)
     return static_cast<double>(plan.width * plan.height) / 1e6;
 }
 
+double coatMm(const OutputPlan& plan)
+{
+    return static_cast<double>(plan.coatPx) * plan.printPxUm / 1000.0;
+}
+
 nlohmann::ordered_json asJson(const fs::path& input, const OutputPlan& plan)
 {
     return {{"input", input.string()},
@@ -59,6 +66,12 @@ nlohmann::ordered_json asJson(const fs::path& input, const OutputPlan& plan)
             {"film_um_per_px", plan.pxUm},
             {"print_cm", sides(plan, plan.printCm)},
             {"print_um_per_px", plan.printPxUm},
+            {"mat_px", {plan.matPx, plan.matBottomPx}},
+            {"table_px", plan.tablePx},
+            {"grow", plan.raster.grow},
+            {"cell_px", plan.raster.cell},
+            {"coat_px", plan.coatPx},
+            {"coat_mm", coatMm(plan)},
             {"supersample", plan.supersample},
             {"dots_drawn", plan.dotsDrawn},
             {"lines_drawn", plan.linesDrawn}};
@@ -76,7 +89,7 @@ std::string asText(const fs::path& input, const OutputPlan& plan)
 {
     const std::array<double, 2> film = sides(plan, plan.fmtUm / 1000.0);
     const std::array<double, 2> print = sides(plan, plan.printCm);
-    const std::array<std::pair<std::string, std::string>, 3> rows{{
+    std::vector<std::pair<std::string, std::string>> rows{
         {T("cli.plan.output"), Pipeline::sizeLabel(plan.size(), T("unit.mp"))},
         {T("cli.plan.film"),
          T("cli.plan.onFilm",
@@ -84,7 +97,16 @@ std::string asText(const fs::path& input, const OutputPlan& plan)
         {T("cli.plan.print"), T("cli.plan.onPrint", {{"width", fixed(print[0], 1)},
                                                      {"height", fixed(print[1], 1)},
                                                      {"um", fixed(plan.printPxUm, 1)}})},
-    }};
+    };
+    if (plan.coatPx > 0)
+        rows.push_back({T("cli.plan.coat"), T("cli.plan.coatWidth", {{"mm", fixed(coatMm(plan), 1)}})});
+    const auto cm = [&](std::int64_t px) { return fixed(static_cast<double>(px) * plan.printPxUm / 1e4, 1); };
+    if (plan.matPx > 0)
+        rows.push_back({T("cli.plan.mat"),
+                        T("cli.plan.board", {{"side", cm(plan.matPx)}, {"bottom", cm(plan.matBottomPx)}})});
+    if (plan.tablePx > 0)
+        rows.push_back({T("cli.plan.table"), T("cli.plan.around", {{"side", cm(plan.tablePx)}})});
+    if (plan.rasterNote) rows.push_back({T("cli.plan.press"), *plan.rasterNote});
     std::size_t width = 0;
     for (const auto& [name, value] : rows) width = std::max(width, columnsOf(name));
     std::string text = input.string() + "\n";
@@ -100,9 +122,9 @@ int plan(const PlanArguments& arguments, std::ostream& results)
     for (const std::string& note : choices.notes) tellNote(note);
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     std::vector<std::string> failures;
-    for (const fs::path& input : arguments.inputs) {
+    for (const fs::path& input : expandedInputs(arguments.inputs)) {
         try {
-            const OutputPlan one = planOne(input, arguments, choices.render);
+            const OutputPlan one = planOne(input, arguments, choices);
             if (arguments.json)
                 list.push_back(asJson(input, one));
             else

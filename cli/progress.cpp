@@ -1,5 +1,6 @@
 #include "cli/progress.h"
 
+#include "core/text/loc.h"
 #include "platform/console.h"
 #include "platform/unicode.h"
 
@@ -9,8 +10,8 @@
 
 namespace tamlo::cli {
 
-Progress::Progress(std::size_t pictureCount)
-    : pictureCount_(pictureCount), terminal_(platform::errorIsTerminal())
+Progress::Progress(std::size_t pictureCount, bool quiet)
+    : pictureCount_(pictureCount), terminal_(platform::errorIsTerminal()), quiet_(quiet)
 {}
 
 Progress::~Progress()
@@ -24,23 +25,21 @@ void Progress::beginPicture(const std::string& name)
     name_ = name;
     phase_.clear();
     percentShown_ = -1;
+    if (terminal_ || quiet_) return;
+    if (pictureCount_ > 1) std::cerr << '[' << picture_ << '/' << pictureCount_ << "] ";
+    std::cerr << T("cli.developing", {{"file", name_}}) << std::endl;
 }
 
 void Progress::phase(const std::string& name, double fraction)
 {
+    if (!terminal_ || quiet_) return;
     const int percent = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * 100));
-    const bool newPhase = name != phase_;
-    if (!newPhase && percent == percentShown_) return;
+    if (name == phase_ && percent == percentShown_) return;
     phase_ = name;
     fraction_ = percent / 100.0;
     percentShown_ = percent;
-    if (terminal_) {
-        draw();
-        drawn_ = true;
-    } else if (newPhase) {
-        if (pictureCount_ > 1) std::cerr << '[' << picture_ << '/' << pictureCount_ << "] ";
-        std::cerr << name_ << ": " << phase_ << std::endl;
-    }
+    draw();
+    drawn_ = true;
 }
 
 void Progress::clear()

@@ -1,5 +1,5 @@
-// What a run tells while it works: one line with a bar on a terminal, a plain line for each phase
-// elsewhere. Everything goes to standard error; results are not its business.
+// What a run tells while it works: one line with a bar on a terminal, a plain line for each picture
+// elsewhere, nothing when it is to be quiet. Everything goes to standard error; results are not its business.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace tamlo::cli {
 
 class Progress {
 public:
-    explicit Progress(std::size_t pictureCount);
+    Progress(std::size_t pictureCount, bool quiet);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -29,7 +29,7 @@ private:
     std::string name_, phase_;
     double fraction_ = 0;
     int percentShown_ = -1;
-    bool terminal_;
+    bool terminal_, quiet_;
     bool drawn_ = false;
 };
 

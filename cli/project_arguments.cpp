@@ -1,0 +1,173 @@
+#include "cli/project_arguments.h"
+
+#include "core/text/loc.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace tamlo::cli {
+namespace {
+
+/// A verb whose arguments land in a struct of its own, which becomes the command when the verb is called.
+template <typename Arguments>
+struct Verb {
+    CLI::App* app;
+    std::shared_ptr<Arguments> arguments;
+};
+
+template <typename Arguments>
+Verb<Arguments> addVerb(CLI::App& project, const char* name, const char* helpKey, ProjectCommand& into)
+{
+    CLI::App* app = project.add_subcommand(name, T(helpKey));
+    const auto arguments = std::make_shared<Arguments>();
+    app->callback([arguments, &into] { into = *arguments; });
+    return {app, arguments};
+}
+
+template <typename Value>
+CLI::Option* place(CLI::App& verb, const char* name, Value& into, const char* helpKey)
+{
+    return verb.add_option(name, into, T(helpKey))->required()->type_name("");
+}
+
+void takeRoll(CLI::App& verb, RollArguments& into)
+{
+    place(verb, "ROLL", into.roll, "cli.help.project.roll");
+}
+
+void takeFrames(CLI::App& verb, RollArguments& into)
+{
+    takeRoll(verb, into);
+    place(verb, "FRAMES", into.frames, "cli.help.project.frames");
+}
+
+void takeFrame(CLI::App& verb, RollArguments& into)
+{
+    takeRoll(verb, into);
+    place(verb, "FRAME", into.frames, "cli.help.project.frame");
+}
+
+/// One of a few words.
+void choice(CLI::Option* option, const std::vector<std::string>& words)
+{
+    std::string shown;
+    for (const std::string& word : words) shown += (shown.empty() ? "" : "|") + word;
+    option->check(CLI::IsMember(words))->type_name(shown)->option_text(shown);
+}
+
+void describeIntake(CLI::App& project, ProjectCommand& into)
+{
+    for (const bool isNew : {true, false}) {
+        const auto verb = isNew ? addVerb<ProjectAddArguments>(project, "new", "cli.help.project.new", into)
+                                : addVerb<ProjectAddArguments>(project, "add", "cli.help.project.add", into);
+        verb.arguments->isNew = isNew;
+        takeRoll(*verb.app, *verb.arguments);
+        CLI::Option* inputs =
+            place(*verb.app, "PHOTO|FOLDER", verb.arguments->inputs, "cli.help.project.inputs");
+        if (isNew) inputs->required(false);
+        choice(verb.app->add_option("--pairs", verb.arguments->pairs, T("cli.help.project.pairs")),
+               {"raw", "jpeg", "both"});
+        if (isNew)
+            verb.app->add_option("--title", verb.arguments->title, T("cli.help.project.title"))
+                ->type_name("TEXT");
+    }
+}
+
+void describeReading(CLI::App& project, ProjectCommand& into)
+{
+    const auto show = addVerb<ProjectShowArguments>(project, "show", "cli.help.project.show", into);
+    takeFrames(*show.app, *show.arguments);
+    show.app->get_option("FRAMES")->required(false);
+    show.app->add_flag("--json", show.arguments->json, T("cli.help.jsonObject"));
+    const auto check = addVerb<ProjectCheckArguments>(project, "check", "cli.help.project.check", into);
+    takeRoll(*check.app, *check.arguments);
+    check.app->add_flag("--json", check.arguments->json, T("cli.help.jsonObject"));
+}
+
+void describeEdits(CLI::App& project, ProjectCommand& into)
+{
+    const auto set = addVerb<ProjectSetArguments>(project, "set", "cli.help.project.set", into);
+    takeFrames(*set.app, *set.arguments);
+    place(*set.app, "KEY=VALUE", set.arguments->settings, "cli.help.project.settings");
+    const auto preset = addVerb<ProjectPresetArguments>(project, "preset", "cli.help.project.preset", into);
+    takeFrames(*preset.app, *preset.arguments);
+    place(*preset.app, "ID|FILE", preset.arguments->preset, "cli.help.preset");
+    preset.app->add_option("--blocks", preset.arguments->blocks, T("cli.help.project.blocks"))
+        ->type_name("NAME,NAME");
+    const auto mark = addVerb<ProjectMarkArguments>(project, "mark", "cli.help.project.mark", into);
+    takeFrames(*mark.app, *mark.arguments);
+    choice(place(*mark.app, "MARK", mark.arguments->mark, "cli.help.project.markWord"),
+           {"pick", "reject", "none"});
+    const auto turn = addVerb<ProjectTurnArguments>(project, "turn", "cli.help.project.turn", into);
+    takeFrames(*turn.app, *turn.arguments);
+    choice(place(*turn.app, "TURN", turn.arguments->turn, "cli.help.project.turnWord"),
+           {"right", "left", "flip-h", "flip-v", "reset"});
+    const auto reset = addVerb<ProjectResetArguments>(project, "reset", "cli.help.project.reset", into);
+    takeFrames(*reset.app, *reset.arguments);
+    reset.app->add_option("--block", reset.arguments->block, T("cli.help.project.block"))->type_name("NAME");
+    const auto remove = addVerb<ProjectRemoveArguments>(project, "remove", "cli.help.project.remove", into);
+    takeFrames(*remove.app, *remove.arguments);
+}
+
+void describeCopying(CLI::App& project, ProjectCommand& into)
+{
+    const auto copy = addVerb<ProjectCopyArguments>(project, "copy", "cli.help.project.copy", into);
+    takeFrame(*copy.app, *copy.arguments);
+    copy.app->add_option("--block", copy.arguments->block, T("cli.help.project.block"))->type_name("NAME");
+    const auto paste = addVerb<ProjectPasteArguments>(project, "paste", "cli.help.project.paste", into);
+    takeFrames(*paste.app, *paste.arguments);
+    place(*paste.app, "FILE", paste.arguments->file, "cli.help.project.envelope")->required(false);
+    const auto apply = addVerb<ProjectApplyArguments>(project, "apply", "cli.help.project.apply", into);
+    takeFrame(*apply.app, *apply.arguments);
+    choice(apply.app->add_option("--to-all", apply.arguments->toAll, T("cli.help.project.toAll")),
+           {"empty", "every"});
+}
+
+void describeFiles(CLI::App& project, ProjectCommand& into)
+{
+    const auto locate = addVerb<ProjectLocateArguments>(project, "locate", "cli.help.project.locate", into);
+    takeRoll(*locate.app, *locate.arguments);
+    place(*locate.app, "FOLDER|FRAME", locate.arguments->frames, "cli.help.project.where");
+    place(*locate.app, "FILE", locate.arguments->file, "cli.help.project.file")->required(false);
+    locate.app->add_flag("--force", locate.arguments->force, T("cli.help.project.force"));
+    const auto backups =
+        addVerb<ProjectBackupsArguments>(project, "backups", "cli.help.project.backups", into);
+    takeRoll(*backups.app, *backups.arguments);
+    backups.app->get_option("ROLL")->required(false);
+    backups.app->add_flag("--json", backups.arguments->json, T("cli.help.jsonArray"));
+    backups.app->add_flag("--usage", backups.arguments->usage, T("cli.help.project.usage"));
+    backups.app->add_option("--purge", backups.arguments->purgeDays, T("cli.help.project.purge"))
+        ->check(CLI::Range(0, 36500))
+        ->type_name("DAYS")
+        ->option_text("DAYS");
+    const auto restore =
+        addVerb<ProjectRestoreArguments>(project, "restore", "cli.help.project.restore", into);
+    takeRoll(*restore.app, *restore.arguments);
+    place(*restore.app, "STAMP", restore.arguments->stamp, "cli.help.project.stamp");
+    restore.app->add_option("-o", restore.arguments->output, T("cli.help.project.output"))
+        ->required()
+        ->type_name("NEW.tamlo");
+    const auto recent = addVerb<ProjectRecentArguments>(project, "recent", "cli.help.project.recent", into);
+    recent.app->add_flag("--json", recent.arguments->json, T("cli.help.jsonArray"));
+    recent.app->add_flag("--clear", recent.arguments->clear, T("cli.help.project.clear"));
+}
+
+} // namespace
+
+void describeProject(CLI::App& app, ProjectCommand& into)
+{
+    CLI::App* project = app.add_subcommand("project", T("cli.help.project"));
+    project->require_subcommand(1);
+    describeIntake(*project, into);
+    describeReading(*project, into);
+    describeEdits(*project, into);
+    describeCopying(*project, into);
+    describeFiles(*project, into);
+    for (CLI::App* verb : project->get_subcommands(nullptr)) {
+        verb->fallthrough();
+        verb->get_help_ptr()->group(T("cli.help.options"));
+    }
+}
+
+} // namespace tamlo::cli

@@ -1,0 +1,86 @@
+// The command line of `tamlo project` as plain structs, one a verb.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace tamlo::cli {
+
+/// What every verb but recent names.
+struct RollArguments {
+    std::filesystem::path roll;
+    std::string frames; ///< such as "2-7", "IMG_*.NEF" or "picked"; empty: all
+    bool json = false;
+};
+
+/// new ROLL [PHOTO|FOLDER…], add ROLL PHOTO|FOLDER…
+struct ProjectAddArguments : RollArguments {
+    bool isNew = false;
+    std::vector<std::filesystem::path> inputs;
+    std::optional<std::string> pairs;
+    std::optional<std::string> title;
+};
+struct ProjectShowArguments : RollArguments {};
+struct ProjectCheckArguments : RollArguments {};
+struct ProjectSetArguments : RollArguments {
+    std::vector<std::string> settings; ///< "key=value"
+};
+struct ProjectPresetArguments : RollArguments {
+    std::string preset; ///< id, or a file
+    std::optional<std::string> blocks;
+};
+struct ProjectMarkArguments : RollArguments {
+    std::string mark;
+};
+struct ProjectTurnArguments : RollArguments {
+    std::string turn;
+};
+struct ProjectCopyArguments : RollArguments {
+    std::optional<std::string> block;
+};
+struct ProjectPasteArguments : RollArguments {
+    std::string file = "-";
+};
+struct ProjectApplyArguments : RollArguments {
+    std::optional<std::string> toAll;
+};
+struct ProjectResetArguments : RollArguments {
+    std::optional<std::string> block;
+};
+struct ProjectRemoveArguments : RollArguments {};
+/// locate ROLL FOLDER, locate ROLL FRAME FILE
+struct ProjectLocateArguments : RollArguments {
+    std::optional<std::filesystem::path> file; ///< absent: `frames` is a folder
+    bool force = false;
+};
+struct ProjectBackupsArguments : RollArguments {
+    bool usage = false;
+    std::optional<int> purgeDays;
+};
+struct ProjectRestoreArguments : RollArguments {
+    std::string stamp;
+    std::filesystem::path output;
+};
+struct ProjectRecentArguments {
+    bool json = false;
+    bool clear = false;
+};
+
+using ProjectCommand =
+    std::variant<std::monostate, ProjectAddArguments, ProjectShowArguments, ProjectCheckArguments,
+                 ProjectSetArguments, ProjectPresetArguments, ProjectMarkArguments, ProjectTurnArguments,
+                 ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
+                 ProjectRemoveArguments, ProjectLocateArguments, ProjectBackupsArguments,
+                 ProjectRestoreArguments, ProjectRecentArguments>;
+
+/// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
+void describeProject(CLI::App& app, ProjectCommand& into);
+
+} // namespace tamlo::cli
