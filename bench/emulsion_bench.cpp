@@ -3,10 +3,10 @@
 #include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 
-#include "core/film/adjacency.h"
-#include "core/film/classic_grain.h"
-#include "core/film/emulsion_soften.h"
-#include "core/film/halation.h"
+#include "core/film/emulsion/adjacency.h"
+#include "core/film/emulsion/emulsion_soften.h"
+#include "core/film/emulsion/halation.h"
+#include "core/film/grain/classic_grain.h"
 
 namespace tamlo {
 namespace {

@@ -1,9 +1,10 @@
 // The colour chain's hot passes, in E.
 #include "bench/unit_e.h"
 
-#include "core/film/color_negative_passes.h"
-#include "core/film/print.h"
-#include "core/film/source_light.h"
+#include "core/film/light/source_light.h"
+#include "core/film/print/color_negative_passes.h"
+#include "core/film/print/print.h"
+#include "core/image/source_exposure.h"
 
 namespace tamlo::bench {
 namespace {

@@ -2,7 +2,7 @@
 // transforms that it needs: for each channel the light, the kernel and the way back, of the padded grid.
 #include "bench/unit_e.h"
 
-#include "core/film/filters.h"
+#include "core/film/filters/filters.h"
 #include "core/image/bands.h"
 #include "platform/fft.h"
 #include "platform/worker_pool.h"

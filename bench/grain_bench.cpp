@@ -4,10 +4,10 @@
 // with grain over the chain without it.
 #include "bench/unit_e.h"
 
-#include "core/film/growth_calibration.h"
-#include "core/film/growth_grain.h"
+#include "core/film/grain/growth_calibration.h"
+#include "core/film/grain/growth_grain.h"
 #include "core/pipeline/backend.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 #include "platform/worker_pool.h"
 
 #include <fstream>

@@ -29,7 +29,7 @@ void quarterTurn(benchmark::State& state)
 {
     const RGBImage image = bench::benchPicture(state.range(0), state.range(1));
     bench::inE(state, image.pixelCount() * 3, [&] {
-        const RGBImage turned = Pipeline::orientImage(image, 90, false);
+        const RGBImage turned = Orientation::orientImage(image, 90, false);
         benchmark::DoNotOptimize(turned.data.data());
     });
 }

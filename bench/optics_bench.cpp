@@ -3,8 +3,8 @@
 #include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 
-#include "core/film/optics.h"
-#include "core/profiles/profile_store.h"
+#include "core/film/lens/optics.h"
+#include "core/profiles/catalogue/profile_store.h"
 
 namespace tamlo {
 namespace {

@@ -4,7 +4,7 @@
 #include "core/io/image_loader.h"
 #include "core/io/srgb_encode.h"
 #include "core/pipeline/backend.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 
 namespace tamlo::bench {
 namespace {

@@ -7,8 +7,8 @@
 #include "cli/arguments.h"
 #include "cli/develop_choices.h"
 #include "cli/usage_error.h"
-#include "core/film/source_light.h"
 #include "core/image/random.h"
+#include "core/image/source_exposure.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
 

@@ -4,11 +4,11 @@
 // film_*: density of each layer. paper: density of the paper over the log of the light on it. print_*: the
 // finished positive (display-linear) of a neutral scene, after couplers, paper and look, without grain and
 // halation.
-#include "core/film/color_negative.h"
-#include "core/film/development.h"
-#include "core/film/print.h"
-#include "core/profiles/film_format.h"
-#include "core/profiles/profile_store.h"
+#include "core/film/emulsion/development.h"
+#include "core/film/print/color_negative.h"
+#include "core/film/print/print.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/options/film_format.h"
 
 #include <cmath>
 #include <iostream>

@@ -5,8 +5,8 @@
 // FOLDER holds film profiles. Prints film, size, target, amount_rms as it is, what it measures, as it should
 // be. With --write that one number is replaced in the file and every other byte kept.
 // Status: 0, 1 when a file can't be used, 2 for a wrong command line.
-#include "core/pipeline/sensitometry.h"
-#include "core/profiles/profile_json.h"
+#include "core/profiles/formats/profile_json.h"
+#include "core/sensitometry/sensitometry.h"
 #include "platform/atomic_file.h"
 
 #include <nlohmann/json.hpp>

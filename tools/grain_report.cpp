@@ -3,11 +3,11 @@
 //   spectrum.csv     power along a row against frequency, growth on both paths and classic grain
 //   crops.jpg        a piece of PHOTO at 100 % on three films, printed straight from the negative
 // tools/plot_grain.py turns the tables into plots.
-#include "core/film/classic_grain.h"
-#include "core/film/growth_grain.h"
+#include "core/film/grain/classic_grain.h"
+#include "core/film/grain/growth_grain.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 
 #include <algorithm>
 #include <cmath>

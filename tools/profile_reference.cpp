@@ -1,14 +1,15 @@
 // Writes the tables of docs/profiles.md from the tables that decode the files, so that text and program tell
-// the same keys, types, ranges and meanings.
+// the same keys, types and meanings, and from the carried profiles, whose numbers make up "In use".
 //   profile_reference FILE          rewrites what stands between the markers
 //   profile_reference --check FILE  changes nothing; fails when rewriting would
 // A marker is a line "<!-- fields: film -->", and for presets "<!-- options: print -->"; a table runs from
 // there to "<!-- end -->". Each table has its place exactly once; all other text is left as it is.
-#include "core/profiles/json_codec.h"
-#include "core/profiles/preset_schema.h"
-#include "core/profiles/profile_json.h"
-#include "core/profiles/user_files.h"
+#include "core/profiles/catalogue/user_files.h"
+#include "core/profiles/formats/json_codec.h"
+#include "core/profiles/formats/profile_json.h"
+#include "core/profiles/presets/preset_schema.h"
 #include "core/text/fmt.h"
+#include "tools/in_use.h"
 
 #include <algorithm>
 #include <iostream>
@@ -91,14 +92,20 @@ bool sameBelow(const Node& a, const Node& b)
     });
 }
 
-void putRow(const std::string& path, const FieldDoc& doc, std::string& out)
+std::string number(double value)
 {
-    out += row({code(path), shortType(doc.type) + (doc.required ? ", required" : ""), doc.unit, doc.meaning});
+    return Fmt::number(value, 4);
+}
+
+void putRow(const std::string& path, const FieldDoc& doc, const Carried& profiles, std::string& out)
+{
+    out += row({code(path), shortType(doc.type) + (doc.required ? ", required" : ""), doc.unit,
+                inUse(path, doc, profiles), doc.meaning});
 }
 
 /// Rows of a block. Neighbours with the same keys, as the three layers of a film, tell them once:
 /// "layers.{r,g,b}.gamma".
-void putRows(const std::string& path, std::span<const Node> nodes, std::string& out)
+void putRows(const std::string& path, std::span<const Node> nodes, const Carried& profiles, std::string& out)
 {
     for (std::size_t first = 0; first < nodes.size();) {
         std::size_t last = first + 1;
@@ -106,38 +113,36 @@ void putRows(const std::string& path, std::span<const Node> nodes, std::string& 
         if (!nodes[first].below.empty())
             for (; last < nodes.size() && sameBelow(nodes[first], nodes[last]); ++last)
                 names += "," + nodes[last].name;
-        for (std::size_t i = first; i < last; ++i) putRow(path + "." + nodes[i].name, nodes[i].doc, out);
+        for (std::size_t i = first; i < last; ++i)
+            putRow(path + "." + nodes[i].name, nodes[i].doc, profiles, out);
         if (last - first > 1) names = "{" + names + "}";
         if (nodes[first].doc.type.starts_with("a list")) names += "[]";
-        putRows(path + "." + names, nodes[first].below, out);
+        putRows(path + "." + names, nodes[first].below, profiles, out);
         first = last;
     }
 }
 
 /// A table of the top keys, then one for each block.
 template <typename Profile>
-std::string fieldTables()
+std::string fieldTables(const std::string& folder)
 {
+    const Carried profiles = carried(folder);
     const std::vector<FieldDoc> docs = ProfileJSON::fields<Profile>();
     std::span<const FieldDoc> left(docs);
     const std::vector<Node> top = takeBelow("", left);
     if (!left.empty()) throw std::logic_error("no place for the field " + left.front().path);
 
-    const std::string head = row({"Key", "Type", "Unit", "What it is and does"}) + "|---|---|---|---|\n";
+    const std::string head =
+        row({"Key", "Type", "Unit", "In use", "What it is and does"}) + "|---|---|---|---|---|\n";
     std::string out = head;
-    for (const Node& node : top) putRow(node.name, node.doc, out);
+    for (const Node& node : top) putRow(node.name, node.doc, profiles, out);
     for (const Node& node : top) {
         if (node.below.empty()) continue;
         const bool isList = node.doc.type.starts_with("a list");
         out += "\n### " + code(node.name) + "\n\n" + head;
-        putRows(node.name + (isList ? "[]" : ""), node.below, out);
+        putRows(node.name + (isList ? "[]" : ""), node.below, profiles, out);
     }
     return out;
-}
-
-std::string number(double value)
-{
-    return Fmt::number(value, 4);
 }
 
 std::string joined(const std::vector<std::string>& texts)
@@ -216,10 +221,10 @@ struct Table {
 
 std::vector<Table> tables()
 {
-    std::vector<Table> out{{"fields: film", fieldTables<FilmProfile>()},
-                           {"fields: lens", fieldTables<LensProfile>()},
-                           {"fields: paper", fieldTables<PaperProfile>()},
-                           {"fields: filter", fieldTables<FilterProfile>()}};
+    std::vector<Table> out{{"fields: film", fieldTables<FilmProfile>("films")},
+                           {"fields: lens", fieldTables<LensProfile>("lenses")},
+                           {"fields: paper", fieldTables<PaperProfile>("papers")},
+                           {"fields: filter", fieldTables<FilterProfile>("filters")}};
     for (const PresetBlock block : PresetSchema::order())
         out.push_back({"options: " + std::string(PresetSchema::rawText(block)), blockTable(block)});
     out.push_back({"options: never", neverTable()});

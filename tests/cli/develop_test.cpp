@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <sstream>
 
 namespace tamlo::test {
 namespace {
@@ -133,7 +134,7 @@ TEST_F(DevelopTest, BadPicturesGiveOneSentence)
     }
     expectFailure(run({(sources_ / "missing.jpg").string()}), "missing.jpg");
     fs::create_directory(sources_ / "folder.jpg");
-    expectFailure(run({(sources_ / "folder.jpg").string()}), "is a folder");
+    expectFailure(run({(sources_ / "folder.jpg").string()}), "there is no picture in the folder");
 }
 
 TEST_F(DevelopTest, AWrongExtensionOfAnEncodedPictureIsNoFault)
@@ -195,7 +196,10 @@ TEST_F(DevelopTest, AnOutputThatCannotBeWrittenLeavesNothing)
     expectFailure(
         run({kPicture.string(), "--long", "64", "--out-dir", (sources_ / "file" / "deeper").string()}),
         "is not a folder");
-    expectFailure(run({kPicture.string(), "--long", "64", "--out-dir", "/proc/tamlo/out"}), "/proc/tamlo");
+    const RunResult tree = run({kPicture.string(), "--long", "64", "--out-dir", "no/such/tree"});
+    EXPECT_EQ(tree.status, 2);
+    EXPECT_NE(tree.err.find("the folder no/such/tree can't be made: there is no folder no/such"),
+              std::string::npos);
 
     for (const char* name : {"full.jpg", "full.png", "full.tif"}) {
         SCOPED_TRACE(name);
@@ -215,14 +219,120 @@ TEST_F(DevelopTest, AFullDiskKeepsTheOlderFile)
     EXPECT_EQ(readFile(scratch_ / "old.jpg"), "an earlier picture");
 }
 
-TEST_F(DevelopTest, AnInterruptLeavesNothing)
+TEST_F(DevelopTest, ARequestToEndLeavesNothing)
 {
-    RunSettings interrupt;
-    interrupt.interruptAtPhase = ": reading";
-    const RunResult result = run({kPicture.string(), kRaw.string(), "--out-dir", "out"}, interrupt);
-    EXPECT_EQ(result.status, 130) << result.err;
-    EXPECT_EQ(result.out, "");
+    RunSettings stop;
+    stop.interruptAtPhase = "developing";
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        stop.signals = {signal};
+        const RunResult result = run({kPicture.string(), kRaw.string(), "--out-dir", "out"}, stop);
+        EXPECT_EQ(result.status, 130) << result.err;
+        EXPECT_EQ(result.out, "");
+        EXPECT_TRUE(scratch_.listing().empty());
+    }
+    stop.signals = {SIGINT, SIGINT, SIGINT}; // two may arrive as one
+    const int status = run({kPicture.string(), "--out-dir", "out"}, stop).status;
+    EXPECT_TRUE(status == -SIGINT || status == 130) << status;
     EXPECT_TRUE(scratch_.listing().empty());
+}
+
+// A folder of a day's shots: its RAW and JPEG pairs both come out, what is no picture and earlier prints are
+// passed over, and each picture has its line in one of three forms.
+TEST_F(DevelopTest, TakesAFolderAndTellsOfEachPicture)
+{
+    fs::copy_file(kRaw, sources_ / "shot.dng");
+    fs::copy_file(kPicture, sources_ / "shot.jpg");
+    fs::copy_file(kSamples / "patterns" / "rgb8.png", sources_ / "10.png");
+    fs::copy_file(kSamples / "patterns" / "rgb8.png", sources_ / "9.png");
+    writeFile(sources_ / "notes.txt", "no picture");
+    writeFile(sources_ / ".hidden.jpg", "no picture");
+    const std::string folder = sources_.path().string();
+    const RunResult first = run({folder, "--long", "32", "--out-dir", folder});
+    ASSERT_EQ(first.status, 0) << first.err;
+    const std::string names = folder + "/9-tamlo.jpg\n" + folder + "/10-tamlo.jpg\n" + folder +
+                              "/shot-tamlo.jpg\n" + folder + "/shot-tamlo-jpg.jpg\n";
+    EXPECT_EQ(first.out, names);
+    EXPECT_EQ(std::count(first.err.begin(), first.err.end(), '\n'), 4) << first.err;
+    EXPECT_NE(first.err.find("[2/4] developing 10.png\n"), std::string::npos);
+
+    fs::remove(sources_ / "10-tamlo.jpg");
+    writeFile(sources_ / "bad.jpg", "no picture");
+    const RunResult second =
+        run({folder, "--long", "32", "--out-dir", folder, "--skip-existing", "--json", "--quiet"});
+    EXPECT_EQ(second.status, 1);
+    std::vector<nlohmann::json> events;
+    std::istringstream lines(second.out);
+    for (std::string line; std::getline(lines, line);) events.push_back(nlohmann::json::parse(line));
+    ASSERT_EQ(events.size(), 6u) << second.out;
+    const char* kinds[] = {"skipped", "frame", "failed", "skipped", "skipped", "done"};
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        EXPECT_EQ(events[i].at("event"), kinds[i]);
+        EXPECT_EQ(events[i].at("total"), 5);
+        EXPECT_GE(events[i].at("seconds").get<double>(), 0.0);
+        if (i < 5) {
+            EXPECT_EQ(events[i].at("n"), i + 1);
+        }
+    }
+    EXPECT_EQ(events[1].at("file"), folder + "/10-tamlo.jpg");
+    EXPECT_NE(events[2].at("error").get<std::string>().find("bad.jpg"), std::string::npos);
+    EXPECT_EQ(events[5].at("n"), 1);
+    EXPECT_EQ(second.messages().size(), 2u) << second.err; // how many failed, and why
+    EXPECT_EQ(std::count(second.err.begin(), second.err.end(), '\n'), 2);
+}
+
+TEST_F(DevelopTest, NamesPicturesByAPatternAndStandardOutput)
+{
+    const auto named = [&](const std::string& pattern) {
+        return run({kPicture.string(), "--long", "32", "--film", "Tri-X", "--name", pattern});
+    };
+    EXPECT_EQ(named("{stem}-{film}_{paper}.{ext}").out, "fig-srgb-trix400_bw_neutral.jpg\n");
+    EXPECT_EQ(named("{folder}.{n}.{source}.png").out, "color.1.jpg.png\n");
+    for (const auto& [pattern, says] : std::vector<std::pair<std::string, std::string>>{
+             {"{flim}.jpg", "no field {flim}; there are {stem}"},
+             {"{stem", "no field {stem"},
+             {"../{stem}.jpg", "“../fig-srgb.jpg”, which is no name of a file in the folder"},
+             {"a/{stem}.jpg", "no name of a file"},
+             {"{stem}.webp", "use jpg/png/tif"}}) {
+        const RunResult result = named(pattern);
+        EXPECT_EQ(result.status, 2) << pattern;
+        EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
+    }
+    EXPECT_EQ(scratch_.listing(),
+              (std::vector<std::string>{"color.1.jpg.png", "fig-srgb-trix400_bw_neutral.jpg"}));
+
+    const RunResult piped = run({kPicture.string(), "--long", "32", "--film", "Tri-X", "-o", "-"});
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_TRUE(piped.out == readFile(scratch_ / "fig-srgb-trix400_bw_neutral.jpg"));
+    EXPECT_EQ(run({kPicture.string(), kRaw.string(), "-o", "-"}).status, 2);
+    EXPECT_EQ(run({kPicture.string(), "-o", "-", "--json"}).status, 2);
+}
+
+// --long is a side of what comes out, whatever a crop, a frame or a card takes away.
+TEST_F(DevelopTest, TheLongSideIsThatOfTheFinishedPicture)
+{
+    struct Case {
+        std::vector<std::string> arguments;
+        Size size;
+    };
+    const Case cases[] = {{{}, {60, 41}},
+                          {{"--crop", "0.25,0.25,0.5,0.5"}, {60, 41}},
+                          {{"--crop", "0.1,0.1,0.2,0.8", "--rotate", "90"}, {60, 22}},
+                          {{"--border", "0.2"}, {60, 46}},
+                          {{"--format", "120", "--frame-size", "6x6"}, {60, 60}},
+                          {{"--format", "120", "--frame-size", "6x7"}, {60, 48}},
+                          {{"--format", "120", "--frame-size", "6x6", "--fit", "inside"}, {60, 41}},
+                          {{"--frame-size", "xpan", "--fit", "crop"}, {60, 22}}};
+    for (const Case& one : cases) {
+        std::vector<std::string> arguments{kPicture.string(), "--long", "60", "-o", "out.png"};
+        arguments.insert(arguments.end(), one.arguments.begin(), one.arguments.end());
+        const RunResult result = run(arguments);
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(sizeOf(scratch_ / "out.png"), one.size) << one.arguments.back();
+        EXPECT_EQ(result.err.find("wider"), std::string::npos);
+    }
+    const RunResult wide =
+        run({kPicture.string(), "--long", "60", "-o", "out.png", "--format", "120", "--crop", "0,0.3,1,0.5"});
+    EXPECT_NE(wide.err.find("mm of film, and a frame of 6x6 is 56 mm long"), std::string::npos) << wide.err;
 }
 
 // A table of stages on request: it books what ran, shares of one whole, and changes no byte of the picture.
@@ -260,7 +370,8 @@ TEST_F(DevelopTest, ThePlanIsTheSizeOfTheFile)
     const std::vector<std::vector<std::string>> choices{
         {"--long", "70"},
         {"--long", "90", "--crop", "0.1,0.2,0.5,0.4,3", "--rotate", "90", "--mirror", "--border", "0.1"},
-        {"--long", "120", "--scale", "0.5", "--format", "120", "--frame-size", "6x7", "--sheet-cm", "20"},
+        {"--long", "120", "--scale", "0.5", "--format", "120", "--frame-size", "6x7", "--sheet-cm", "20",
+         "--set", "mat=french", "table=linen"},
         {"--long", "80", "--film", "fp100c", "--print-cm", "12"}};
     RunSettings settings;
     settings.folder = scratch_.path();
@@ -274,7 +385,8 @@ TEST_F(DevelopTest, ThePlanIsTheSizeOfTheFile)
 
             const RunResult plan = runTamlo(planning, settings);
             ASSERT_EQ(plan.status, 0) << plan.err;
-            EXPECT_TRUE(plan.err.empty()) << plan.err;
+            for (const std::string& message : plan.messages())
+                EXPECT_TRUE(message.starts_with("tamlo: note: "));
             ASSERT_EQ(run(developing).status, 0);
             const nlohmann::json one = nlohmann::json::parse(plan.out).at(0);
             EXPECT_EQ(sizeOf(scratch_ / "out.png"), (Size{one.at("width"), one.at("height")}));

@@ -158,6 +158,14 @@ TEST_F(ExchangeTest, CheckTellsAllThatIsWrongWithEachFile)
     EXPECT_NE(messages[3].find("text.tprofile"), std::string::npos);
     EXPECT_NE(messages[4].find("none"), std::string::npos);
     EXPECT_FALSE(fs::exists(scratch_ / "user"));
+
+    nlohmann::json film = nlohmann::json::parse(run({"show", "film", "portra400"}).out);
+    film["couplers"]["matrix"] = {{1, 0, 0}, {0, 1, 0}};
+    writeFile(scratch_ / "crooked.tprofile", film.dump());
+    const RunResult crooked = run({"check", "crooked.tprofile"});
+    EXPECT_EQ(crooked.status, 0);
+    EXPECT_NE(crooked.err.find("couplers.matrix is not three rows of three numbers"), std::string::npos)
+        << crooked.err;
 }
 
 } // namespace

@@ -1,9 +1,6 @@
 #include "tests/cli/run_tamlo.h"
 
-#include <algorithm>
-#include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -43,7 +40,7 @@ namespace fs = std::filesystem;
     _exit(99);
 }
 
-/// Ends when the child does; sends SIGINT once the text stands in its standard error.
+/// Ends when the child does; sends the signals once the text stands in its standard error.
 int waitFor(pid_t child, const RunSettings& settings, const fs::path& err)
 {
     int state = 0;
@@ -51,7 +48,7 @@ int waitFor(pid_t child, const RunSettings& settings, const fs::path& err)
     while (!sent) {
         if (waitpid(child, &state, WNOHANG) == child) return state;
         if (readFile(err).find(*settings.interruptAtPhase) != std::string::npos) {
-            kill(child, SIGINT);
+            for (const int signal : settings.signals) kill(child, signal);
             sent = true;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
@@ -86,43 +83,6 @@ RunResult runTamlo(const std::vector<std::string>& arguments, const RunSettings&
     if (settings.outputTo.empty()) result.out = readFile(out);
     result.err = readFile(err);
     return result;
-}
-
-ScratchFolder::ScratchFolder()
-{
-    std::string name = (fs::temp_directory_path() / "tamlo-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder");
-    path_ = name;
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-}
-
-std::vector<std::string> ScratchFolder::listing() const
-{
-    std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(path_))
-        names.push_back(entry.path().lexically_relative(path_).string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string readFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void writeFile(const fs::path& path, const std::string& bytes)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << bytes;
-    if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
 } // namespace tamlo::test

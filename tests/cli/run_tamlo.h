@@ -1,7 +1,10 @@
 // Runs the built program as a user would and keeps what it said.
 #pragma once
 
+#include "tests/support/scratch_folder.h"
+
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -15,6 +18,7 @@ struct RunSettings {
     std::map<std::string, std::string> environment; ///< added to ours
     std::optional<std::size_t> fileSizeLimit;       ///< bytes that a file may have: a full disk
     std::optional<std::string> interruptAtPhase;    ///< Ctrl-C as soon as standard error tells this
+    std::vector<int> signals{SIGINT};               ///< what is sent then
     std::string outputTo;                           ///< file that takes standard output; empty: kept
 };
 
@@ -28,25 +32,5 @@ struct RunResult {
 };
 
 RunResult runTamlo(const std::vector<std::string>& arguments, const RunSettings& settings);
-
-/// A folder of its own for a test, removed with it.
-class ScratchFolder {
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-    /// Every file and folder below, relative and sorted.
-    std::vector<std::string> listing() const;
-
-private:
-    std::filesystem::path path_;
-};
-
-std::string readFile(const std::filesystem::path& path);
-void writeFile(const std::filesystem::path& path, const std::string& bytes);
 
 } // namespace tamlo::test

@@ -1,4 +1,4 @@
-#include "core/film/classic_grain.h"
+#include "core/film/grain/classic_grain.h"
 
 #include "core/image/gaussian.h"
 #include "core/image/position_hash.h"

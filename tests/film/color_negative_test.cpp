@@ -1,10 +1,10 @@
-#include "core/film/color_negative.h"
-#include "core/film/color_negative_passes.h"
-#include "core/film/dev_field.h"
-#include "core/film/development.h"
-#include "core/film/print.h"
+#include "core/film/emulsion/dev_field.h"
+#include "core/film/emulsion/development.h"
+#include "core/film/print/color_negative.h"
+#include "core/film/print/color_negative_passes.h"
+#include "core/film/print/print.h"
 #include "core/image/zcolor.h"
-#include "core/profiles/profile_error.h"
+#include "core/profiles/formats/profile_error.h"
 #include "tests/support/pictures.h"
 
 #include <limits>
@@ -199,6 +199,11 @@ TEST(ColorNegative, CouplersByProfileAndInterlayer)
     EXPECT_EQ(GPUCouplers(negative, true, true, true).mode, Mode::scalar);
     EXPECT_EQ(GPUCouplers(datasheet, false, true, false).mode, Mode::scalar);
     EXPECT_EQ(GPUCouplers(datasheet, false, true, true).mode, Mode::matrix);
+    Couplers crooked = datasheet;
+    crooked.matrix = ProfileMatrix{{1, 0, 0}, {0, 1, 0}};
+    EXPECT_EQ(GPUCouplers(crooked, false, true, true).mode, Mode::scalar)
+        << "passed over, for no other matrix";
+    EXPECT_EQ(GPUCouplers(crooked, true, false, true).mode, Mode::matrix) << "a slide never reads it";
     EXPECT_EQ(GPUCouplers(broken, false, true, true).mode, Mode::scalar);
 
     const RGBImage red(1, 1, {0.4f, 0.1f, 0.1f});

@@ -1,4 +1,4 @@
-#include "core/film/print.h"
+#include "core/film/print/print.h"
 
 #include <cmath>
 #include <limits>

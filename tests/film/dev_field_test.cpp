@@ -1,4 +1,4 @@
-#include "core/film/dev_field.h"
+#include "core/film/emulsion/dev_field.h"
 #include "tests/support/pictures.h"
 
 namespace tamlo {
@@ -73,19 +73,28 @@ TEST(DevField, RunsOnlyWhereATankIs)
                                      {"instant", false},
                                      {"collodion", false}}) {
         film.type = type;
-        EXPECT_EQ(Pipeline::unevenField({64, 48}, 500.0, "135", film, options).has_value(), runs) << type;
+        EXPECT_EQ(DevField::unevenField({64, 48}, 500.0, "135", film, options).has_value(), runs) << type;
     }
     film.type = "color";
     options.devUneven = 0.00005;
-    EXPECT_FALSE(Pipeline::unevenField({64, 48}, 500.0, "135", film, options));
+    EXPECT_FALSE(DevField::unevenField({64, 48}, 500.0, "135", film, options));
     options.devUneven = 1.0;
-    const Plane first = *Pipeline::unevenField({64, 48}, 500.0, "135", film, options);
+    const Plane first = *DevField::unevenField({64, 48}, 500.0, "135", film, options);
     options.seedVariants = SeedVariants{{"frame", 3}};
     EXPECT_TRUE(
-        test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
+        test::sameBytes(first.data, DevField::unevenField({64, 48}, 500.0, "135", film, options)->data));
     options.seedVariants = SeedVariants{{"develop", 1}};
     EXPECT_FALSE(
-        test::sameBytes(first.data, Pipeline::unevenField({64, 48}, 500.0, "135", film, options)->data));
+        test::sameBytes(first.data, DevField::unevenField({64, 48}, 500.0, "135", film, options)->data));
+}
+
+// A strip of one pixel's height is 720 m of film, with 151,579 holes.
+TEST(DevField, LaysAThinPictureOutInBoundedWork)
+{
+    const Plane strip = fieldOf({30'000, 1}, 24'000.0, "135");
+    EXPECT_EQ(strip.size(), (Size{30'000, 1}));
+    EXPECT_GT(strip.std(), 0.0);
+    EXPECT_LE(std::abs(strip.mean()), 0.8);
 }
 
 TEST(DevField, LeavesTheBaseAloneAndTurnsRoundOnASlide)

@@ -1,7 +1,7 @@
-#include "core/film/adjacency.h"
-#include "core/film/blur_bands.h"
-#include "core/film/emulsion_soften.h"
-#include "core/film/halation.h"
+#include "core/film/emulsion/adjacency.h"
+#include "core/film/emulsion/emulsion_soften.h"
+#include "core/film/emulsion/halation.h"
+#include "core/image/blur_bands.h"
 
 #include "core/image/gaussian.h"
 #include "core/image/position_hash.h"

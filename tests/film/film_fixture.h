@@ -1,7 +1,7 @@
 // A film of each type with the plainest curves, for tests of what is done to a film's numbers.
 #pragma once
 
-#include "core/profiles/film_profile.h"
+#include "core/profiles/formats/film_profile.h"
 
 namespace tamlo::test {
 

@@ -1,4 +1,4 @@
-#include "core/film/film_state.h"
+#include "core/film/emulsion/film_state.h"
 #include "tests/film/film_fixture.h"
 
 #include <cmath>
@@ -44,29 +44,43 @@ TEST(FilmState, FreshFilmAndPlatesAreLeftAlone)
     EXPECT_EQ(FilmState::apply(filmOf("bw", 7.6), redscale).film, filmOf("bw", 7.6));
 }
 
+double fogOf(const NegativeLayer& layer)
+{
+    return (layer.dmin - 0.2) / 2.0;
+}
+
+// Coarse grain ages faster, within bounds: films that have aged alike come out alike, and every year takes
+// light, span and slope, blue first.
 TEST(FilmState, FogByAgeGrainAndLayer)
 {
-    struct Case {
-        double grainUm, years, shift, red, green, blue;
-    };
-    for (const Case& c :
-         {Case{6.4, 10, -0.399, 0.0378, 0.0498, 0.0730}, Case{6.4 * 0.4, 20, -0.399, 0.0378, 0.0498, 0.0730},
-          Case{6.4 * 4.0, 10 / 2.8, -0.399, 0.0378, 0.0498, 0.0730}}) {
-        const FilmState::Result state = FilmState::apply(filmOf("color", c.grainUm), aged(c.years));
-        EXPECT_NEAR(state.exposureShift, c.shift, 1e-3) << c.grainUm;
-        EXPECT_NEAR((state.film.layers->r.dmin - 0.2) / 2.0, c.red, 1e-4);
-        EXPECT_NEAR((state.film.layers->g.dmin - 0.2) / 2.0, c.green, 1e-4);
-        EXPECT_NEAR((state.film.layers->b.dmin - 0.2) / 2.0, c.blue, 1e-4);
-        EXPECT_EQ(state.film.layers->b.dmax, 2.2);
-        EXPECT_NEAR(state.film.layers->g.gamma, 0.6 * (1.0 - c.green), 1e-4);
-        EXPECT_NEAR(*state.film.layers->g.midDensity, 0.85 * (1.0 - c.green), 1e-4);
-        EXPECT_NEAR(*state.film.layers->g.toe, 1.5 * (1.0 + 0.4 * c.green), 1e-4);
-        EXPECT_NEAR(*state.film.grain->amount, 0.05 * std::sqrt(1.0 + 2.0 * c.green / 0.85), 1e-5);
+    const FilmState::Result ten = FilmState::apply(filmOf("color", 6.4), aged(10.0));
+    EXPECT_NEAR(ten.exposureShift, -0.399, 1e-3) << "a stop in about thirty years";
+    for (const auto& [grainUm, years] :
+         {std::pair{3.2, 20.0}, {12.8, 5.0}, {6.4 * 0.4, 20.0}, {6.4 * 4.0, 10.0 / 2.8}}) {
+        const FilmState::Result same = FilmState::apply(filmOf("color", grainUm), aged(years));
+        EXPECT_NEAR(same.exposureShift, ten.exposureShift, 1e-12) << grainUm;
+        EXPECT_NEAR(same.film.layers->b.dmin, ten.film.layers->b.dmin, 1e-12) << grainUm;
     }
-    EXPECT_NEAR(FilmState::apply(filmOf("color", 6.4), aged(80.0)).exposureShift, -2.34, 5e-3);
+    for (double years = 5.0; years < 80.0; years += 15.0) {
+        const FilmState::Result state = FilmState::apply(filmOf("color", 6.4), aged(years));
+        const FilmState::Result later = FilmState::apply(filmOf("color", 6.4), aged(years + 15.0));
+        const ColorLayers& l = *state.film.layers;
+        EXPECT_LT(later.exposureShift, state.exposureShift);
+        EXPECT_GT(*later.film.grain->amount, *state.film.grain->amount);
+        EXPECT_LT(fogOf(l.r), fogOf(l.g));
+        EXPECT_LT(fogOf(l.g), fogOf(l.b));
+        for (const NegativeLayer* layer : {&l.r, &l.g, &l.b}) {
+            EXPECT_EQ(layer->dmax, 2.2) << "fog comes from below";
+            // The curve shrinks into the span that is left.
+            EXPECT_NEAR(layer->gamma / 0.6, (layer->dmax - layer->dmin) / 2.0, 1e-12);
+            EXPECT_NEAR(*layer->midDensity / 0.85, layer->gamma / 0.6, 1e-12);
+        }
+        EXPECT_LT(fogOf(later.film.layers->b), 0.55) << "fog has its limit";
+    }
 
     const FilmState::Result slide = FilmState::apply(filmOf("slide", 5.6), aged(30.0));
-    EXPECT_NEAR(slide.film.layers->g.dmin - 0.2, 0.1 * (2.2 - slide.film.layers->g.dmax), 1e-12);
+    EXPECT_LT(slide.film.layers->g.dmin - 0.2, 0.2 * (2.2 - slide.film.layers->g.dmax))
+        << "a slide loses its black and hardly fogs";
     FilmProfile thin = filmOf("color", 6.4);
     thin.layers->b.dmax = 0.2;
     EXPECT_GT(FilmState::apply(thin, aged(80.0)).film.layers->b.gamma, 0.0);
@@ -105,9 +119,9 @@ TEST(FilmState, InstantPacksAgeByTheirPaste)
     film.texture.emplace();
     film.texture->mottleAmp = 1.0;
     const FilmState::Result ten = FilmState::apply(film, aged(10.0));
-    EXPECT_NEAR(ten.exposureShift, -0.458, 1e-3);
-    EXPECT_NEAR(*ten.film.texture->mottleAmp, 1.547, 1e-3);
-    EXPECT_NEAR(ten.film.layers->r.gamma, 0.6 * (1.0 - 0.5 * 0.1824), 1e-4);
+    EXPECT_LT(ten.exposureShift, 0.0);
+    EXPECT_GT(*ten.film.texture->mottleAmp, 1.0);
+    EXPECT_LT(ten.film.layers->r.gamma, 0.6);
     EXPECT_EQ(ten.film.dminRef->at("b"), 0.2);
     EXPECT_EQ(FilmState::apply(film, aged(40.0)).film, FilmState::apply(film, aged(80.0)).film);
 

@@ -1,9 +1,9 @@
 // Star and streak filters: where the light goes, and that none is lost.
-#include "core/film/filters.h"
-#include "core/film/ray_kernel.h"
-#include "core/film/resample_bands.h"
+#include "core/film/filters/filters.h"
+#include "core/film/filters/ray_kernel.h"
 #include "core/image/fft_convolve.h"
 #include "core/image/resample.h"
+#include "core/image/resample_bands.h"
 #include "tests/support/pictures.h"
 
 #include <hwy/targets.h>

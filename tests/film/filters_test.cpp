@@ -1,6 +1,6 @@
 // Colour, diffusion and graduated filters, and how names and slots lead to them.
-#include "core/film/filters.h"
-#include "core/film/source_light.h"
+#include "core/film/filters/filters.h"
+#include "core/film/light/source_light.h"
 #include "core/image/gaussian.h"
 #include "core/image/zcolor.h"
 #include "tests/support/pictures.h"
@@ -116,7 +116,7 @@ TEST(DiffusionFilter, HazeLiftsDarkPlacesTowardTheMean)
     const RGBImage bright = test::noisePicture(96, 64, 9);
     const RGBImage bloomed = Filters::applyDiffusion(bright, diffusionOf(0.3, 0.0), 1.0);
     const RGBImage both = Filters::applyDiffusion(bright, diffusionOf(0.3, 0.1), 1.0);
-    const double mean = Filters::meanLuma(bloomed);
+    const double mean = SourceLight::meanLuma(bloomed);
     EXPECT_NEAR(both.data[100], bloomed.data[100] * 0.95 + 0.1 * mean, 1e-5 * (1.0 + mean));
 
     const RGBImage noise = test::noisePicture(40, 30, 2);

@@ -1,6 +1,6 @@
 // What growth grain measures: granularity through apertures, tone, spectrum, independence of layers, and the
 // calibration behind them.
-#include "core/film/classic_grain.h"
+#include "core/film/grain/classic_grain.h"
 #include "tests/film/growth_twin.h"
 #include "tests/support/pictures.h"
 

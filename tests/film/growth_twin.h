@@ -1,9 +1,9 @@
 // The model of growth grain written out site by site, slowly and plainly: the oracle of the fast path.
 #pragma once
 
-#include "core/film/growth_calibration.h"
-#include "core/film/growth_grain.h"
-#include "core/film/growth_random.h"
+#include "core/film/grain/growth_calibration.h"
+#include "core/film/grain/growth_grain.h"
+#include "core/film/grain/growth_random.h"
 #include "core/image/gaussian.h"
 #include "core/image/position_hash.h"
 

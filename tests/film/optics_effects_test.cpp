@@ -1,6 +1,6 @@
 // Each effect of the lens alone, against what it claims.
-#include "core/film/optics.h"
-#include "core/film/optics_field.h"
+#include "core/film/lens/optics.h"
+#include "core/film/lens/optics_field.h"
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
 #include "tests/film/optics_pictures.h"

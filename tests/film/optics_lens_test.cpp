@@ -1,10 +1,10 @@
 // The field and the whole lens: geometry of the smear, identity, sizes, workers, vector targets.
-#include "core/film/optics.h"
-#include "core/film/optics_field.h"
-#include "core/film/optics_field_passes.h"
+#include "core/film/lens/optics.h"
+#include "core/film/lens/optics_field.h"
+#include "core/film/lens/optics_field_passes.h"
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 #include "tests/film/optics_pictures.h"
 
 #include <hwy/targets.h>

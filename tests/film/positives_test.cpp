@@ -1,13 +1,13 @@
 // Black-and-white, slide and scan: every way from the film to a positive but the colour negative's.
-#include "core/film/black_and_white.h"
-#include "core/film/black_and_white_passes.h"
-#include "core/film/development.h"
-#include "core/film/print.h"
-#include "core/film/scan.h"
-#include "core/film/slide.h"
-#include "core/film/slide_passes.h"
-#include "core/profiles/profile_error.h"
-#include "core/profiles/profile_store.h"
+#include "core/film/emulsion/development.h"
+#include "core/film/print/black_and_white.h"
+#include "core/film/print/black_and_white_passes.h"
+#include "core/film/print/print.h"
+#include "core/film/print/scan.h"
+#include "core/film/print/slide.h"
+#include "core/film/print/slide_passes.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/formats/profile_error.h"
 #include "tests/support/pictures.h"
 
 #include <hwy/targets.h>

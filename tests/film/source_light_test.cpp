@@ -1,5 +1,6 @@
-#include "core/film/emulsion_input.h"
-#include "core/film/source_light.h"
+#include "core/film/light/emulsion_input.h"
+#include "core/film/light/source_light.h"
+#include "core/image/source_exposure.h"
 #include "core/image/zcolor.h"
 #include "tests/support/pictures.h"
 
@@ -64,7 +65,7 @@ TEST(SourceLight, TintKeepsLuminanceAndKnobsAtRestKeepTheBits)
 {
     const RGBImage image = test::noisePicture(33, 17, 1);
     RenderOptions options;
-    EXPECT_EQ(Filters::applySource(image, FilmProfile{}, options).data.data(), image.data.data());
+    EXPECT_EQ(SourceLight::applySource(image, FilmProfile{}, options).data.data(), image.data.data());
 
     FilmProfile tungsten;
     tungsten.balance = FilmBalance{3200.0};
@@ -73,7 +74,7 @@ TEST(SourceLight, TintKeepsLuminanceAndKnobsAtRestKeepTheBits)
             for (const double tint : {-40.0, 0.0, 40.0}) {
                 options.wbTemp = temp;
                 options.wbTint = tint;
-                const auto gains = Filters::gains(film, options);
+                const auto gains = SourceLight::gains(film, options);
                 ASSERT_TRUE(gains);
                 EXPECT_NEAR(ZColor::lumaOf((*gains)[0], (*gains)[1], (*gains)[2]), 1.0f, 1e-6f);
                 if (tint == 0.0) {
@@ -83,8 +84,8 @@ TEST(SourceLight, TintKeepsLuminanceAndKnobsAtRestKeepTheBits)
     options.wbTemp = 50.0;
     options.wbTint = 0.0;
     options.sourceGain = 2.0;
-    const Vec3f g = *Filters::gains(FilmProfile{}, options);
-    const RGBImage lit = Filters::applySource(image, FilmProfile{}, options);
+    const Vec3f g = *SourceLight::gains(FilmProfile{}, options);
+    const RGBImage lit = SourceLight::applySource(image, FilmProfile{}, options);
     for (std::size_t i = 0; i < image.data.size(); ++i)
         ASSERT_EQ(lit.data[i], image.data[i] * 2.0f * g[i % 3]);
 }
@@ -150,7 +151,7 @@ TEST(SourceLight, MeansDoNotDependOnWorkers)
     double reference = 0.0;
     for (const int workers : {1, 2, 7}) {
         const platform::WorkerLimit limit(workers);
-        const double mean = Filters::meanLuma(image);
+        const double mean = SourceLight::meanLuma(image);
         if (workers == 1) reference = mean;
         EXPECT_EQ(mean, reference);
     }

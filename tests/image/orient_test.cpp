@@ -27,7 +27,7 @@ TEST(Orient, QuartersOfDegrees)
     const int cases[][2] = {{0, 0},    {90, 1},  {180, 2}, {270, 3}, {360, 0}, {-90, 3},
                             {-180, 2}, {450, 1}, {44, 0},  {45, 1},  {-45, 3}};
     for (const auto& [degrees, quarter] : cases)
-        EXPECT_EQ(Pipeline::orientQuarter(degrees), quarter) << degrees;
+        EXPECT_EQ(Orientation::orientQuarter(degrees), quarter) << degrees;
 }
 
 TEST(Orient, AllEightAgreeWithTheDefinition)
@@ -38,7 +38,7 @@ TEST(Orient, AllEightAgreeWithTheDefinition)
                 const RGBImage image = test::testImage(size.width, size.height);
                 const RGBImage expected = slowOrient(image, quarter, mirror);
                 test::expectSameForAnyWorkers([&] {
-                    RGBImage out = Pipeline::orientImage(image, quarter * 90, mirror);
+                    RGBImage out = Orientation::orientImage(image, quarter * 90, mirror);
                     EXPECT_TRUE(test::sameBytes(out, expected)) << quarter << mirror;
                     return out;
                 });
@@ -51,10 +51,10 @@ TEST(Orient, WorksInPlaceWhereItCan)
     for (const auto& [degrees, mirror] : {std::pair{0, false}, {180, false}, {0, true}, {180, true}}) {
         RGBImage image = test::testImage(9, 5);
         const float* block = image.data.data();
-        EXPECT_EQ(Pipeline::orientImage(std::move(image), degrees, mirror).data.data(), block) << degrees;
+        EXPECT_EQ(Orientation::orientImage(std::move(image), degrees, mirror).data.data(), block) << degrees;
     }
     const RGBImage shared = test::testImage(9, 5);
-    EXPECT_EQ(Pipeline::orientImage(shared, 360, false).data.data(), shared.data.data());
+    EXPECT_EQ(Orientation::orientImage(shared, 360, false).data.data(), shared.data.data());
 }
 
 TEST(Orient, Rotated90)
@@ -63,7 +63,7 @@ TEST(Orient, Rotated90)
     const RGBImage turned = rotated90(image, true);
     EXPECT_EQ(turned.size(), (Size{2, 3}));
     EXPECT_EQ(turned.pixel(1, 2), image.pixel(2, 0)); // column 1 of row 2: x = 2, y = 2 - 1 - 1
-    EXPECT_TRUE(test::sameBytes(rotated90(turned, true), Pipeline::orientImage(image, 180, false)));
+    EXPECT_TRUE(test::sameBytes(rotated90(turned, true), Orientation::orientImage(image, 180, false)));
     EXPECT_TRUE(test::sameBytes(rotated90(turned, false), image));
 }
 

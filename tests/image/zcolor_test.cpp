@@ -1,6 +1,7 @@
 #include "core/image/zcolor.h"
 
 #include <cmath>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,35 @@ TEST(ZColor, WhiteOfDaylightIsNearNeutralAndOfTungstenRed)
         // Luminance of every white is 1, but for the matrix's four decimals and the floor of each channel.
         const Vec3d w = ZColor::kelvinToLinearSRGBWhite(k);
         EXPECT_NEAR(0.2126 * w[0] + 0.7152 * w[1] + 0.0722 * w[2], 1.0, 0.02) << k;
+    }
+}
+
+/// CIE 1960 u, v of a colour in linear sRGB. Source of the matrix: IEC 61966-2-1.
+std::pair<double, double> uvOf(const Vec3d& rgb)
+{
+    const double x = 0.4124 * rgb[0] + 0.3576 * rgb[1] + 0.1805 * rgb[2];
+    const double y = 0.2126 * rgb[0] + 0.7152 * rgb[1] + 0.0722 * rgb[2];
+    const double z = 0.0193 * rgb[0] + 0.1192 * rgb[1] + 0.9505 * rgb[2];
+    const double sum = x + 15.0 * y + 3.0 * z;
+    return {4.0 * x / sum, 6.0 * y / sum};
+}
+
+// The black body's path as it is published: A. R. Robertson, "Computation of correlated color temperature and
+// distribution temperature", J. Opt. Soc. Am. 58 (1968), and illuminant A of CIE 15.
+TEST(ZColor, WhitesLieOnThePublishedPathOfABlackBody)
+{
+    const struct {
+        double mired, u, v;
+    } published[] = {{50, 0.18388, 0.27709},          {80, 0.18740, 0.28668},  {100, 0.19032, 0.29326},
+                     {125, 0.19462, 0.30141},         {150, 0.19962, 0.30921}, {175, 0.20525, 0.31647},
+                     {200, 0.21142, 0.32312},         {250, 0.22511, 0.33439}, {300, 0.24010, 0.34308},
+                     {350, 0.25591, 0.34951},         {400, 0.27218, 0.35407}, {450, 0.28863, 0.35714},
+                     {1e6 / 2856.0, 0.25597, 0.34954}};
+    for (const auto& point : published) {
+        const auto [u, v] = uvOf(ZColor::kelvinToLinearSRGBWhite(1e6 / point.mired));
+        // A just noticeable difference of white is about 0.001 here.
+        EXPECT_NEAR(u, point.u, 0.0007) << point.mired;
+        EXPECT_NEAR(v, point.v, 0.0007) << point.mired;
     }
 }
 

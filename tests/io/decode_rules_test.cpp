@@ -72,7 +72,7 @@ TEST(DecodeRules, OrientationsAsExifDescribesThem)
     };
     for (const auto& c : cases) {
         const ExifTurn turn = exifOrient(c.value);
-        const RGBImage seen = Pipeline::orientImage(stored, turn.turns * 90, turn.mirror);
+        const RGBImage seen = Orientation::orientImage(stored, turn.turns * 90, turn.mirror);
         EXPECT_EQ(seen.width, c.value >= 5 && c.value <= 8 ? 2 : 3) << c.value;
         std::vector<float> values;
         for (std::int64_t i = 0; i < 6; ++i) values.push_back(seen.data[static_cast<std::size_t>(i * 3)]);

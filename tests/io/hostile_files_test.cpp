@@ -4,6 +4,7 @@
 #include "core/io/raw_decode.h"
 #include "tests/io/loader_support.h"
 
+#include <algorithm>
 #include <random>
 
 #include <sys/stat.h>
@@ -15,19 +16,25 @@ using test::errorOf;
 using test::sample;
 
 /// Decodes by family, as the loader does.
-void load(const std::filesystem::path& path)
+void load(const std::filesystem::path& path, Damage damage = Damage::refused)
 {
     if (isRAW(path))
         static_cast<void>(loadRAWLinear(path, 1.0, true, WBMode::film));
     else
-        static_cast<void>(decodeEncoded(path));
+        static_cast<void>(decodeEncoded(path, damage));
 }
 
 const char* const kKinds[] = {
-    "metadata/full-exif.jpg",       "orientation/orientation-6.jpg",   "patterns/rgb8.png",
-    "patterns/rgb8-interlaced.png", "patterns/palette-alpha.png",      "patterns/rgb8.tif",
-    "patterns/rgb8-packbits.tif",   "patterns/rgb16-tiled-planar.tif", "patterns/palette.tif",
-    "patterns/rgb-float.tif",       "heic/dogs-rotated-irot.heic",     "patterns/patches.dng",
+    "metadata/full-exif.jpg",      "orientation/orientation-6.jpg",
+    "patterns/rgb8.png",           "patterns/rgb8-interlaced.png",
+    "patterns/palette-alpha.png",  "patterns/rgb8.tif",
+    "patterns/rgb8-packbits.tif",  "patterns/rgb16-tiled-planar.tif",
+    "patterns/palette.tif",        "patterns/rgb-float.tif",
+    "heic/dogs-rotated-irot.heic", "patterns/patches.dng",
+    "patterns/rgb-double.tif",     "modern/two-pictures.heic",
+    "modern/fig-display-p3.avif",  "modern/orientation-6.webp",
+    "modern/rgba8.webp",           "modern/two-pictures.webp",
+    "modern/orientation-6.jxl",    "modern/rgba16.jxl",
 };
 
 TEST(HostileFiles, CutShortAnywhereFails)
@@ -62,8 +69,41 @@ TEST(HostileFiles, FlippedBytesGiveAPictureOrAnError)
                 damaged[random() % reach] = static_cast<char>(random() & 0xff);
             test::writeBytes(path, damaged);
             errorOf([&] { load(path); });
+            if (path.extension() == ".jpg" || path.extension() == ".tif")
+                errorOf([&] { load(path, Damage::tolerated); });
         }
     }
+}
+
+// A picture whose file ends after three quarters is whole in its first third, and told to be damaged.
+TEST(HostileFiles, WhatCanBeDecodedIsTakenWhereThatIsAskedFor)
+{
+    const test::ScratchFolder folder;
+    for (const char* kind :
+         {"color/fig-srgb.jpg", "color/fig-cmyk-profiled.jpg", "color/fig-gray.jpg", "patterns/rgb8.tif",
+          "patterns/rgb8-packbits.tif", "patterns/rgb16-bigendian.tif", "patterns/rgb8-tiled.tif",
+          "patterns/grey8.tif"}) {
+        const std::vector<char> bytes = test::readBytes(sample(kind));
+        const auto path = folder / ("half" + sample(kind).extension().string());
+        test::writeBytes(path,
+                         {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() * 3 / 4)});
+        EXPECT_FALSE(errorOf([&] { load(path); }).empty()) << kind;
+        const EncodedDecode half = decodeEncoded(path, Damage::tolerated),
+                            whole = decodeEncoded(sample(kind));
+        ASSERT_EQ(half.notes.size(), 1u) << kind;
+        EXPECT_NE(half.notes[0].find("is damaged (the file is cut short)"), std::string::npos)
+            << half.notes[0];
+        const auto third = static_cast<std::size_t>(whole.height / 3 * whole.width * 4);
+        EXPECT_TRUE(std::ranges::equal(half.rgba.bytes(third), whole.rgba.bytes(third))) << kind;
+        const EncodedDecode sound = decodeEncoded(sample(kind), Damage::tolerated);
+        EXPECT_TRUE(sound.notes.empty()) << kind;
+        EXPECT_EQ(test::meanDifference(sound, whole), 0.0) << kind;
+    }
+    // Where nothing can be decoded there is no picture.
+    const std::vector<char> jpeg = test::readBytes(sample("color/fig-srgb.jpg"));
+    const auto path = folder / "head.jpg";
+    test::writeBytes(path, {jpeg.begin(), jpeg.begin() + 300});
+    EXPECT_FALSE(errorOf([&] { load(path, Damage::tolerated); }).empty());
 }
 
 TEST(HostileFiles, WhatIsNoPictureIsNamed)
@@ -71,6 +111,9 @@ TEST(HostileFiles, WhatIsNoPictureIsNamed)
     const test::ScratchFolder folder;
     const auto textFile = folder / "letter.jpg";
     test::writeBytes(textFile, {'D', 'e', 'a', 'r', ' ', 's', 'i', 'r', '\n'});
+    const auto gif = folder / "dance.gif", psd = folder / "layers.psd";
+    test::writeBytes(gif, {'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0});
+    test::writeBytes(psd, {'8', 'B', 'P', 'S', 0, 1});
     const auto empty = folder / "empty.png";
     test::writeBytes(empty, {});
     const auto pipe = folder / "pipe.jpg";
@@ -87,7 +130,9 @@ TEST(HostileFiles, WhatIsNoPictureIsNamed)
         const char* start;
         const char* reason;
     } cases[] = {
-        {textFile, "cannot decode ", "it is not a JPEG, PNG, TIFF or HEIF picture"},
+        {textFile, "cannot decode ", "it is not a JPEG, PNG, TIFF, HEIF, AVIF, WebP or JPEG XL picture"},
+        {gif, "cannot decode ", "GIF is not read"},
+        {psd, "cannot decode ", "PSD is not read"},
         {empty, "cannot decode ", "the file is empty"},
         {pipe, "cannot decode ", "it is not an ordinary file"},
         {folder / "missing.jpg", "cannot decode ", "No such file or directory"},

@@ -1,6 +1,6 @@
 #include "core/io/image_loader.h"
 
-#include "core/film/source_light.h"
+#include "core/image/source_exposure.h"
 #include "tests/io/loader_support.h"
 
 #include <cstring>

@@ -57,16 +57,20 @@ RGBImage picture(std::int64_t width, std::int64_t height)
 OutputMetadata fullMetadata()
 {
     OutputMetadata m = OutputMetadata::plain("Tamlo 0.1");
+    m.make = "Leica";
     m.camera = "Leica M6";
     m.lensModel = "Summicron 35";
     m.focalMm = 35.0;
     m.fNumber = 2.8;
     m.exposureSec = 0.004;
     m.iso = 400;
-    m.dateOriginal = 1'000'000'000;
+    m.dateOriginal = "2001:09:09 01:46:40";
+    m.timeZone = "-03:30";
     m.keywords = {"Tamlo", "Портра", "Kodak"};
     m.author = "Å. Author";
     m.copyright = "(c) Author";
+    m.pixelsPerInch = 240.5;
+    m.recipe = R"({"stamp_text":"<a & \"b\">"})";
     return m;
 }
 
@@ -115,6 +119,7 @@ TEST_F(ImageWriterTest, EveryFormatComesBackWithItsSamplesAndProfile)
 TEST_F(ImageWriterTest, MetadataComesBackFromEveryFormat)
 {
     const std::map<std::string, std::string> expected{
+        {"Exif.Image.Make", "Leica"},
         {"Exif.Image.Model", "Leica M6"},
         {"Exif.Image.Orientation", "1"},
         {"Exif.Image.Software", "Tamlo 0.1"},
@@ -125,13 +130,17 @@ TEST_F(ImageWriterTest, MetadataComesBackFromEveryFormat)
         {"Exif.Photo.FNumber", "2800/1000"},
         {"Exif.Photo.ExposureTime", "1/250"},
         {"Exif.Photo.ISOSpeedRatings", "400"},
-        {"Exif.Photo.DateTimeOriginal", exifDate(1'000'000'000)},
-        {"Exif.Photo.DateTimeDigitized", exifDate(1'000'000'000)},
+        {"Exif.Photo.DateTimeOriginal", "2001:09:09 01:46:40"},
+        {"Exif.Photo.DateTimeDigitized", "2001:09:09 01:46:40"},
+        {"Exif.Photo.OffsetTimeOriginal", "-03:30"},
+        {"Exif.Photo.OffsetTimeDigitized", "-03:30"},
+        {"Exif.Image.ResolutionUnit", "2"},
         {"Iptc.Application2.Keywords", "Tamlo|Портра|Kodak"},
         {"Iptc.Application2.Byline", "Å. Author"},
         {"Iptc.Application2.Copyright", "(c) Author"},
         {"Xmp.dc.subject", "Tamlo, Портра, Kodak"},
         {"Xmp.dc.creator", "Å. Author"},
+        {"Xmp.tamlo.Recipe", R"({"stamp_text":"<a & \"b\">"})"},
     };
     for (const char* name : {"a.jpg", "a.png", "a.tif"}) {
         ImageWriter::save(picture(40, 30), in(name), 95, fullMetadata());
@@ -141,6 +150,7 @@ TEST_F(ImageWriterTest, MetadataComesBackFromEveryFormat)
             EXPECT_EQ(read.at(key), value) << name << " " << key;
         }
         for (const auto& [key, value] : read) EXPECT_EQ(key.find("GPS"), std::string::npos);
+        EXPECT_NEAR(test::readDensity(in(name)), 240.5, 0.6) << name; // JFIF tells whole numbers
 
         OutputMetadata bare = OutputMetadata::plain("Tamlo");
         bare.author = "   ";

@@ -91,7 +91,7 @@ TEST(RawDecode, TurnsUprightOnce)
 {
     const RGBImage stored = load("patterns/patches.dng", WBMode::film);
     const RGBImage turned = load("patterns/patches-orientation8.dng", WBMode::film);
-    EXPECT_TRUE(same(turned, Pipeline::orientImage(stored, 270, false)));
+    EXPECT_TRUE(same(turned, Orientation::orientImage(stored, 270, false)));
     const RAWDecode upright = decodeRAW(sample("raw/bayer-orientation6.dng"), 1.0, false, WBMode::film);
     EXPECT_EQ(upright.width(), 400);
     EXPECT_EQ(upright.height(), 600);

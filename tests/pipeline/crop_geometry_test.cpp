@@ -76,8 +76,8 @@ TEST(Crop, CutThenOrientIsOrientThenCutTheOrientedRectangle)
     const Crop crop{0.125, 0.25, 0.5, 0.375, 0};
     for (const int rotate : {0, 90, 180, 270, -90, 450})
         for (const bool mirror : {false, true}) {
-            const RGBImage a = Pipeline::orientImage(Pipeline::cropInput(source, crop), rotate, mirror);
-            const RGBImage b = Pipeline::cropInput(Pipeline::orientImage(source, rotate, mirror),
+            const RGBImage a = Orientation::orientImage(Pipeline::cropInput(source, crop), rotate, mirror);
+            const RGBImage b = Pipeline::cropInput(Orientation::orientImage(source, rotate, mirror),
                                                    Pipeline::orientRect(crop, rotate, mirror));
             EXPECT_TRUE(a.size() == b.size() && test::sameBytes(a.data, b.data)) << rotate << " " << mirror;
             Crop tilted = crop;

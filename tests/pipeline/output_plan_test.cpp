@@ -3,8 +3,8 @@
 #include "core/pipeline/peel_size.h"
 #include "core/pipeline/pipeline.h"
 #include "core/pipeline/render_size.h"
-#include "core/profiles/film_format.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/options/film_format.h"
 
 #include <gtest/gtest.h>
 
@@ -42,7 +42,8 @@ RenderOptions randomOptions(Chance& chance)
 {
     RenderOptions options;
     options.grainMult = 0.0;
-    options.rotate = static_cast<int>(90 * chance.whole(0, 3));
+    options.rotate =
+        chance.of(std::array{-450, -135, -90, 0, 0, 44, 45, 90, 134, 135, 180, 225, 270, 315, 405});
     options.mirror = chance.coin();
     if (chance.coin()) {
         options.crop = Crop{chance.real(0.0, 0.6), chance.real(0.0, 0.6), chance.real(0.05, 0.4),
@@ -51,7 +52,7 @@ RenderOptions randomOptions(Chance& chance)
     }
     options.format = chance.of(std::array{FilmFormat::f135, FilmFormat::f120, FilmFormat::half,
                                           FilmFormat::sheet4x5, FilmFormat::sheet, FilmFormat::plate});
-    if (chance.coin()) options.frameSize = std::string(chance.of(Pipeline::frameSizes()).size);
+    if (chance.coin()) options.frameSize = std::string(chance.of(Formats::frameSizes()).size);
     options.cropGate = chance.coin() ? "full" : "none";
     options.masterCap = chance.coin();
     options.border = chance.coin() ? chance.real(0.0, 0.3) : 0.0;
@@ -60,6 +61,16 @@ RenderOptions randomOptions(Chance& chance)
     options.printCm = chance.real(5.0, 60.0);
     options.instantFrame = chance.coin();
     options.peelSize = std::string(chance.of(Pipeline::peelSizes).key);
+    // A smooth table counts its nodes in millimetres, so that a large one costs as much at any size.
+    if (chance.coin()) options.table = options.printCm < 8.0 && !options.sheetCm ? "grey" : "linen";
+    options.tableWidthCm = chance.real(0.0, 5.0);
+    options.mat = std::string(chance.of(std::array{"", "none", "classic", "double", "emboss", "french"}));
+    options.matWidthCm = chance.real(0.0, 4.0);
+    options.matBottomWeight = chance.real(1.0, 1.4);
+    options.blindStamp = chance.coin();
+    if (chance.coin()) options.stampText = "A";
+    if (chance.coin()) options.coat = chance.of(std::array<std::string, 3>{"none", "clean", "brush"});
+    if (chance.coin()) options.plateMark = chance.coin();
     return options;
 }
 
@@ -77,8 +88,11 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
         // Ceilings that bite at this size: a scanner's, and that of a very soft instant film.
         if (paper.scan && chance.coin()) paper.scan->longPx = static_cast<int>(chance.whole(1, 120));
         if (film.isInstant() && film.mtf && chance.coin()) film.mtf->f50CycMm = chance.real(0.05, 1.0);
+        // Screens and drops coarse enough that a picture of this size grows for them.
+        if (paper.offset) paper.offset->lpi = chance.real(1.0, 60.0);
+        if (paper.inkjet) paper.inkjet->dropUm = chance.real(50.0, 3000.0);
         const RenderOptions options = randomOptions(chance);
-        const double scale = chance.of(std::array{1.0, 0.5, 0.25});
+        const double scale = chance.of(std::array{1.0, 0.9995, 0.9989, 0.5, 0.25});
         SCOPED_TRACE(testing::Message() << round << ": " << filmName << " on " << paperName << ", "
                                         << source.width << " x " << source.height << ", scale " << scale);
 

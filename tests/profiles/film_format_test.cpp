@@ -1,8 +1,8 @@
-#include "core/profiles/film_format.h"
+#include "core/profiles/options/film_format.h"
 
 #include <gtest/gtest.h>
 
-namespace tamlo::Pipeline {
+namespace tamlo::Formats {
 namespace {
 
 constexpr Size kSource{6000, 4000};
@@ -142,4 +142,4 @@ TEST(FilmFormat, FreshOptionsFollowTheFilm)
 }
 
 } // namespace
-} // namespace tamlo::Pipeline
+} // namespace tamlo::Formats

@@ -1,9 +1,9 @@
-#include "core/profiles/option_table.h"
+#include "core/profiles/options/option_table.h"
 
 #include "core/image/tamlo_error.h"
-#include "core/profiles/decode_error.h"
-#include "core/profiles/json_codec.h"
-#include "core/profiles/nearest_text.h"
+#include "core/profiles/formats/decode_error.h"
+#include "core/profiles/formats/json_codec.h"
+#include "core/profiles/formats/nearest_text.h"
 
 #include <gtest/gtest.h>
 
@@ -165,8 +165,8 @@ TEST(SetOption, TakesEveryTypeOfText)
 TEST(SetOption, RefusesInOneSentenceThatNamesWhatIsAllowed)
 {
     const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"grade", "9", R"(the option "grade" must be a number from 0 to 5, not "9")"},
-        {"grade", "hard", R"(the option "grade" must be a number from 0 to 5, not "hard")"},
+        {"grade", "9", R"(the option “grade” must be a number from 0 to 5, not “9”)"},
+        {"grade", "hard", R"(the option “grade” must be a number from 0 to 5, not “hard”)"},
         {"grade", "3x", "from 0 to 5"},
         {"grade", "", "from 0 to 5"},
         {"grade", "nan", "from 0 to 5"},
@@ -184,8 +184,8 @@ TEST(SetOption, RefusesInOneSentenceThatNamesWhatIsAllowed)
         {"crop", "0,0,0,1", "size above 0"},
         {"seed_variants", "film", "STREAM=COUNT"},
         {"seed_variants", "grain=1", R"("film", "frame")"},
-        {"gradee", "2", R"(there is no option "gradee"; the nearest is "grade")"},
-        {"printCm", "20", R"("print_cm")"},
+        {"gradee", "2", R"(there is no option “gradee”; the nearest is “grade”)"},
+        {"printCm", "20", "“print_cm”"},
     };
     for (const auto& [key, value, part] : cases) {
         RenderOptions options;

@@ -1,7 +1,7 @@
-#include "core/profiles/preset_document.h"
+#include "core/profiles/presets/preset_document.h"
 
-#include "core/profiles/process_settings.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/presets/process_settings.h"
 #include "core/text/loc.h"
 
 #include <gtest/gtest.h>
@@ -182,7 +182,9 @@ TEST_F(PresetDocumentTest, BringsOlderFormatsUpToDate)
          R"(["filter", "finish"])", R"({"wb_temp": 40})", false},
         {R"({"format": 4, "blocks": ["filter", "finish"], "opts": {"wb_temp": 40}})",
          R"(["filter", "finish"])", "{}", true},
-        {R"({"format": 3, "blocks": ["filter"], "opts": {"wb_temp": 40}})", R"(["filter"])", "{}", true},
+        {R"({"format": 3, "blocks": ["filter", "print"], "opts": {"wb_temp": 40}})", R"(["filter", "print"])",
+         R"({"wb_temp": 40})", false},
+        {R"({"format": 3, "blocks": ["print"], "opts": {"wb_temp": 40}})", R"(["print"])", "{}", true},
         {R"({"format": 4, "blocks": ["finish"], "opts": {"border": 0.1}})", R"(["finish"])",
          R"({"border": 0.1})", false},
         {R"({"format": 4, "blocks": [], "opts": {}})", nullptr, nullptr, false},

@@ -1,7 +1,7 @@
 #include "core/image/tamlo_error.h"
-#include "core/profiles/profile_error.h"
-#include "core/profiles/profile_store.h"
-#include "core/profiles/user_files.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/catalogue/user_files.h"
+#include "core/profiles/formats/profile_error.h"
 #include "core/text/loc.h"
 #include "tests/profiles/user_root.h"
 

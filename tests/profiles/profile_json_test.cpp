@@ -1,12 +1,14 @@
-#include "core/profiles/decode_error.h"
-#include "core/profiles/json_codec.h"
-#include "core/profiles/profile_json.h"
+#include "core/profiles/formats/decode_error.h"
+#include "core/profiles/formats/json_codec.h"
+#include "core/profiles/formats/profile_json.h"
 #include "core/text/bundled_profiles.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
+#include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -70,13 +72,52 @@ TEST(ProfileJson, EveryCarriedFileComesBackAsItIs)
     EXPECT_EQ(BundledProfiles::files().size(), 196u);
 }
 
-/// A key of the block, or of one inside it, that tells where numbers come from.
-bool tellsItsSource(const Json& value)
+/// On what ground numbers stand: a note is one of these, or one of these, a colon and the particulars.
+enum class Ground { dataSheet, published, derived, reference, estimate };
+
+std::optional<Ground> groundOf(const std::string& note)
 {
-    if (!value.is_object()) return false;
-    return std::ranges::any_of(value.items(), [](const auto& entry) {
-        return entry.key().ends_with("_note") || tellsItsSource(entry.value());
-    });
+    static const std::pair<const char*, Ground> kKinds[] = {
+        {"data sheet: .+, .+, (19|20)[0-9]{2}(;.*)?", Ground::dataSheet}, // maker's title, number, year
+        {"published measurement: .+", Ground::published},                 // where
+        {"derived: .+", Ground::derived},                                 // from what and how
+        {"reference value of this catalogue(: .+)?", Ground::reference},
+        {"estimate: .+", Ground::estimate}};
+    for (const auto& [form, ground] : kKinds)
+        if (std::regex_match(note, std::regex(form))) return ground;
+    return std::nullopt;
+}
+
+void expectGroundsBelow(const Json& value)
+{
+    if (!value.is_object()) return;
+    for (const auto& [key, entry] : value.items()) {
+        expectGroundsBelow(entry);
+        if (!key.ends_with("_note")) continue;
+        EXPECT_TRUE(groundOf(entry.get<std::string>())) << key << ": " << entry;
+        const std::string what = key.substr(0, key.size() - 5);
+        EXPECT_TRUE(what == "source" || value.contains(what)) << key << " is a note on nothing";
+    }
+}
+
+// A badge is no better than the ground that the profile as a whole stands on.
+TEST(ProfileJson, EveryCarriedProfileTellsItsGroundsAndNoMore)
+{
+    const std::map<Ground, std::set<std::string>> badges{
+        {Ground::dataSheet, {"datasheet"}},
+        {Ground::published, {"measured"}},
+        {Ground::derived, {"physical", "alike", ""}},
+        {Ground::reference, {"alike", "revival", ""}},
+        {Ground::estimate, {"alike", "revival", "draft", ""}}};
+    for (const auto& [key, text] : BundledProfiles::files()) {
+        if (key.starts_with("strings/") || key.starts_with("presets/")) continue;
+        SCOPED_TRACE(key);
+        const Json profile = Json::parse(text);
+        expectGroundsBelow(profile);
+        const auto ground = groundOf(profile.value("source_note", ""));
+        ASSERT_TRUE(ground) << "where do the numbers come from?";
+        EXPECT_TRUE(badges.at(*ground).contains(profile.value("fidelity", "")));
+    }
 }
 
 TEST(ProfileJson, EveryCarriedProfileSpeaksToThePhotographer)
@@ -91,7 +132,16 @@ TEST(ProfileJson, EveryCarriedProfileSpeaksToThePhotographer)
         const bool latin =
             std::ranges::all_of(name, [](char c) { return static_cast<unsigned char>(c) < 0xD0; });
         EXPECT_TRUE(latin || profile.contains("name_en")) << "a Russian name needs an English one";
-        EXPECT_TRUE(tellsItsSource(profile)) << "where do the numbers come from?";
+    }
+    // A paper that the tables of texts name too has one name.
+    for (const auto& [table, key] : {std::pair{"strings/ru.json", "name"}, {"strings/en.json", "name_en"}}) {
+        const Json texts = Json::parse(BundledProfiles::files().at(table));
+        for (const auto& [id, name] : texts.items()) {
+            if (!id.starts_with("paper.")) continue;
+            const auto paper = BundledProfiles::files().find("papers/" + id.substr(6) + ".json");
+            ASSERT_NE(paper, BundledProfiles::files().end()) << id;
+            EXPECT_EQ(Json::parse(paper->second).value(key, ""), name) << id;
+        }
     }
 }
 

@@ -1,16 +1,19 @@
 // The examples of docs/profiles.md are read as a reader would try them. That its tables are those of the
 // program is held by tests/tools/profile_reference_test.py.
-#include "core/film/hd_curve.h"
-#include "core/profiles/json_codec.h"
-#include "core/profiles/preset_document.h"
-#include "core/profiles/profile_json.h"
-#include "core/profiles/profile_store.h"
-#include "core/profiles/profile_validator.h"
+#include "core/film/emulsion/hd_curve.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/catalogue/profile_validator.h"
+#include "core/profiles/formats/json_codec.h"
+#include "core/profiles/formats/profile_json.h"
+#include "core/profiles/presets/preset_document.h"
+#include "core/text/bundled_profiles.h"
+#include "core/text/fmt.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace tamlo {
@@ -96,6 +99,34 @@ std::vector<std::string> cellsOf(const std::string& line)
     std::istringstream stream(line.substr(1));
     for (std::string cell; std::getline(stream, cell, '|');) cells.push_back(cell);
     return cells;
+}
+
+// The column "In use" against a walk of its own through three keys that stand at different depths.
+TEST(ProfileReference, TellsTheNumbersInUse)
+{
+    double low = 1e9, high = -1e9, thickest = 0.0;
+    std::set<double> glowMults;
+    for (const auto& [key, text] : BundledProfiles::files()) {
+        const Json profile = Json::parse(text);
+        if (key.starts_with("films/") && profile.contains("layers"))
+            for (const char* layer : {"r", "g", "b"}) {
+                low = std::min(low, profile["layers"][layer]["gamma"].get<double>());
+                high = std::max(high, profile["layers"][layer]["gamma"].get<double>());
+            }
+        if (key.starts_with("lenses/") && profile.contains("discs"))
+            for (const Json& disc : profile["discs"]) glowMults.insert(disc["glow_mult"].get<double>());
+        if (key.starts_with("papers/")) thickest = std::max(thickest, profile.value("thickness_mm", 0.0));
+    }
+    std::map<std::string, std::string> cells;
+    for (const std::string& line : documentLines())
+        if (line.starts_with("| `") && cellsOf(line).size() > 4) cells[cellsOf(line)[0]] = cellsOf(line)[3];
+    const auto range = [](double a, double b) {
+        return " " + Fmt::number(a, 4) + " to " + Fmt::number(b, 4) + " ";
+    };
+    EXPECT_EQ(cells[" `layers.{r,g,b}.gamma` "], range(low, high));
+    EXPECT_EQ(cells[" `discs[].glow_mult` "], range(*glowMults.begin(), *glowMults.rbegin()));
+    EXPECT_TRUE(cells[" `thickness_mm` "].ends_with(" to " + Fmt::number(thickest, 4) + " "));
+    EXPECT_EQ(cells[" `couplers.matrix` "], " none ");
 }
 
 /// The layer of the worked example with one number changed, told as "`gamma` 0.75".

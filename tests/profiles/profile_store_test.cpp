@@ -1,6 +1,7 @@
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
 
-#include "core/profiles/profile_error.h"
+#include "core/profiles/formats/profile_error.h"
+#include "core/text/loc.h"
 #include "tests/profiles/user_root.h"
 
 #include <gtest/gtest.h>
@@ -98,6 +99,7 @@ TEST_F(ProfileStoreTest, ANameStaysInItsFolder)
 
 TEST_F(ProfileStoreTest, ABrokenProfileIsInvalidAndNamesTheKey)
 {
+    Loc::setOverride(Loc::Lang::en);
     write("user/profiles/films/half.tprofile", R"({"type": "bw", "negative": {"dmin": 0}})");
     try {
         ProfileStore().film("half");

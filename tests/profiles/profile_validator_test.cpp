@@ -1,7 +1,8 @@
-#include "core/profiles/profile_validator.h"
+#include "core/profiles/catalogue/profile_validator.h"
 
-#include "core/profiles/decode_error.h"
-#include "core/profiles/profile_store.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/formats/decode_error.h"
+#include "core/profiles/formats/paper_hints.h"
 #include "core/text/bundled_profiles.h"
 #include "tests/profiles/user_root.h"
 
@@ -149,6 +150,12 @@ TEST_F(ProfileValidatorTest, RulesOfPapers)
          {R"({"kind": "silver", "plate_view": {"scatter": 0}})", {}},
          {R"({"plate_view": {"silver": [1, 1]}})", {"silver — это три числа (R, G, B)."}},
          {R"({"plate_view": {"base": [1, 1, 1, 1]}})", {"base — это три числа (R, G, B)."}},
+         {R"({"offset": {"lpi": 0}})", {"Линиатура растра должна быть больше нуля (offset.lpi 0)."}},
+         {R"({"inkjet": {"drop_um": -5}})", {"Капля должна быть больше нуля (inkjet.drop_um -5)."}},
+         {R"({"offset": {"dot_gain": 0.26, "gain_comp": 0.9}})", {}},
+         {R"({"offset": {"dot_gain": 0.5, "gain_comp": 1}})",
+          {"Машина возвращает не больше четверти точки, иначе она печатает по белой бумаге: растискивание × "
+           "gain_comp равно 0.5, а не 0.25 или меньше."}},
          {R"({"dmin": 2})", {"Dmax должен быть больше Dmin (dmax 2, dmin 2)."}},
          {R"({"dmin": 2.125})", {"Dmax должен быть больше Dmin (dmax 2, dmin 2.125)."}},
          {R"({"dmin": 9, "dmax": null})", {}},
@@ -445,6 +452,22 @@ TEST_F(ProfileValidatorTest, EnglishReadersGetEnglish)
     EXPECT_EQ(problems(Kind::films, "{}"),
               Messages{"This does not look like a film profile: the required field “type” is missing"});
     EXPECT_EQ(ProfileValidator::validate(Kind::filters, "{}", store_), "profile without a name");
+}
+
+// A coat holds back the light that it prints from: its pigment is densest in that channel.
+TEST_F(ProfileValidatorTest, DoubtfulPapersAreHintedAt)
+{
+    Loc::setOverride(Loc::Lang::en);
+    for (const std::string& name : store_.list(Kind::papers, true))
+        EXPECT_EQ(ProfileValidator::hints(store_.paper(name)), Messages{}) << name;
+    PaperProfile gum = store_.paper("gum_tricolor");
+    (*gum.layers)[0].pigment = {0.06, 0.33, 0.52}; // the colour of cyan paint
+    (*gum.layers)[1].pigment = {0.2, 0.2};
+    gum.transfer = PaperTransfer{0.3, {}};
+    const Messages hints = ProfileValidator::hints(gum);
+    ASSERT_EQ(hints.size(), 2u);
+    EXPECT_TRUE(hints[0].starts_with("coat 1 prints from r, but its pigment is densest in b")) << hints[0];
+    EXPECT_TRUE(hints[1].starts_with("pickup 0.3 is below 0.4")) << hints[1];
 }
 
 } // namespace

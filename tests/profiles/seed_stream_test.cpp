@@ -1,8 +1,8 @@
-#include "core/profiles/seed_stream.h"
+#include "core/profiles/options/seed_stream.h"
 
 #include <gtest/gtest.h>
 
-namespace tamlo::Pipeline {
+namespace tamlo::Seeds {
 namespace {
 
 struct StreamCase {
@@ -50,4 +50,4 @@ TEST(SeedStream, ARerollTouchesItsOwnStreamOnly)
 }
 
 } // namespace
-} // namespace tamlo::Pipeline
+} // namespace tamlo::Seeds

@@ -1,8 +1,8 @@
 #include "core/image/tamlo_error.h"
-#include "core/profiles/profile_error.h"
-#include "core/profiles/profile_json.h"
-#include "core/profiles/profile_store.h"
-#include "core/profiles/user_files.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/profiles/catalogue/user_files.h"
+#include "core/profiles/formats/profile_error.h"
+#include "core/profiles/formats/profile_json.h"
 #include "tests/profiles/user_root.h"
 
 #include <gtest/gtest.h>
@@ -215,8 +215,8 @@ TEST_F(UserProfilesTest, ExportAndImportAreARoundTrip)
         {Kind::films, "mine", "out/other.tprofile", "Mine", false},
         {Kind::films, "mine", "out/portra400.json", "Mine", true},
         {Kind::films, "portra400", "out/deep/er/p.400.json", "Kodak Portra 400", false},
-        {Kind::papers, "gum_tricolor", "out/gum_tricolor.tprofile", "Гумми трёхцветный", true},
-        {Kind::papers, "gum_tricolor", "out/mine.txt", "Гумми трёхцветный", false},
+        {Kind::papers, "gum_tricolor", "out/gum_tricolor.tprofile", "Гумбихромат, трёхцветный", true},
+        {Kind::papers, "gum_tricolor", "out/mine.txt", "Гумбихромат, трёхцветный", false},
         {Kind::lenses, "verito", "out/portra400", nullptr, false},
         {Kind::filters, "red_29", "out/red_29.json", nullptr, true},
         {Kind::presets, "manhattan", "out/manhattan.tpreset", nullptr, true}};

@@ -1,7 +1,7 @@
 // What tests of the catalogue share: a scratch folder, the user's root below it, and Russian texts.
 #pragma once
 
-#include "core/profiles/profile_validator.h"
+#include "core/profiles/catalogue/profile_validator.h"
 #include "core/text/loc.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "tests/support/file_reference.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -87,6 +88,22 @@ std::map<std::string, std::string> readMetadata(const std::string& path)
     add(image->iptcData());
     add(image->xmpData());
     return out;
+}
+
+double readDensity(const std::string& path)
+{
+    if (path.ends_with(".tif")) {
+        const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFOpen(path.c_str(), "r"), TIFFClose);
+        float density = 0;
+        return tiff && TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &density) == 1 ? density : 0.0;
+    }
+    const std::vector<std::uint8_t> bytes = readBytes(path);
+    if (path.ends_with(".jpg")) // JFIF 1.02: units, then two 16-bit densities
+        return bytes.at(13) == 1 ? bytes.at(16) * 256.0 + bytes.at(17) : 0.0;
+    const std::string name = "pHYs"; // PNG, 11.3.5.3: two 32-bit densities, then the unit
+    const auto at = std::search(bytes.begin(), bytes.end(), name.begin(), name.end());
+    if (bytes.end() - at < 13 || at[12] != 1) return 0.0;
+    return ((at[8] * 256.0 + at[9]) * 256.0 + at[10]) * 256.0 * 0.0254 + at[11] * 0.0254;
 }
 
 } // namespace tamlo::test

@@ -26,4 +26,7 @@ ReadPicture readTiff(const std::string& path);
 /// All EXIF, IPTC and XMP by Exiv2: key to text, the values of a repeated key joined by '|'.
 std::map<std::string, std::string> readMetadata(const std::string& path);
 
+/// Pixels an inch by the library of the file's format (the JFIF head of a JPEG); 0 where it tells none.
+double readDensity(const std::string& path);
+
 } // namespace tamlo::test

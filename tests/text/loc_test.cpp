@@ -195,7 +195,7 @@ TEST(Strings, EveryKeyOfTheSourcesIsThere)
     const std::regex called(R"((?:\bT|Loc::string|note|PresetError\(T)\(\s*"([^"]+)\")");
     const std::regex shaped(R"re("([a-z][A-Za-z]*)\.([A-Za-z0-9.]*[A-Za-z0-9])")re");
     std::size_t found = 0;
-    for (const char* folder : {"core", "cli"})
+    for (const char* folder : {"core", "app", "cli"})
         for (const auto& entry : fs::recursive_directory_iterator(fs::path(TAMLO_SOURCE) / folder)) {
             if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
             std::stringstream text;

@@ -107,7 +107,8 @@ def packbits(data):
 def tiff(name, pixel, bits=8, photometric=2, kind="uint", order="<", compression=1, planar=False, tile=0, rows=16,
          big=False, more=None):
     channels = len(pixel(0, 0))
-    letter = {("uint", 8): "B", ("uint", 16): "H", ("float", 32): "f"}[(kind, bits)]
+    letter = {("uint", 8): "B", ("uint", 16): "H", ("uint", 32): "I", ("float", 16): "e", ("float", 32): "f",
+              ("float", 64): "d"}[(kind, bits)]
     squeeze = {1: bytes, 8: lambda d: zlib.compress(d, 9), 32773: packbits}[compression]
     tags = {256: (4, [W]), 257: (4, [H]), 258: (3, [bits] * channels), 259: (3, [compression]),
             262: (3, [photometric]), 277: (3, [channels]), 284: (3, [2 if planar else 1]),
@@ -130,6 +131,21 @@ def tiff(name, pixel, bits=8, photometric=2, kind="uint", order="<", compression
                 blocks.append(block(ys, range(x, x + (tile or W)), plane))
     tags.update(more or {})
     write(name, tiff_bytes(tags, blocks, order, big))
+
+
+def two_pages(name, kind):
+    """rgb8.tif with a second directory over the same strips; kind 1: it calls itself a smaller copy."""
+    tiff(name, lambda x, y: rgb(x, y, 255), more={254: (4, [0])})
+    path = os.path.join(HERE, name)
+    with open(path, "rb") as file:
+        data = bytearray(file.read())
+    entries = struct.unpack("<H", data[8:10])[0]
+    end = 10 + 12 * entries
+    second = bytearray(data[8:end + 4])
+    second[10:14] = struct.pack("<I", kind)  # the value of the first entry, tag 254
+    data += b"\0" * (len(data) % 2)
+    data[end:end + 4] = struct.pack("<I", len(data))
+    write(name, bytes(data + second))
 
 
 # ---- DNG
@@ -208,6 +224,14 @@ def main():
     tiff("rgb16-bigendian.tif", lambda x, y: rgb(x, y, 65535), bits=16, order=">", compression=8)
     tiff("rgb16-tiled-planar.tif", lambda x, y: rgb(x, y, 65535), bits=16, compression=8, tile=16, planar=True)
     tiff("rgb-float.tif", lambda x, y: [v / 65535 for v in rgb(x, y, 65535)], bits=32, kind="float", compression=8)
+    unit = lambda x, y: [v / 65535 for v in rgb(x, y, 65535)]
+    tiff("rgb-half.tif", unit, bits=16, kind="float", compression=8)
+    tiff("rgb-double.tif", unit, bits=64, kind="float", compression=8, order=">", tile=16)
+    tiff("rgb32.tif", lambda x, y: rgb(x, y, 2**32 - 1), bits=32, compression=8, planar=True)
+    tiff("rgb-not-numbers.tif", lambda x, y: [float("nan"), float("inf"), -float("inf")] if x == y else unit(x, y),
+         bits=32, kind="float", compression=8)
+    two_pages("two-pictures.tif", 0)
+    two_pages("picture-and-thumbnail.tif", 1)
     tiff("rgba8.tif", lambda x, y: rgb(x, y, 255) + [alpha(x, y, 255)], more={338: (3, [2])})
     tiff("rgba8-premultiplied.tif",
          lambda x, y: [(v * alpha(x, y, 255) + 127) // 255 for v in rgb(x, y, 255)] + [alpha(x, y, 255)],
