@@ -17,6 +17,7 @@
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
 #include "core/pipeline/output_plan.h"
+#include "core/text/error_words.h"
 #include "platform/console.h"
 
 #include <chrono>
@@ -156,11 +157,11 @@ std::optional<std::string> tryOne(Run& run, const DevelopJob& job)
         return std::nullopt;
     } catch (const TamloError& error) {
         if (error.kind() == TamloError::Kind::cancelled) throw;
-        return failureText(job, error.what());
+        return failureText(job, ErrorWords::of(error));
     } catch (const std::bad_alloc&) {
         return failureText(job, T("cli.noMemory"));
     } catch (const fs::filesystem_error& error) {
-        return failureText(job, error.what());
+        return failureText(job, ErrorWords::of(error));
     }
 }
 

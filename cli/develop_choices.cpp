@@ -13,6 +13,7 @@
 #include "core/profiles/options/film_format.h"
 #include "core/profiles/options/option_table.h"
 #include "core/profiles/presets/process_settings.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 
 #include <nlohmann/json.hpp>
@@ -45,7 +46,8 @@ std::string unknownKeyNote(const std::filesystem::path& path, const std::string&
 
 TamloError badOptionsFile(const std::filesystem::path& path, const std::exception& error)
 {
-    return TamloError::io(T("cli.badOptionsFile", {{"file", path.string()}, {"error", error.what()}}));
+    return TamloError::io(
+        T("cli.badOptionsFile", {{"file", path.string()}, {"error", ErrorWords::of(error)}}));
 }
 
 FileOptions readOptions(const std::filesystem::path& path)
@@ -79,7 +81,7 @@ void applyText(RenderOptions& options, const std::string& key, const std::string
     try {
         setOptionByWord(options, key, text);
     } catch (const TamloError& error) {
-        throw UsageError(asGiven + ": " + error.what());
+        throw UsageError(asGiven + ": " + ErrorWords::of(error));
     }
 }
 

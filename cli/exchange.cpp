@@ -9,6 +9,7 @@
 #include "core/profiles/formats/decode_error.h"
 #include "core/profiles/formats/paper_hints.h"
 #include "core/profiles/formats/profile_json.h"
+#include "core/text/error_words.h"
 
 #include <algorithm>
 #include <ostream>
@@ -170,7 +171,7 @@ int forEachFile(const std::vector<fs::path>& files, Work&& work)
         } catch (const DecodeError& error) {
             fail(file, error.what());
         } catch (const TamloError& error) {
-            fail(file, error.what());
+            fail(file, ErrorWords::of(error));
         }
     }
     return status;

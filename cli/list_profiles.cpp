@@ -6,7 +6,9 @@
 #include "cli/option_help.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/catalogue/catalogue_groups.h"
+#include "core/profiles/catalogue/profile_ground.h"
 #include "core/profiles/formats/profile_error.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 #include "platform/unicode.h"
 
@@ -26,8 +28,9 @@ using nlohmann::ordered_json;
 
 struct Row {
     Place place;
-    std::string id, group, fidelity, name;
+    std::string id, group, name;
     std::string speed, paper; ///< of a film: ISO, and the paper that a frame on it starts with
+    std::string ground;       ///< on what its numbers stand
     ordered_json more;        ///< further keys of the JSON form
 };
 
@@ -37,12 +40,13 @@ Row rowOf(const Profile& profile, const std::string& id, const Place& place)
     Row row{place,
             id,
             place.group.empty() ? "" : T(std::string(place.group)),
-            "",
             titleOf(profile, id),
             "",
             "",
+            "",
             ordered_json::object()};
-    if constexpr (requires { profile.fidelity; }) row.fidelity = profile.fidelity.value_or("");
+    if constexpr (requires { profile.fidelity; })
+        if (profile.fidelity) row.more["fidelity"] = *profile.fidelity;
     if constexpr (requires { std::string(profile.type); })
         row.more["type"] = profile.type;
     else if constexpr (requires { profile.type; })
@@ -57,8 +61,8 @@ Row presetRow(const PresetDocument& document)
     Row row{{"", static_cast<int>(group - groups.begin()), 0},
             document.id(),
             PresetGroups::title(document.group(), document.groupEn()),
-            "",
             document.name(),
+            "",
             "",
             "",
             ordered_json::object()};
@@ -99,16 +103,32 @@ Row describe(const ProfileStore& store, Kind kind, const std::string& id)
     return presetRow(store.presetDocument(id));
 }
 
+/// What the note of a profile as a whole says of its numbers.
+void tellGround(const ProfileStore& store, Kind kind, Row& row)
+{
+    if (kind == Kind::presets) return;
+    constexpr const char* kTexts[] = {"ground.dataSheet", "ground.published", "ground.derived",
+                                      "ground.reference", "ground.estimate"};
+    const auto profile = nlohmann::json::parse(store.data(kind, row.id), nullptr, false);
+    if (!profile.is_object() || !profile.contains("source_note") || !profile["source_note"].is_string())
+        return;
+    const std::string note = profile["source_note"];
+    const auto ground = groundOf(note);
+    if (ground) row.ground = T(kTexts[static_cast<std::size_t>(*ground)]);
+    row.more["ground"] = note;
+}
+
 /// The catalogue in the order of a picker. One file of the user that can't be read hides no other.
 std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
 {
     std::vector<Row> rows;
     const auto tell = [](const std::string& id, const std::exception& error) {
-        tellNote(id + ": " + error.what());
+        tellNote(id + ": " + ErrorWords::of(error));
     };
     for (const std::string& id : kind == Kind::films ? store.filmsSorted() : store.list(kind)) {
         try {
             rows.push_back(describe(store, kind, id));
+            tellGround(store, kind, rows.back());
         } catch (const ProfileError& error) {
             tell(id, error);
         } catch (const PresetError& error) {
@@ -128,7 +148,7 @@ std::vector<Row> rowsOf(const ProfileStore& store, Kind kind)
 
 void writeTable(const std::vector<Row>& rows, std::ostream& out)
 {
-    constexpr std::array kColumns{&Row::id, &Row::group, &Row::speed, &Row::paper, &Row::fidelity};
+    constexpr std::array kColumns{&Row::id, &Row::group, &Row::speed, &Row::paper, &Row::ground};
     std::array<std::size_t, kColumns.size()> widths{};
     for (const Row& row : rows)
         for (std::size_t i = 0; i < kColumns.size(); ++i)
@@ -154,7 +174,6 @@ void listProfiles(const ListArguments& arguments, const ProfileStore& store, std
     ordered_json list = ordered_json::array();
     for (const Row& row : rows) {
         ordered_json entry{{"id", row.id}, {"name", row.name}, {"group", row.group}};
-        if (!row.fidelity.empty()) entry["fidelity"] = row.fidelity;
         entry.update(row.more);
         list.push_back(std::move(entry));
     }

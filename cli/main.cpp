@@ -13,6 +13,7 @@
 #include "cli/project.h"
 #include "cli/recipe.h"
 #include "cli/usage_error.h"
+#include "core/text/error_words.h"
 
 #include <exception>
 #include <iostream>
@@ -87,7 +88,7 @@ int main(int argc, char** argv)
         tell(error.what());
         return 2;
     } catch (const std::exception& error) {
-        tell(error.what());
+        tell(ErrorWords::of(error));
         return 1;
     }
 }

@@ -8,6 +8,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
 #include "core/pipeline/output_plan.h"
+#include "core/text/error_words.h"
 
 #include <nlohmann/json.hpp>
 
@@ -130,9 +131,9 @@ int plan(const PlanArguments& arguments, std::ostream& results)
             else
                 results << asText(input, one);
         } catch (const TamloError& error) {
-            failures.push_back(namingInput(input, error.what()));
+            failures.push_back(namingInput(input, ErrorWords::of(error)));
         } catch (const fs::filesystem_error& error) {
-            failures.push_back(namingInput(input, error.what()));
+            failures.push_back(namingInput(input, ErrorWords::of(error)));
         }
     }
     if (arguments.json) results << list.dump(2) << std::endl;

@@ -32,13 +32,18 @@ bool isThere(const fs::path& path)
     return fs::exists(fs::symlink_status(path, ignored));
 }
 
+/// The roll as the user gave it, with the extension that he may leave out.
+fs::path rollName(const fs::path& named)
+{
+    const bool isProject = named.extension() == Project::kExtension || isThere(named);
+    return isProject ? named : fs::path(named.string() + std::string(Project::kExtension));
+}
+
 } // namespace
 
 fs::path rollPath(const fs::path& named)
 {
-    const bool isProject = named.extension() == Project::kExtension || isThere(named);
-    const fs::path path = isProject ? named : fs::path(named.string() + std::string(Project::kExtension));
-    return fs::absolute(path).lexically_normal();
+    return fs::absolute(rollName(named)).lexically_normal();
 }
 
 ProjectSession::ProjectSession(fs::path roll, Access access)
@@ -51,7 +56,7 @@ ProjectSession::ProjectSession(fs::path roll, Access access)
 std::unique_ptr<ProjectSession> ProjectSession::open(const fs::path& named, Access access)
 {
     const fs::path roll = rollPath(named);
-    if (!isThere(roll)) throw UsageError(T("cli.noFile", {{"file", roll.string()}}));
+    if (!isThere(roll)) throw UsageError(T("cli.noFile", {{"file", rollName(named).string()}}));
     std::unique_ptr<ProjectSession> session(new ProjectSession(roll, access));
     if (!session->model_.saver.open(roll, access)) throw std::runtime_error(session->model_.status());
     return session;
@@ -60,7 +65,7 @@ std::unique_ptr<ProjectSession> ProjectSession::open(const fs::path& named, Acce
 std::unique_ptr<ProjectSession> ProjectSession::fresh(const fs::path& named)
 {
     const fs::path roll = rollPath(named);
-    if (isThere(roll)) throw UsageError(T("cli.project.exists", {{"file", roll.string()}}));
+    if (isThere(roll)) throw UsageError(T("cli.project.exists", {{"file", rollName(named).string()}}));
     return std::unique_ptr<ProjectSession>(new ProjectSession(roll, Access::write));
 }
 

@@ -6,6 +6,7 @@
 #include "cli/usage_error.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/options/option_table.h"
+#include "core/text/error_words.h"
 
 #include <algorithm>
 
@@ -56,7 +57,7 @@ Step optionStep(const ProfileStore& store, const std::string& setting, const std
         RenderOptions trial;
         setOptionByWord(trial, key, value);
     } catch (const TamloError& error) {
-        throw UsageError(setting + ": " + error.what());
+        throw UsageError(setting + ": " + ErrorWords::of(error));
     }
     return [key, value](ProcessSettings& settings) { setOptionByWord(settings.options, key, value); };
 }

@@ -10,6 +10,7 @@
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/formats/json_codec.h"
 #include "core/profiles/options/option_table.h"
+#include "core/text/error_words.h"
 
 #include <algorithm>
 #include <ostream>
@@ -123,7 +124,7 @@ std::vector<std::string> problemsOf(const Frame& frame, FileState state, const P
     try {
         checkOptions(process.options);
     } catch (const TamloError& error) {
-        out.push_back(error.what());
+        out.push_back(ErrorWords::of(error));
     }
     return out;
 }

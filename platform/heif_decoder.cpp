@@ -112,6 +112,8 @@ void widen(std::uint16_t* samples, std::size_t count, int bits)
 
 bool isHEIF(std::string_view head)
 {
+    // The library calls a head too short to tell a picture that it may yet be.
+    if (!head.substr(std::min<std::size_t>(head.size(), 4)).starts_with("ftyp")) return false;
     return heif_check_filetype(reinterpret_cast<const std::uint8_t*>(head.data()),
                                static_cast<int>(head.size())) != heif_filetype_no;
 }

@@ -2,9 +2,8 @@
 
 #include "platform/exiv2_session.h"
 #include "platform/input_file.h"
+#include "platform/picture_metadata.h"
 #include "platform/platform_error.h"
-
-#include <exiv2/exiv2.hpp>
 
 namespace tamlo::platform {
 namespace {
@@ -23,11 +22,11 @@ std::optional<std::string> readMetadataText(const std::filesystem::path& path, c
     static_cast<void>(InputFile(path.string())); // says what is wrong with a path in the words of every codec
     const auto session = exiv2Session();
     try {
-        const auto image = Exiv2::ImageFactory::open(path.string());
-        image->readMetadata();
-        if (key.starts_with("Exif.")) return find<Exiv2::ExifKey>(image->exifData(), key);
-        if (key.starts_with("Iptc.")) return find<Exiv2::IptcKey>(image->iptcData(), key);
-        return find<Exiv2::XmpKey>(image->xmpData(), key);
+        const PictureMetadata metadata = readPictureMetadata(path);
+        if (!metadata.damage.empty()) throw PlatformError(metadata.damage);
+        if (key.starts_with("Exif.")) return find<Exiv2::ExifKey>(metadata.exif, key);
+        if (key.starts_with("Iptc.")) return find<Exiv2::IptcKey>(metadata.iptc, key);
+        return find<Exiv2::XmpKey>(metadata.xmp, key);
     } catch (const Exiv2::AnyError& error) {
         throw PlatformError(error.what());
     }

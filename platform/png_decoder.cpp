@@ -109,53 +109,69 @@ RowFormat formatOf(png_structp png, png_infop info)
     return format;
 }
 
+/// The head of the file: the picture's size.
+PictureRows openRows(Reader& reader)
+{
+    reader.run([&] {
+        png_set_benign_errors(reader.png(), 1);
+        png_read_info(reader.png(), reader.info());
+    });
+    PictureRows rows;
+    rows.width = png_get_image_width(reader.png(), reader.info());
+    rows.height = png_get_image_height(reader.png(), reader.info());
+    checkPictureSize(rows.width, rows.height);
+    return rows;
+}
+
+/// Sets up how samples come out. Returns how often the rows are passed over: an interlaced picture comes
+/// whole.
+int prepareSamples(Reader& reader, PictureRows& rows)
+{
+    int passes = 1;
+    reader.run([&] {
+        expandSamples(reader.png(), reader.info());
+        passes = png_set_interlace_handling(reader.png());
+        png_read_update_info(reader.png(), reader.info());
+    });
+    rows.format = formatOf(reader.png(), reader.info());
+    if (passes > 1) rows.bandRows = rows.height;
+    return passes;
+}
+
+/// The end is read for what may follow the picture, and so that a file cut short there is found out.
+int orientationAtTheEnd(Reader& reader)
+{
+    png_uint_32 bytes = 0;
+    png_bytep exif = nullptr;
+    reader.run([&] {
+        png_read_end(reader.png(), reader.info());
+        png_get_eXIf_1(reader.png(), reader.info(), &bytes, &exif);
+    });
+    return exifOrientation({exif, bytes});
+}
+
 } // namespace
 
 EncodedImage drawPNG(const std::string& path, const DrawRequest& request)
 {
     const InputFile file(path);
     Reader reader(file.handle());
-    png_structp png = reader.png();
-    png_infop info = reader.info();
-    int passes = 1;
-    reader.run([&] {
-        png_set_benign_errors(png, 1);
-        png_read_info(png, info);
-    });
-    PictureRows rows;
-    rows.width = png_get_image_width(png, info);
-    rows.height = png_get_image_height(png, info);
-    checkPictureSize(rows.width, rows.height);
-    const ColourTag tag = tagOf(png, info);
-    reader.run([&] {
-        expandSamples(png, info);
-        passes = png_set_interlace_handling(png);
-        png_read_update_info(png, info);
-    });
-    rows.format = formatOf(png, info);
-    if (passes > 1) rows.bandRows = rows.height;
+    PictureRows rows = openRows(reader);
+    const ColourTag tag = tagOf(reader.png(), reader.info());
+    const int passes = prepareSamples(reader, rows);
     std::uint8_t* rgba = request.memory(rows.width, rows.height);
-
     rows.read = [&](std::int64_t, std::int64_t count, std::byte* to) {
         const std::size_t rowBytes = static_cast<std::size_t>(rows.width) * rows.format.bytesPerPixel();
         reader.run([&] {
             for (int pass = 0; pass < passes; ++pass) {
                 auto* row = reinterpret_cast<png_bytep>(to);
-                for (std::int64_t i = 0; i < count; ++i, row += rowBytes) png_read_row(png, row, nullptr);
+                for (std::int64_t i = 0; i < count; ++i, row += rowBytes)
+                    png_read_row(reader.png(), row, nullptr);
             }
         });
     };
     if (rgba) drawRows(rows, tag, rgba);
-
-    // The end is read for what may follow the picture, and so that a file cut short there is found out.
-    png_uint_32 exifBytes = 0;
-    png_bytep exif = nullptr;
-    reader.run([&] {
-        png_read_end(png, info);
-        png_get_eXIf_1(png, info, &exifBytes, &exif);
-    });
-    return {
-        .width = rows.width, .height = rows.height, .exifOrientation = exifOrientation({exif, exifBytes})};
+    return {.width = rows.width, .height = rows.height, .exifOrientation = orientationAtTheEnd(reader)};
 }
 
 } // namespace tamlo::platform

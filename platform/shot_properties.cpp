@@ -1,9 +1,8 @@
 #include "platform/shot_properties.h"
 
 #include "platform/exiv2_session.h"
+#include "platform/picture_metadata.h"
 #include "platform/unicode.h"
-
-#include <exiv2/exiv2.hpp>
 
 #include <initializer_list>
 
@@ -55,13 +54,8 @@ ShotProperties readShotProperties(const std::filesystem::path& path)
     ShotProperties shot;
     try {
         const auto session = exiv2Session();
-        const auto image = Exiv2::ImageFactory::open(path.string());
-        if (!image.get()) return shot;
-        try {
-            image->readMetadata();
-        } catch (const Exiv2::AnyError&) { // what was read before the damage is there
-        }
-        const Exiv2::ExifData& data = image->exifData();
+        const PictureMetadata metadata = readPictureMetadata(path);
+        const Exiv2::ExifData& data = metadata.exif;
         shot.make = textOf(data, {"Exif.Image.Make"});
         shot.camera = textOf(data, {"Exif.Image.Model"});
         shot.lensModel = textOf(data, {"Exif.Photo.LensModel"});

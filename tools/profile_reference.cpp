@@ -9,6 +9,7 @@
 #include "core/profiles/formats/profile_json.h"
 #include "core/profiles/presets/preset_schema.h"
 #include "core/text/fmt.h"
+#include "core/text/loc.h"
 #include "tools/in_use.h"
 
 #include <algorithm>
@@ -180,8 +181,9 @@ void putOption(const OptionRow& option, std::string& out)
 {
     constexpr const char* kTypes[] = {"number",  "integer",         "true or false", "text",
                                       "numbers", "integer by name", "block"};
-    out += row({code(option.key), kTypes[static_cast<std::size_t>(option.type)], option.unit,
-                valuesOf(option), defaultOf(option), option.meaning});
+    out +=
+        row({code(option.key), kTypes[static_cast<std::size_t>(option.type)], option.unit, valuesOf(option),
+             defaultOf(option), Loc::value("option." + std::string(option.key), Loc::Lang::en).value_or("")});
 }
 
 std::string optionHead()

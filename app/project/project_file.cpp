@@ -4,6 +4,7 @@
 #include "app/project/project_backups.h"
 #include "app/project/whole_file.h"
 #include "core/image/tamlo_error.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 #include "platform/atomic_file.h"
 #include "platform/content_hash.h"
@@ -49,7 +50,8 @@ ProjectFile::Written ProjectFile::write(const std::string& text, double now)
     try {
         platform::writeWhole(url_.string(), text);
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + url_.string() + ": " + error.what());
+        throw TamloError::io(
+            T("io.err.write", {{"file", url_.string()}, {"error", ErrorWords::reason(error)}}));
     }
     seen_ = platform::xxHash64(text);
     return Written::done;

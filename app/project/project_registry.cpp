@@ -6,6 +6,8 @@
 #include "app/project/whole_file.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/formats/field_table.h"
+#include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/atomic_file.h"
 #include "platform/content_hash.h"
 #include "platform/file_lock.h"
@@ -110,7 +112,8 @@ void ProjectRegistry::save(const Entries& entries)
         for (const Entry& entry : newestFirst(entries)) list.push_back(writeFields(entry));
         platform::writeWhole(file_.string(), prettyJson(list));
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + file_.string() + ": " + error.what());
+        throw TamloError::io(
+            T("io.err.write", {{"file", file_.string()}, {"error", ErrorWords::reason(error)}}));
     }
 }
 

@@ -1,6 +1,8 @@
 #include "app/project/whole_file.h"
 
 #include "core/image/tamlo_error.h"
+#include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/file_info.h"
 #include "platform/input_file.h"
 #include "platform/platform_error.h"
@@ -27,7 +29,8 @@ std::string readWhole(const fs::path& file)
         }
         return text;
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot read " + file.string() + ": " + error.what());
+        throw TamloError::io(
+            T("io.err.read", {{"file", file.string()}, {"error", ErrorWords::reason(error)}}));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "app/shell/app_model.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/formats/decode_error.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 
 namespace tamlo {
@@ -33,7 +34,7 @@ bool Saver::open(const Path& url, Access access)
         if (access == Access::write) file = isHeld ? file_ : std::make_shared<ProjectFile>(url);
         project = Project::decode(file ? file->read() : readWhole(url), model_.store());
     } catch (const TamloError& error) {
-        model_.tellFailure(T("project.openFailed", {{"error", error.what()}}));
+        model_.tellFailure(T("project.openFailed", {{"error", ErrorWords::of(error)}}));
     } catch (const DecodeError& error) {
         model_.tellFailure(T("project.openFailed", {{"error", url.string() + ": " + error.what()}}));
     }
@@ -64,7 +65,7 @@ bool Saver::restore(const ProjectBackups::Item& item)
     try {
         project = ProjectBackups::restored(item, model_.store());
     } catch (const TamloError& error) {
-        model_.tellFailure(error.what());
+        model_.tellFailure(ErrorWords::of(error));
         return false;
     }
     adopt(std::move(*project));
@@ -91,7 +92,7 @@ Saver::Ended Saver::written(Project project, std::shared_ptr<ProjectFile> file, 
             ended.file->write(ended.project.encoded(), date) == ProjectFile::Written::changedOnDisk;
         if (ended.changedOnDisk) ended.problem = T("project.changedOnDisk");
     } catch (const TamloError& error) {
-        ended.problem = T("project.saveFailed", {{"error", error.what()}});
+        ended.problem = T("project.saveFailed", {{"error", ErrorWords::of(error)}});
     }
     return ended;
 }

@@ -28,29 +28,29 @@ std::string GPUAbort::description() const
 
 TamloError TamloError::io(const std::string& text)
 {
-    return {Kind::io, "I/O error: " + text};
+    return {Kind::io, "I/O error: ", text};
 }
 
 TamloError TamloError::invalidArgument(const std::string& text)
 {
-    return {Kind::invalidArgument, "Invalid argument: " + text};
+    return {Kind::invalidArgument, "Invalid argument: ", text};
 }
 
 TamloError TamloError::unsupported(const std::string& text)
 {
-    return {Kind::unsupported, "Unsupported: " + text};
+    return {Kind::unsupported, "Unsupported: ", text};
 }
 
 TamloError TamloError::gpuAborted(GPUAbort abort)
 {
-    TamloError error(Kind::gpuAborted, abort.description());
+    TamloError error(Kind::gpuAborted, "", abort.description());
     error.abort_ = std::move(abort);
     return error;
 }
 
 TamloError TamloError::cancelled()
 {
-    return {Kind::cancelled, "Рендер отменён: запрос устарел"};
+    return {Kind::cancelled, "", "Рендер отменён: запрос устарел"};
 }
 
 } // namespace tamlo

@@ -34,13 +34,18 @@ public:
     Kind kind() const noexcept { return kind_; }
     /// The abort behind gpuAborted; of no meaning for the other kinds.
     const GPUAbort& abort() const noexcept { return abort_; }
+    /// The sentence without the name of the kind.
+    const std::string& text() const noexcept { return text_; }
     /// The description for the user, in UTF-8.
     const char* what() const noexcept override { return description_.c_str(); }
 
 private:
-    TamloError(Kind kind, std::string description) : kind_(kind), description_(std::move(description)) {}
+    TamloError(Kind kind, const char* name, const std::string& text)
+        : kind_(kind), text_(text), description_(name + text)
+    {}
 
     Kind kind_;
+    std::string text_;
     std::string description_;
     GPUAbort abort_;
 };

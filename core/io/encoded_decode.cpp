@@ -5,6 +5,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/image/zcolor.h"
 #include "core/io/decode_rules.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 #include "platform/platform_error.h"
 
@@ -31,7 +32,8 @@ void bytes_to_linear(const std::uint8_t* rgba, const LinearTable& table, float* 
 
 TamloError cannotDecode(const std::filesystem::path& path, const platform::PlatformError& error)
 {
-    return TamloError::io("cannot decode " + std::filesystem::absolute(path).string() + ": " + error.what());
+    return TamloError::io(
+        T("io.err.decode", {{"file", path.string()}, {"error", ErrorWords::reason(error)}}));
 }
 
 std::vector<std::string> notesOf(const std::filesystem::path& path, const platform::EncodedImage& image)
@@ -42,7 +44,7 @@ std::vector<std::string> notesOf(const std::filesystem::path& path, const platfo
     if (image.notNumbers > 0)
         notes.push_back(T("io.note.notNumbers", {{"file", file}, {"n", image.notNumbers}}));
     if (!image.damage.empty())
-        notes.push_back(T("io.note.damaged", {{"file", file}, {"error", image.damage}}));
+        notes.push_back(T("io.note.damaged", {{"file", file}, {"error", ErrorWords::reason(image.damage)}}));
     return notes;
 }
 
@@ -51,7 +53,7 @@ std::vector<std::string> notesOf(const std::filesystem::path& path, const platfo
 void EncodedDecode::linearize(std::span<float> into) const
 {
     if (width < 1 || height < 1 || into.size() < static_cast<std::size_t>(width * height * 3))
-        throw TamloError::io("empty image");
+        throw TamloError::io(T("io.err.emptyImage"));
     const LinearTable table = linearTable();
     const std::uint8_t* from = rgba.bytes(static_cast<std::size_t>(width * height * 4)).data();
     parallelBands(height, width, [&](std::int64_t start, std::int64_t end) {

@@ -2,6 +2,8 @@
 
 #include "core/image/tamlo_error.h"
 #include "core/io/jpeg_encoder.h"
+#include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/atomic_file.h"
 #include "platform/platform_error.h"
 #include "platform/png_writer.h"
@@ -47,15 +49,17 @@ void makeFolderOf(const std::string& path)
     if (folder.empty()) return;
     std::error_code failed;
     fs::create_directories(folder, failed);
-    if (failed) throw TamloError::io("cannot create folder " + folder.string() + ": " + failed.message());
+    if (failed)
+        throw TamloError::io(T("io.err.createFolder", {{"folder", folder.string()},
+                                                       {"error", ErrorWords::reason(failed.message())}}));
 }
 
 void checkSize(std::int64_t width, std::int64_t height, Format format)
 {
-    if (width < 1 || height < 1) throw TamloError::io("cannot create image");
+    if (width < 1 || height < 1) throw TamloError::io(T("io.err.createImage"));
     if (format == Format::jpeg && std::max(width, height) > JPEGEncoder::kMaxSide)
-        throw TamloError::unsupported("a JPEG has at most 65535 pixels a side, this picture has " +
-                                      std::to_string(width) + " x " + std::to_string(height));
+        throw TamloError::unsupported(
+            T("io.err.jpegSide", {{"limit", JPEGEncoder::kMaxSide}, {"width", width}, {"height", height}}));
 }
 
 /// How a picture is encoded, beside its pixels.
@@ -139,40 +143,43 @@ Bytes encodePicture(const ReadyImage& image, const Encoding& encoding)
                                           : platform::encodeTiff8(layout, rows);
 }
 
+TamloError cannot(const char* key, const std::string& path, const platform::PlatformError& error)
+{
+    return TamloError::io(T(key, {{"file", path}, {"error", ErrorWords::reason(error)}}));
+}
+
 void writeFile(const std::string& path, std::span<const std::uint8_t> bytes)
 {
     std::optional<platform::AtomicFile> file;
     try {
         file.emplace(path);
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot create " + path + ": " + error.what());
+        throw cannot("io.err.create", path, error);
     }
     try {
         file->write(bytes);
         file->commit();
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + path + ": " + error.what());
+        throw cannot("io.err.write", path, error);
     }
 }
 
 template <typename Picture>
 void saveAs(const Picture& picture, const std::string& path, int quality,
-            const std::optional<OutputMetadata>& metadata, const std::string& allowed)
+            const std::optional<OutputMetadata>& metadata, const char* badExtension)
 {
     makeFolderOf(path);
     const std::string extension = extensionOf(path);
     const Format format = formatOf(extension);
-    if (format == Format::unknown)
-        throw TamloError::invalidArgument("output extension ." + extension + allowed);
+    if (format == Format::unknown) throw TamloError::invalidArgument(T(badExtension, {{"ext", extension}}));
     checkSize(picture.width, picture.height, format);
     Bytes bytes;
     try {
         bytes = encodePicture(picture, {format, quality, metadata ? metadata->density() : std::nullopt});
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + path + ": " + error.what());
+        throw cannot("io.err.write", path, error);
     } catch (const std::bad_alloc&) {
-        throw TamloError::io("cannot allocate " + std::to_string(picture.width * picture.height * 3) +
-                             " bytes");
+        throw TamloError::io(T("io.err.allocate", {{"n", picture.width * picture.height * 3}}));
     }
     if (metadata) bytes = attach(std::move(bytes), metadata->properties(), metadata->copyOptions());
     writeFile(path, bytes);
@@ -194,13 +201,13 @@ std::vector<std::uint8_t> attach(std::vector<std::uint8_t> file, const nlohmann:
 void save(const RGBImage& image, const std::string& path, int quality,
           const std::optional<OutputMetadata>& metadata)
 {
-    saveAs(image, path, quality, metadata, " (use jpg/png/tif)");
+    saveAs(image, path, quality, metadata, "io.err.extension");
 }
 
 void save(const ReadyImage& image, const std::string& path, int quality,
           const std::optional<OutputMetadata>& metadata)
 {
-    saveAs(image, path, quality, metadata, " for a ready image (use jpg/png)");
+    saveAs(image, path, quality, metadata, "io.err.readyExtension");
 }
 
 SocialCopy saveSocial(const RGBImage& image, const std::string& master, int quality,

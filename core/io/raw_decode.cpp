@@ -4,6 +4,8 @@
 #include "core/image/resample.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/raw_colour.h"
+#include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/platform_error.h"
 #include "platform/raw_engine.h"
 
@@ -30,8 +32,8 @@ platform::RawHead readHead(const std::filesystem::path& path)
     try {
         return platform::readRawHead(path.string());
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("RAW engine could not open " + std::filesystem::absolute(path).string() + ": " +
-                             error.what());
+        throw TamloError::io(
+            T("io.err.rawOpen", {{"file", path.string()}, {"error", ErrorWords::reason(error)}}));
     }
 }
 
@@ -50,8 +52,8 @@ std::unique_ptr<platform::RawFrame> develop(const RAWImage& image, const RawColo
         return std::make_unique<platform::RawFrame>(image.path.string(), plan.gains,
                                                     demosaicFor(image, target));
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("RAW engine produced no image for " + image.path.filename().string() + ": " +
-                             error.what());
+        throw TamloError::io(T("io.err.rawNoImage", {{"file", image.path.filename().string()},
+                                                     {"error", ErrorWords::reason(error)}}));
     }
 }
 
@@ -82,7 +84,7 @@ void RAWDecode::render(std::span<float> into) const
     const Size target{width(), height()};
     if (target.width < 1 || target.height < 1 ||
         into.size() < static_cast<std::size_t>(target.width * target.height * 3))
-        throw TamloError::io("empty image");
+        throw TamloError::io(T("io.err.emptyImage"));
     const RawColourPlan plan = planRawColour(readHead(image.path).colour, image.wbMode);
     std::unique_ptr<platform::RawFrame> frame = develop(image, plan, target);
     const RawSamples samples{frame->samples(), frame->width(), frame->height(), frame->flip()};

@@ -3,6 +3,7 @@
 #include "core/image/bands.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/srgb_encode.h"
+#include "core/text/loc.h"
 
 namespace tamlo::ImageWriter {
 namespace {
@@ -33,7 +34,7 @@ int over(const ReadyImage& image, std::int64_t i, int channel, int background)
 ReadyImage readyImage(const RGBImage& image, const Plane* alpha)
 {
     if (image.pixelCount() == 0 || (alpha && alpha->size() != image.size()))
-        throw TamloError::io("cannot create image");
+        throw TamloError::io(T("io.err.createImage"));
     ReadyImage ready{image.width, image.height, {}, ReadyImage::Alpha::skip};
     if (alpha) ready.alpha = ReadyImage::Alpha::premultiplied;
     ready.rgba.resize(static_cast<std::size_t>(image.pixelCount() * 4));
@@ -46,13 +47,13 @@ ReadyImage readyImage(std::vector<std::uint8_t> rgba8, std::int64_t width, std::
 {
     ReadyImage ready{width, height, std::move(rgba8),
                      premultiplied ? ReadyImage::Alpha::premultiplied : ReadyImage::Alpha::skip};
-    if (!isWhole(ready)) throw TamloError::io("cannot create image");
+    if (!isWhole(ready)) throw TamloError::io(T("io.err.createImage"));
     return ready;
 }
 
 ReadyImage flattenOnWhite(const ReadyImage& image)
 {
-    if (!isWhole(image)) throw TamloError::io("cannot create flatten context");
+    if (!isWhole(image)) throw TamloError::io(T("io.err.flatten"));
     ReadyImage flat{image.width, image.height, std::vector<std::uint8_t>(image.rgba.size(), 255),
                     ReadyImage::Alpha::skip};
     parallelBands(image.height, image.width, [&](std::int64_t start, std::int64_t end) {
@@ -66,7 +67,7 @@ ReadyImage flattenOnWhite(const ReadyImage& image)
 
 std::vector<std::uint8_t> rgbBytes(const ReadyImage& image)
 {
-    if (!isWhole(image)) throw TamloError::io("cannot read pixels for JPEG");
+    if (!isWhole(image)) throw TamloError::io(T("io.err.jpegPixels"));
     std::vector<std::uint8_t> rgb(static_cast<std::size_t>(image.width * image.height * 3));
     parallelBands(image.height, image.width, [&](std::int64_t start, std::int64_t end) {
         for (std::int64_t i = start * image.width; i < end * image.width; ++i)

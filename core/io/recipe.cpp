@@ -4,6 +4,7 @@
 #include "core/profiles/formats/decode_error.h"
 #include "core/profiles/formats/json_codec.h"
 #include "core/profiles/options/option_table.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 #include "platform/metadata_reader.h"
 #include "platform/metadata_writer.h"
@@ -126,7 +127,7 @@ Recipe decodeRecipe(const std::string& text, const std::string& file)
     } catch (const DecodeError& error) {
         throw damaged(file, error.what());
     } catch (const TamloError& error) {
-        if (error.kind() == TamloError::Kind::invalidArgument) throw damaged(file, error.what());
+        if (error.kind() == TamloError::Kind::invalidArgument) throw damaged(file, error.text());
         throw;
     }
 }
@@ -137,7 +138,8 @@ Recipe readRecipe(const std::filesystem::path& file)
     try {
         text = platform::readMetadataText(file, platform::kRecipeKey);
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io(T("recipe.err.unreadable", {{"file", file.string()}, {"error", error.what()}}));
+        throw TamloError::io(
+            T("recipe.err.unreadable", {{"file", file.string()}, {"error", ErrorWords::of(error)}}));
     }
     if (!text) throw TamloError::io(T("recipe.err.none", {{"file", file.string()}}));
     return decodeRecipe(*text, file.string());

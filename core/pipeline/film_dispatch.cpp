@@ -133,8 +133,7 @@ RGBImage Film::render(RGBImage light, const FilmInput& input)
 {
     for (const Row& row : kTable)
         if (row.holds(input.film.film, input.paper)) return row.stage(std::move(light), input);
-    throw TamloError::invalidArgument("film type \"" + input.film.film.type +
-                                      "\" (use color, bw, slide, instant, collodion or tricolor)");
+    throw TamloError::invalidArgument(T("pipeline.err.filmType", {{"type", input.film.film.type}}));
 }
 
 Size Film::printedSize(Size picture, const FilmProfile& film, const PaperProfile& paper,

@@ -66,6 +66,36 @@ void addMat(Pipeline::OutputPlan& plan, Size& size, const RenderOptions& options
     size = {size.width + 2 * margins.m, size.height + margins.m + margins.mb};
 }
 
+double ratioOf(Size size, std::int64_t before)
+{
+    return static_cast<double>(longSideOf(size)) / static_cast<double>(before);
+}
+
+/// The dots of a press, and the picture that is enlarged for them.
+void addPress(Pipeline::OutputPlan& plan, Size& size, std::int64_t& baseLong, const PaperProfile& paper,
+              RenderOptions& options)
+{
+    if (!paper.isRepro() || paper.repro == "crt") return;
+    plan.raster = ReproPrint::planRaster(paper, options, options.printPxUm, size);
+    plan.rasterNote = ReproPrint::rasterNote(paper, options, options.printPxUm, size);
+    plan.supersample = plan.raster.ss;
+    plan.dotsDrawn = ReproPrint::raster(paper, options.printPxUm / plan.raster.grow, options)->resolved;
+    const std::int64_t before = longSideOf(size);
+    size = ReproPrint::grownSize(size, plan.raster.grow);
+    const double ratio = ratioOf(size, before);
+    if (ratio > 1.001) Pipeline::afterScanCap(baseLong, options, ratio);
+}
+
+/// The resolution of a scanner.
+void addScan(Size& size, std::int64_t& baseLong, const PaperProfile& paper, RenderOptions& options)
+{
+    if (!paper.isScan() || !paper.scan) return;
+    const std::int64_t before = longSideOf(size);
+    size = Film::scanSize(size, *paper.scan).value_or(size);
+    const double ratio = ratioOf(size, before);
+    if (ratio < 0.999) Pipeline::afterScanCap(baseLong, options, ratio);
+}
+
 void addTable(Pipeline::OutputPlan& plan, Size& size, const RenderOptions& options)
 {
     if (!Table::wantsTable(options)) return;
@@ -124,23 +154,8 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     size = Film::printedSize(size, film, paper, options);
     plan.coatPx = (size.width - uncoated) / 2;
 
-    if (paper.isRepro() && paper.repro != "crt") {
-        plan.raster = ReproPrint::planRaster(paper, options, options.printPxUm, size);
-        plan.rasterNote = ReproPrint::rasterNote(paper, options, options.printPxUm, size);
-        plan.supersample = plan.raster.ss;
-        plan.dotsDrawn = ReproPrint::raster(paper, options.printPxUm / plan.raster.grow, options)->resolved;
-        const std::int64_t before = longSideOf(size);
-        size = ReproPrint::grownSize(size, plan.raster.grow);
-        const double ratio = static_cast<double>(longSideOf(size)) / static_cast<double>(before);
-        if (ratio > 1.001) afterScanCap(baseLong, options, ratio);
-    }
-    if (paper.isScan() && paper.scan) {
-        const std::int64_t before = longSideOf(size);
-        size = Film::scanSize(size, *paper.scan).value_or(size);
-        const double ratio = static_cast<double>(longSideOf(size)) / static_cast<double>(before);
-        if (ratio < 0.999) afterScanCap(baseLong, options, ratio);
-    }
-
+    addPress(plan, size, baseLong, paper, options);
+    addScan(size, baseLong, paper, options);
     plan.picture = {size.width - 2 * plan.coatPx, size.height - 2 * plan.coatPx};
     if (film.isInstant()) {
         options = instantBareOptions(film, std::move(options), size);

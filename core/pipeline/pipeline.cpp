@@ -21,6 +21,7 @@
 #include "core/process/press/repro.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/options/film_format.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -63,7 +64,7 @@ Vec3f Pipeline::borderRGB(const Vec3f& base, const DevelopedFilm& developed, con
 RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensProfile& lens,
                            const PaperProfile& paper, RenderOptions options, const RenderHooks& hooks)
 {
-    if (image.pixelCount() == 0) throw TamloError::invalidArgument("a picture of no pixels");
+    if (image.pixelCount() == 0) throw TamloError::invalidArgument(T("pipeline.err.noPixels"));
     const bool isInstant = film.isInstant();
     const Size source = image.size();
     hooks.progress("film", 0.0);

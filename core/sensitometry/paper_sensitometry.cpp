@@ -4,6 +4,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/image/zcolor.h"
 #include "core/process/gum/gum_layers.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -122,8 +123,7 @@ std::optional<PaperStructure> measureStructure(double middle, const PaperProfile
 
 Sensitometry::PaperReport Sensitometry::measurePaper(const PaperProfile& paper, const RenderOptions& asked)
 {
-    if (!paper.isAlt())
-        throw TamloError::unsupported("only a paper of a handmade process can be measured without a film");
+    if (!paper.isAlt()) throw TamloError::unsupported(T("measure.err.needsFilm"));
     RenderOptions options = asked;
     options.coat = "none";
     PaperReport report;

@@ -8,6 +8,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/process/press/repro.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -402,10 +403,10 @@ Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperP
                                            const RenderOptions& options)
 {
     const bool isBuilt = film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide();
-    if (!isBuilt) throw TamloError::unsupported("a film of type \"" + film.type + "\" can't be measured yet");
+    if (!isBuilt) throw TamloError::unsupported(T("measure.err.filmType", {{"type", film.type}}));
     if (paper)
         if (const auto pending = Film::pendingStage(film, *paper))
-            throw TamloError::unsupported(*pending + " can't be measured yet");
+            throw TamloError::unsupported(T("measure.err.pending", {{"what", *pending}}));
 
     const Bench bench(film, options);
     Report report;

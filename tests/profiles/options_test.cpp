@@ -4,6 +4,7 @@
 #include "core/profiles/formats/decode_error.h"
 #include "core/profiles/formats/json_codec.h"
 #include "core/profiles/formats/nearest_text.h"
+#include "core/text/loc.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,8 @@ TEST(OptionTable, Has93RowsWithKeysOfTheirOwn)
     std::set<std::string> keys;
     for (const OptionRow& row : optionTable()) {
         EXPECT_TRUE(keys.insert(row.key).second) << row.key;
-        EXPECT_NE(std::string(row.meaning), "") << row.key;
+        for (const Loc::Lang lang : {Loc::Lang::en, Loc::Lang::ru})
+            EXPECT_NE(Loc::value("option." + std::string(row.key), lang).value_or(""), "") << row.key;
         EXPECT_EQ(findOption(row.key), &row);
     }
     EXPECT_EQ(keys.size(), 93u);

@@ -1,3 +1,4 @@
+#include "core/profiles/catalogue/profile_ground.h"
 #include "core/profiles/formats/decode_error.h"
 #include "core/profiles/formats/json_codec.h"
 #include "core/profiles/formats/profile_json.h"
@@ -72,20 +73,16 @@ TEST(ProfileJson, EveryCarriedFileComesBackAsItIs)
     EXPECT_EQ(BundledProfiles::files().size(), 196u);
 }
 
-/// On what ground numbers stand: a note is one of these, or one of these, a colon and the particulars.
-enum class Ground { dataSheet, published, derived, reference, estimate };
-
-std::optional<Ground> groundOf(const std::string& note)
+/// The kind of a note that has the particulars of its kind.
+std::optional<Ground> wholeGround(const std::string& note)
 {
-    static const std::pair<const char*, Ground> kKinds[] = {
-        {"data sheet: .+, .+, (19|20)[0-9]{2}(;.*)?", Ground::dataSheet}, // maker's title, number, year
-        {"published measurement: .+", Ground::published},                 // where
-        {"derived: .+", Ground::derived},                                 // from what and how
-        {"reference value of this catalogue(: .+)?", Ground::reference},
-        {"estimate: .+", Ground::estimate}};
-    for (const auto& [form, ground] : kKinds)
-        if (std::regex_match(note, std::regex(form))) return ground;
-    return std::nullopt;
+    const auto ground = groundOf(note);
+    const bool mayBeBare = ground == Ground::reference;
+    const char* form = ground == Ground::dataSheet
+                           ? "[^:]+: .+, .+, (19|20)[0-9]{2}(;.*)?" // title, number, year
+                       : mayBeBare ? "[^:]+(: .+)?"
+                                   : "[^:]+: .+";
+    return std::regex_match(note, std::regex(form)) ? ground : std::nullopt;
 }
 
 void expectGroundsBelow(const Json& value)
@@ -94,7 +91,7 @@ void expectGroundsBelow(const Json& value)
     for (const auto& [key, entry] : value.items()) {
         expectGroundsBelow(entry);
         if (!key.ends_with("_note")) continue;
-        EXPECT_TRUE(groundOf(entry.get<std::string>())) << key << ": " << entry;
+        EXPECT_TRUE(wholeGround(entry.get<std::string>())) << key << ": " << entry;
         const std::string what = key.substr(0, key.size() - 5);
         EXPECT_TRUE(what == "source" || value.contains(what)) << key << " is a note on nothing";
     }
@@ -114,7 +111,7 @@ TEST(ProfileJson, EveryCarriedProfileTellsItsGroundsAndNoMore)
         SCOPED_TRACE(key);
         const Json profile = Json::parse(text);
         expectGroundsBelow(profile);
-        const auto ground = groundOf(profile.value("source_note", ""));
+        const auto ground = wholeGround(profile.value("source_note", ""));
         ASSERT_TRUE(ground) << "where do the numbers come from?";
         EXPECT_TRUE(badges.at(*ground).contains(profile.value("fidelity", "")));
     }

@@ -182,24 +182,24 @@ struct ColorCacheKey {
     auto operator<=>(const ColorCacheKey&) const = default;
 };
 
-ColorCal calibrateColor(const ColorCacheKey& cacheKey)
+/// The grain that a key stands for.
+GrainParams grainOf(const ColorCacheKey& cacheKey)
 {
-    const ColorKey& key = cacheKey.key;
-    const double sizeUm = valueOf(key.sizeUm, 100.0), site = std::max(valueOf(key.site, 1000.0), 1e-3);
     GrainParams grain;
-    grain.sizeUm = sizeUm;
-    grain.amount = valueOf(key.amount, 1e5);
+    grain.sizeUm = valueOf(cacheKey.key.sizeUm, 100.0);
+    grain.amount = valueOf(cacheKey.key.amount, 1e5);
     grain.layerScale.emplace();
     grain.layerSizeScale.emplace();
-    Vec3d dmins{}, dmaxs{};
     for (std::size_t c = 0; c < 3; ++c) {
-        (*grain.layerScale)[c] = valueOf(key.layers[c], 1000.0);
+        (*grain.layerScale)[c] = valueOf(cacheKey.key.layers[c], 1000.0);
         (*grain.layerSizeScale)[c] = valueOf(cacheKey.sizeScales[c], 1000.0);
-        dmaxs[c] = valueOf(cacheKey.spans[c], 1e5);
     }
-    const Vec3d targets = classicSigma48Color(grain, dmins, dmaxs);
+    return grain;
+}
 
-    const Patch patch = calibPatch(kDyePatch, growthClumpSites(growthClumpUm(sizeUm, true, 1.0), site));
+/// The patch's uniforms as normals.
+std::vector<float> normalsOf(const Patch& patch)
+{
     std::vector<float> normals(patch.uniforms.size());
     parallelBands(kPatchSide, kPatchSide * 16, [&](std::int64_t start, std::int64_t end) {
         for (auto i = static_cast<std::size_t>(start * kPatchSide);
@@ -209,6 +209,19 @@ ColorCal calibrateColor(const ColorCacheKey& cacheKey)
             normals[i] = static_cast<float>(std::numbers::sqrt2 * erfinvD(x));
         }
     });
+    return normals;
+}
+
+ColorCal calibrateColor(const ColorCacheKey& cacheKey)
+{
+    const GrainParams grain = grainOf(cacheKey);
+    const double sizeUm = valueOf(cacheKey.key.sizeUm, 100.0),
+                 site = std::max(valueOf(cacheKey.key.site, 1000.0), 1e-3);
+    Vec3d dmins{}, dmaxs{};
+    for (std::size_t c = 0; c < 3; ++c) dmaxs[c] = valueOf(cacheKey.spans[c], 1e5);
+    const Vec3d targets = classicSigma48Color(grain, dmins, dmaxs);
+    const Patch patch = calibPatch(kDyePatch, growthClumpSites(growthClumpUm(sizeUm, true, 1.0), site));
+    const std::vector<float> normals = normalsOf(patch);
 
     ColorCal cal;
     for (std::size_t c = 0; c < 3; ++c) {

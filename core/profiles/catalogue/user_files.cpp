@@ -1,11 +1,15 @@
 #include "core/profiles/catalogue/user_files.h"
 
 #include "core/image/tamlo_error.h"
+#include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/atomic_file.h"
 #include "platform/platform_error.h"
 
+#include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 namespace tamlo {
 
@@ -13,14 +17,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
+TamloError cannot(const char* key, const char* field, const fs::path& path, const std::string& reason)
+{
+    return TamloError::io(T(key, {{field, path.string()}, {"error", ErrorWords::reason(reason)}}));
+}
+
+TamloError cannotRead(const fs::path& path, const std::string& reason)
+{
+    return cannot("io.err.read", "file", path, reason);
+}
+
 void makeFolderOf(const fs::path& path)
 {
     if (!path.has_parent_path()) return;
     std::error_code problem;
     fs::create_directories(path.parent_path(), problem);
-    if (problem)
-        throw TamloError::io("cannot make the folder " + path.parent_path().string() + ": " +
-                             problem.message());
+    if (problem) throw cannot("io.err.createFolder", "folder", path.parent_path(), problem.message());
 }
 
 } // namespace
@@ -30,16 +42,15 @@ std::string UserFiles::read(const fs::path& path)
     std::error_code problem;
     const bool isFile = fs::is_regular_file(path, problem);
     if (!problem && !isFile)
-        throw TamloError::io("cannot read " + path.string() + ": " +
-                             (fs::is_directory(path, problem) ? "it is a folder" : "it is no file"));
+        throw cannotRead(path, fs::is_directory(path, problem) ? "it is a directory"
+                                                               : "it is not an ordinary file");
     const std::uintmax_t size = problem ? 0 : fs::file_size(path, problem);
-    if (problem) throw TamloError::io("cannot read " + path.string() + ": " + problem.message());
-    if (size > kLargestFile)
-        throw TamloError::io("cannot read " + path.string() + ": it is far too large for a profile");
+    if (problem) throw cannotRead(path, problem.message());
+    if (size > kLargestFile) throw cannotRead(path, "it is far too large for a profile");
     std::ifstream file(path, std::ios::binary);
     std::string text(size, '\0');
     if (!file.read(text.data(), static_cast<std::streamsize>(size)))
-        throw TamloError::io("cannot read " + path.string());
+        throw cannotRead(path, std::generic_category().message(EIO));
     return text;
 }
 
@@ -58,7 +69,7 @@ void UserFiles::write(const fs::path& path, std::string_view text)
         file.write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
         file.commit();
     } catch (const platform::PlatformError& error) {
-        throw TamloError::io("cannot write " + path.string() + ": " + error.what());
+        throw cannot("io.err.write", "file", path, error.what());
     }
 }
 
@@ -72,8 +83,9 @@ void UserFiles::move(const fs::path& from, const fs::path& to)
         fs::remove(from, problem);
     }
     if (problem)
-        throw TamloError::io("cannot move " + from.string() + " to " + to.string() + ": " +
-                             problem.message());
+        throw TamloError::io(T("io.err.move", {{"file", from.string()},
+                                               {"to", to.string()},
+                                               {"error", ErrorWords::reason(problem.message())}}));
 }
 
 bool UserFiles::staysInFolder(std::string_view name)

@@ -161,71 +161,81 @@ std::span<const Field<IRProxy>> FieldTable<IRProxy>::rows()
     return kRows;
 }
 
+static constexpr Field<FilmProfile> kFilmProfileRows[] = {
+    field<&FilmProfile::name>("name", "", "display name in Russian; in English too where name_en is absent"),
+    field<&FilmProfile::nameEn>("name_en", "", "display name in English"),
+    field<&FilmProfile::notes>("notes", "", "notes for the photographer in Russian"),
+    field<&FilmProfile::notesEn>("notes_en", "", "notes in English"),
+    field<&FilmProfile::fidelity>(
+        "fidelity", "",
+        "how well grounded the numbers are: measured, datasheet, physical, alike (by "
+        "eye), revival or draft; a badge that changes no pixel"),
+    requiredField<&FilmProfile::type>(
+        "type", "",
+        "color, bw, slide, instant, collodion or tricolor: the path that the picture "
+        "takes, and with it which blocks below are read"),
+    field<&FilmProfile::formatDefault>(
+        "format_default", "",
+        "format that a frame starts with: 135, 120, sheet or plate, also the older "
+        "half and 4x5; a smaller one enlarges grain, softness and glow; absent 135"),
+    field<&FilmProfile::formats>("formats", "",
+                                 "the only formats that the material is made in, such as plate; absent: any"),
+    field<&FilmProfile::section>("section", "",
+                                 "plates lists a dry plate of type bw beside collodion; absent: by the type"),
+    field<&FilmProfile::hidden>("hidden", "", "true keeps the film out of lists; its name still works"),
+    field<&FilmProfile::neutral>("neutral", "", "true marks the Neutral film, which is listed first"),
+    field<&FilmProfile::spectralWeights>(
+        "spectral_weights", "",
+        "how a single layer adds up R, G, B, scaled to a sum of 1, which must be "
+        "above 0; a larger share lightens things of that colour, no red is an "
+        "orthochromatic film; makes instant film black and white"),
+    field<&FilmProfile::negative>("negative", "",
+                                  "the one silver curve; bw, collodion and tricolor must have it"),
+    field<&FilmProfile::layers>("layers", "",
+                                "the three dye curves; color, slide and instant must have them"),
+    field<&FilmProfile::couplers>("couplers", "", "how the layers act on each other's colour"),
+    field<&FilmProfile::dyes>("dyes", "", "purity of the dyes"),
+    field<&FilmProfile::balance>("balance", "", "light that the film is balanced for"),
+    field<&FilmProfile::halation>("halation", "", "light that the film base returns; absent: none"),
+    field<&FilmProfile::grain>("grain", "", "grain; absent: size_um 5 and amount 0.08"),
+    field<&FilmProfile::look>("look", "", "trim of the finished colours"),
+    field<&FilmProfile::mtf>("mtf", "", "sharpness of the emulsion"),
+    field<&FilmProfile::adjacency>("adjacency", "", "edge effect of development"),
+    field<&FilmProfile::softenFrac>(
+        "soften_frac", "fraction of the long side",
+        "softness of instant film, from the spread of its dyes; larger is softer"),
+    field<&FilmProfile::texture>("texture", "", "surface that development leaves on instant film"),
+    field<&FilmProfile::frame>("frame", "", "card round an instant picture"),
+    field<&FilmProfile::tempSensitivity>(
+        "temp_sensitivity", "",
+        "how strongly instant development answers to the option dev_temp_c away "
+        "from 21 degrees; larger is flatter and bluer in the cold; absent 1"),
+    field<&FilmProfile::sensitization>(
+        "sensitization", "",
+        "which light each layer sees, 3 x 3 (rows the layers r, g, b, columns R, G, B, each row scaled "
+        "to a sum of 1), always in force; larger off the diagonal moves and mutes hues"),
+    field<&FilmProfile::sensitizationDs>(
+        "sensitization_ds", "",
+        "a second such matrix, in force with the option interlayer; a smaller diagonal is more muted"),
+    field<&FilmProfile::irProxy>("ir_proxy", "",
+                                 "false-colour infrared: the layers see infrared, red and green"),
+    field<&FilmProfile::imageTone>(
+        "image_tone", "",
+        "colour of the silver of a black-and-white instant film; larger in a channel "
+        "tints the picture its way"),
+    field<&FilmProfile::toneMottle>("tone_mottle", "",
+                                    "warm clouds in the silver of a black-and-white instant film"),
+    field<&FilmProfile::dryplate>("dryplate", "", "rim and frilled edge of a coated dry plate"),
+    field<&FilmProfile::collodion>("collodion", "", "traces of pouring collodion by hand"),
+    field<&FilmProfile::tricolor>("tricolor", "", "three separation plates and their projection"),
+    field<&FilmProfile::dminRef>(
+        "dmin_ref", "density",
+        "dmin of the layers r, g, b before ageing; the program sets it, a profile leaves it out"),
+};
+
 std::span<const Field<FilmProfile>> FieldTable<FilmProfile>::rows()
 {
-    using T = FilmProfile;
-    static constexpr Field<T> kRows[] = {
-        field<&T::name>("name", "", "display name in Russian; in English too where name_en is absent"),
-        field<&T::nameEn>("name_en", "", "display name in English"),
-        field<&T::notes>("notes", "", "notes for the photographer in Russian"),
-        field<&T::notesEn>("notes_en", "", "notes in English"),
-        field<&T::fidelity>("fidelity", "",
-                            "how well grounded the numbers are: measured, datasheet, physical, alike (by "
-                            "eye), revival or draft; a badge that changes no pixel"),
-        requiredField<&T::type>("type", "",
-                                "color, bw, slide, instant, collodion or tricolor: the path that the picture "
-                                "takes, and with it which blocks below are read"),
-        field<&T::formatDefault>("format_default", "",
-                                 "format that a frame starts with: 135, 120, sheet or plate, also the older "
-                                 "half and 4x5; a smaller one enlarges grain, softness and glow; absent 135"),
-        field<&T::formats>("formats", "",
-                           "the only formats that the material is made in, such as plate; absent: any"),
-        field<&T::section>("section", "",
-                           "plates lists a dry plate of type bw beside collodion; absent: by the type"),
-        field<&T::hidden>("hidden", "", "true keeps the film out of lists; its name still works"),
-        field<&T::neutral>("neutral", "", "true marks the Neutral film, which is listed first"),
-        field<&T::spectralWeights>("spectral_weights", "",
-                                   "how a single layer adds up R, G, B, scaled to a sum of 1, which must be "
-                                   "above 0; a larger share lightens things of that colour, no red is an "
-                                   "orthochromatic film; makes instant film black and white"),
-        field<&T::negative>("negative", "", "the one silver curve; bw, collodion and tricolor must have it"),
-        field<&T::layers>("layers", "", "the three dye curves; color, slide and instant must have them"),
-        field<&T::couplers>("couplers", "", "how the layers act on each other's colour"),
-        field<&T::dyes>("dyes", "", "purity of the dyes"),
-        field<&T::balance>("balance", "", "light that the film is balanced for"),
-        field<&T::halation>("halation", "", "light that the film base returns; absent: none"),
-        field<&T::grain>("grain", "", "grain; absent: size_um 5 and amount 0.08"),
-        field<&T::look>("look", "", "trim of the finished colours"),
-        field<&T::mtf>("mtf", "", "sharpness of the emulsion"),
-        field<&T::adjacency>("adjacency", "", "edge effect of development"),
-        field<&T::softenFrac>("soften_frac", "fraction of the long side",
-                              "softness of instant film, from the spread of its dyes; larger is softer"),
-        field<&T::texture>("texture", "", "surface that development leaves on instant film"),
-        field<&T::frame>("frame", "", "card round an instant picture"),
-        field<&T::tempSensitivity>("temp_sensitivity", "",
-                                   "how strongly instant development answers to the option dev_temp_c away "
-                                   "from 21 degrees; larger is flatter and bluer in the cold; absent 1"),
-        field<&T::sensitization>(
-            "sensitization", "",
-            "which light each layer sees, 3 x 3 (rows the layers r, g, b, columns R, G, B, each row scaled "
-            "to a sum of 1), always in force; larger off the diagonal moves and mutes hues"),
-        field<&T::sensitizationDs>(
-            "sensitization_ds", "",
-            "a second such matrix, in force with the option interlayer; a smaller diagonal is more muted"),
-        field<&T::irProxy>("ir_proxy", "", "false-colour infrared: the layers see infrared, red and green"),
-        field<&T::imageTone>("image_tone", "",
-                             "colour of the silver of a black-and-white instant film; larger in a channel "
-                             "tints the picture its way"),
-        field<&T::toneMottle>("tone_mottle", "",
-                              "warm clouds in the silver of a black-and-white instant film"),
-        field<&T::dryplate>("dryplate", "", "rim and frilled edge of a coated dry plate"),
-        field<&T::collodion>("collodion", "", "traces of pouring collodion by hand"),
-        field<&T::tricolor>("tricolor", "", "three separation plates and their projection"),
-        field<&T::dminRef>(
-            "dmin_ref", "density",
-            "dmin of the layers r, g, b before ageing; the program sets it, a profile leaves it out"),
-    };
-    return kRows;
+    return kFilmProfileRows;
 }
 
 } // namespace tamlo

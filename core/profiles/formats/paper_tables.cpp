@@ -165,80 +165,85 @@ std::span<const Field<SurfaceParams>> FieldTable<SurfaceParams>::rows()
     return kRows;
 }
 
+static constexpr Field<PaperProfile> kPaperProfileRows[] = {
+    field<&PaperProfile::name>("name", "", "display name in Russian; in English too where name_en is absent"),
+    field<&PaperProfile::nameEn>("name_en", "", "display name in English"),
+    field<&PaperProfile::notes>("notes", "", "notes for the photographer in Russian"),
+    field<&PaperProfile::notesEn>("notes_en", "", "notes in English"),
+    field<&PaperProfile::fidelity>(
+        "fidelity", "",
+        "how well grounded the numbers are: measured, datasheet, physical, alike (by "
+        "eye), revival or draft; a badge that changes no pixel"),
+    field<&PaperProfile::type>("type", "", "bw_paper, color_paper, alt_paper, reversal_paper or plate_view"),
+    field<&PaperProfile::kind>(
+        "kind", "",
+        "silver, scan, repro or plate: what prints or shows the film; absent silver; a paper of "
+        "your own that names another is not listed"),
+    field<&PaperProfile::process>("process", "",
+                                  "alternative process: albumen, bromoil, carbon, collotype, cyanotype, gum, "
+                                  "platinum, salt or vandyke; its presence makes the paper one"),
+    field<&PaperProfile::repro>("repro", "", "inkjet, offset or crt: which block of the three is read"),
+    field<&PaperProfile::filmTypes>("film_types", "", "film types that the paper accepts; absent: any"),
+    field<&PaperProfile::fixedGrade>("fixed_grade", "", "true: the option grade has no effect"),
+    field<&PaperProfile::fixedExposure>("fixed_exposure", "", "true: the option print_ev has no effect"),
+    field<&PaperProfile::exposureEv>(
+        "exposure_ev", "stops",
+        "reversal paper: light that the printer gives beyond what prints a transmission of 0.18 as 0.18, "
+        "since a slide's grey card is denser; larger is lighter; absent 0"),
+    field<&PaperProfile::dmin>("dmin", "density", "density of the paper's white; absent 0.05"),
+    field<&PaperProfile::dmax>("dmax", "density",
+                               "deepest black, above dmin; larger is deeper blacks; absent 2.1"),
+    field<&PaperProfile::gamma>(
+        "gamma", "density per log exposure",
+        "slope at middle grey at grade 2, above 0; larger is more contrast; absent 1.8"),
+    field<&PaperProfile::toe>("toe", "",
+                              "shape of the curve; larger eases into white sooner and keeps the blacks apart "
+                              "longer; absent 1.25"),
+    field<&PaperProfile::flare>("flare", "share",
+                                "stray light of the enlarger; larger greys the highlights and flattens them"),
+    field<&PaperProfile::tone>("tone", "",
+                               "tone of the print in R, G, B; larger in a channel tints the picture its way"),
+    field<&PaperProfile::baseTint>("base_tint", "",
+                                   "colour of the paper's white, of the margin too; larger is lighter"),
+    field<&PaperProfile::dyePurity>(
+        "dye_purity", "share",
+        "reversal paper: how far its dyes spread from their mean; larger is more colourful"),
+    field<&PaperProfile::spectralWeights>(
+        "spectral_weights", "",
+        "how a single layer adds up R, G, B of a colour negative, scaled to a sum "
+        "of 1, which must be above 0; more blue is an older paper"),
+    field<&PaperProfile::base>("base", "",
+                               "stock of an alternative process: white_rag, cream or buff; absent white_rag"),
+    field<&PaperProfile::baseRgb>("base_rgb", "", "its colour, where base is no known name"),
+    field<&PaperProfile::pigment>("pigment", "", "colorant of an alternative process"),
+    field<&PaperProfile::inkFloor>("ink_floor", "share",
+                                   "light parts that take no ink; larger is a harder start of the tones"),
+    field<&PaperProfile::plug>("plug", "", "filling-in of the shadows with ink; larger closes them sooner"),
+    field<&PaperProfile::thicknessMm>(
+        "thickness_mm", "mm",
+        "thickness of the sheet or plate; larger throws a longer shadow on the table; absent 0.25"),
+    field<&PaperProfile::texture>("texture", "", "structure of the surface"),
+    field<&PaperProfile::transfer>("transfer", "", "pressing of a bromoil onto another sheet"),
+    field<&PaperProfile::layers>("layers", "",
+                                 "coats of a print in several layers, in the order of printing"),
+    field<&PaperProfile::coat>("coat", "", "coating by hand round the picture"),
+    field<&PaperProfile::plate>("plate", "", "mark of a printing plate"),
+    field<&PaperProfile::relief>("relief", "", "raised pigment in slanting light"),
+    field<&PaperProfile::family>("family", "", "entry that several profiles share in a list"),
+    field<&PaperProfile::scan>("scan", "", "scanner, projector or light table"),
+    field<&PaperProfile::inkjet>("inkjet", "", "inkjet printer"),
+    field<&PaperProfile::offset>("offset", "", "offset press"),
+    field<&PaperProfile::crt>("crt", "", "screen of a cathode-ray tube"),
+    field<&PaperProfile::plateView>("plate_view", "", "a plate looked at as it is"),
+    field<&PaperProfile::sheet>("sheet", "", "false: there is no sheet to mount; absent true"),
+    field<&PaperProfile::substrate>("substrate", "",
+                                    "opaque: the plate's base is not glass, so light leaves no ring"),
+    field<&PaperProfile::surface>("surface", "", "bumps on the surface of any paper"),
+};
+
 std::span<const Field<PaperProfile>> FieldTable<PaperProfile>::rows()
 {
-    using T = PaperProfile;
-    static constexpr Field<T> kRows[] = {
-        field<&T::name>("name", "", "display name in Russian; in English too where name_en is absent"),
-        field<&T::nameEn>("name_en", "", "display name in English"),
-        field<&T::notes>("notes", "", "notes for the photographer in Russian"),
-        field<&T::notesEn>("notes_en", "", "notes in English"),
-        field<&T::fidelity>("fidelity", "",
-                            "how well grounded the numbers are: measured, datasheet, physical, alike (by "
-                            "eye), revival or draft; a badge that changes no pixel"),
-        field<&T::type>("type", "", "bw_paper, color_paper, alt_paper, reversal_paper or plate_view"),
-        field<&T::kind>(
-            "kind", "",
-            "silver, scan, repro or plate: what prints or shows the film; absent silver; a paper of "
-            "your own that names another is not listed"),
-        field<&T::process>("process", "",
-                           "alternative process: albumen, bromoil, carbon, collotype, cyanotype, gum, "
-                           "platinum, salt or vandyke; its presence makes the paper one"),
-        field<&T::repro>("repro", "", "inkjet, offset or crt: which block of the three is read"),
-        field<&T::filmTypes>("film_types", "", "film types that the paper accepts; absent: any"),
-        field<&T::fixedGrade>("fixed_grade", "", "true: the option grade has no effect"),
-        field<&T::fixedExposure>("fixed_exposure", "", "true: the option print_ev has no effect"),
-        field<&T::exposureEv>(
-            "exposure_ev", "stops",
-            "reversal paper: light that the printer gives beyond what prints a transmission of 0.18 as 0.18, "
-            "since a slide's grey card is denser; larger is lighter; absent 0"),
-        field<&T::dmin>("dmin", "density", "density of the paper's white; absent 0.05"),
-        field<&T::dmax>("dmax", "density", "deepest black, above dmin; larger is deeper blacks; absent 2.1"),
-        field<&T::gamma>("gamma", "density per log exposure",
-                         "slope at middle grey at grade 2, above 0; larger is more contrast; absent 1.8"),
-        field<&T::toe>("toe", "",
-                       "shape of the curve; larger eases into white sooner and keeps the blacks apart "
-                       "longer; absent 1.25"),
-        field<&T::flare>("flare", "share",
-                         "stray light of the enlarger; larger greys the highlights and flattens them"),
-        field<&T::tone>("tone", "",
-                        "tone of the print in R, G, B; larger in a channel tints the picture its way"),
-        field<&T::baseTint>("base_tint", "",
-                            "colour of the paper's white, of the margin too; larger is lighter"),
-        field<&T::dyePurity>(
-            "dye_purity", "share",
-            "reversal paper: how far its dyes spread from their mean; larger is more colourful"),
-        field<&T::spectralWeights>("spectral_weights", "",
-                                   "how a single layer adds up R, G, B of a colour negative, scaled to a sum "
-                                   "of 1, which must be above 0; more blue is an older paper"),
-        field<&T::base>("base", "",
-                        "stock of an alternative process: white_rag, cream or buff; absent white_rag"),
-        field<&T::baseRgb>("base_rgb", "", "its colour, where base is no known name"),
-        field<&T::pigment>("pigment", "", "colorant of an alternative process"),
-        field<&T::inkFloor>("ink_floor", "share",
-                            "light parts that take no ink; larger is a harder start of the tones"),
-        field<&T::plug>("plug", "", "filling-in of the shadows with ink; larger closes them sooner"),
-        field<&T::thicknessMm>(
-            "thickness_mm", "mm",
-            "thickness of the sheet or plate; larger throws a longer shadow on the table; absent 0.25"),
-        field<&T::texture>("texture", "", "structure of the surface"),
-        field<&T::transfer>("transfer", "", "pressing of a bromoil onto another sheet"),
-        field<&T::layers>("layers", "", "coats of a print in several layers, in the order of printing"),
-        field<&T::coat>("coat", "", "coating by hand round the picture"),
-        field<&T::plate>("plate", "", "mark of a printing plate"),
-        field<&T::relief>("relief", "", "raised pigment in slanting light"),
-        field<&T::family>("family", "", "entry that several profiles share in a list"),
-        field<&T::scan>("scan", "", "scanner, projector or light table"),
-        field<&T::inkjet>("inkjet", "", "inkjet printer"),
-        field<&T::offset>("offset", "", "offset press"),
-        field<&T::crt>("crt", "", "screen of a cathode-ray tube"),
-        field<&T::plateView>("plate_view", "", "a plate looked at as it is"),
-        field<&T::sheet>("sheet", "", "false: there is no sheet to mount; absent true"),
-        field<&T::substrate>("substrate", "",
-                             "opaque: the plate's base is not glass, so light leaves no ring"),
-        field<&T::surface>("surface", "", "bumps on the surface of any paper"),
-    };
-    return kRows;
+    return kPaperProfileRows;
 }
 
 } // namespace tamlo

@@ -93,49 +93,52 @@ std::span<const Field<CRTBezelParams>> FieldTable<CRTBezelParams>::rows()
     return kRows;
 }
 
+static constexpr Field<CRTParams> kCRTParamsRows[] = {
+    field<&CRTParams::mask>("mask", "",
+                            "delta (round dots), grille (stripes) or none (one colour); absent delta"),
+    field<&CRTParams::pitchMm>("pitch_mm", "mm", "pitch of the mask; larger is coarser dots"),
+    field<&CRTParams::dot>("dot", "share of the pitch",
+                           "size of the phosphor; larger leaves less black between"),
+    field<&CRTParams::depth>("depth", "share", "darkness between the phosphors; larger shows the mask more"),
+    field<&CRTParams::lines>("lines", "",
+                             "scan lines of the tube; larger is finer and sharper down the picture"),
+    field<&CRTParams::spot>("spot", "share of a line",
+                            "size of the beam; larger closes the gaps between lines"),
+    field<&CRTParams::wires>("wires", "", "damper wires of a grille; larger is more faint shadows across"),
+    field<&CRTParams::wireMm>("wire_mm", "mm", "their width; larger is wider shadows; absent 0.12"),
+    field<&CRTParams::wireDepth>("wire_depth", "share", "their darkness; larger is darker; absent 0.55"),
+    field<&CRTParams::lumaLines>(
+        "luma_lines", "lines", "bandwidth of the signal's brightness; larger is sharper across the picture"),
+    field<&CRTParams::chromaLines>("chroma_lines", "lines",
+                                   "bandwidth of its colour; smaller lets colours run"),
+    field<&CRTParams::whiteK>("white_k", "kelvin", "white of the tube; above 7000 is bluer"),
+    field<&CRTParams::adapt>("adapt", "share",
+                             "how far the camera takes that white for white; larger is more neutral"),
+    field<&CRTParams::phosphor>(
+        "phosphor", "", "colour of a mono tube: green, amber or white; the option crt_phosphor overrides it"),
+    field<&CRTParams::bloom>("bloom", "share", "light that the glass spreads; larger glows more"),
+    field<&CRTParams::bloomMm>("bloom_mm", "mm", "its radius; larger is wider"),
+    field<&CRTParams::convergeMm>("converge_mm", "mm",
+                                  "error of the beams at the edges; larger is wider fringes"),
+    field<&CRTParams::vignette>("vignette", "share", "light lost in the corners; larger is darker corners"),
+    field<&CRTParams::cornerR>("corner_r", "fraction of the height",
+                               "corner radius of the raster; larger is rounder"),
+    field<&CRTParams::curve>("curve", "", "sphere or cyl: shape of the face"),
+    field<&CRTParams::bulge>("bulge", "", "barrel of the curved face; larger is more curved"),
+    field<&CRTParams::overscan>("overscan", "share", "picture cut off at each edge; larger loses more"),
+    field<&CRTParams::cameraPsfUm>("camera_psf_um", "µm",
+                                   "softness of the camera that photographs the screen; larger is softer"),
+    field<&CRTParams::whiteMean>(
+        "white_mean", "share",
+        "brightness that the camera exposes white for; larger is brighter, and clips more"),
+    field<&CRTParams::nominalIn>("nominal_in", "inch",
+                                 "diagonal of the tube; larger makes the structure finer in the picture"),
+    field<&CRTParams::bezel>("bezel", "", "frame of the tube; kept with the profile"),
+};
+
 std::span<const Field<CRTParams>> FieldTable<CRTParams>::rows()
 {
-    using T = CRTParams;
-    static constexpr Field<T> kRows[] = {
-        field<&T::mask>("mask", "",
-                        "delta (round dots), grille (stripes) or none (one colour); absent delta"),
-        field<&T::pitchMm>("pitch_mm", "mm", "pitch of the mask; larger is coarser dots"),
-        field<&T::dot>("dot", "share of the pitch", "size of the phosphor; larger leaves less black between"),
-        field<&T::depth>("depth", "share", "darkness between the phosphors; larger shows the mask more"),
-        field<&T::lines>("lines", "", "scan lines of the tube; larger is finer and sharper down the picture"),
-        field<&T::spot>("spot", "share of a line", "size of the beam; larger closes the gaps between lines"),
-        field<&T::wires>("wires", "", "damper wires of a grille; larger is more faint shadows across"),
-        field<&T::wireMm>("wire_mm", "mm", "their width; larger is wider shadows; absent 0.12"),
-        field<&T::wireDepth>("wire_depth", "share", "their darkness; larger is darker; absent 0.55"),
-        field<&T::lumaLines>("luma_lines", "lines",
-                             "bandwidth of the signal's brightness; larger is sharper across the picture"),
-        field<&T::chromaLines>("chroma_lines", "lines", "bandwidth of its colour; smaller lets colours run"),
-        field<&T::whiteK>("white_k", "kelvin", "white of the tube; above 7000 is bluer"),
-        field<&T::adapt>("adapt", "share",
-                         "how far the camera takes that white for white; larger is more neutral"),
-        field<&T::phosphor>(
-            "phosphor", "",
-            "colour of a mono tube: green, amber or white; the option crt_phosphor overrides it"),
-        field<&T::bloom>("bloom", "share", "light that the glass spreads; larger glows more"),
-        field<&T::bloomMm>("bloom_mm", "mm", "its radius; larger is wider"),
-        field<&T::convergeMm>("converge_mm", "mm",
-                              "error of the beams at the edges; larger is wider fringes"),
-        field<&T::vignette>("vignette", "share", "light lost in the corners; larger is darker corners"),
-        field<&T::cornerR>("corner_r", "fraction of the height",
-                           "corner radius of the raster; larger is rounder"),
-        field<&T::curve>("curve", "", "sphere or cyl: shape of the face"),
-        field<&T::bulge>("bulge", "", "barrel of the curved face; larger is more curved"),
-        field<&T::overscan>("overscan", "share", "picture cut off at each edge; larger loses more"),
-        field<&T::cameraPsfUm>("camera_psf_um", "µm",
-                               "softness of the camera that photographs the screen; larger is softer"),
-        field<&T::whiteMean>(
-            "white_mean", "share",
-            "brightness that the camera exposes white for; larger is brighter, and clips more"),
-        field<&T::nominalIn>("nominal_in", "inch",
-                             "diagonal of the tube; larger makes the structure finer in the picture"),
-        field<&T::bezel>("bezel", "", "frame of the tube; kept with the profile"),
-    };
-    return kRows;
+    return kCRTParamsRows;
 }
 
 } // namespace tamlo

@@ -1,7 +1,7 @@
-// The option table: one row for each of the 93 stored fields of RenderOptions with its key, type, range,
-// allowed texts and meaning. JSON, the command line's key=value and the documents all read it: a new option
-// is one row. Files may hold values out of a row's range (the stages clamp or tell their own rule); the
-// command line is checked against it.
+// The option table: one row for each of the 93 stored fields of RenderOptions with its key, type, range and
+// allowed texts. JSON, the command line's key=value and the documents all read it: a new option is one row
+// here and the text "option.KEY" that tells what it means. Files may hold values out of a row's range (the
+// stages clamp or tell their own rule); the command line is checked against it.
 #pragma once
 
 #include "core/profiles/options/render_options.h"
@@ -23,7 +23,6 @@ struct OptionRow {
     const char* key;
     OptionType type;
     const char* unit;
-    const char* meaning;
     double low = 0; ///< closed range of a number, where hasRange
     double high = 0;
     bool hasRange = false;

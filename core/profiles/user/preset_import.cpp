@@ -5,6 +5,7 @@
 #include "core/profiles/catalogue/profile_validator.h"
 #include "core/profiles/catalogue/user_files.h"
 #include "core/profiles/formats/json_codec.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 
 namespace tamlo {
@@ -73,11 +74,62 @@ void numberTheNames(PresetDocument& document, int number)
         document.json["name_en"] = *en + suffix;
 }
 
+/// A preset whose id is taken goes where the user wants it. Errors: PresetError where he is to be asked.
+void settleConflict(const ProfileStore& store, PresetConflict onConflict, PresetDocument& document,
+                    PresetImportResult& result)
+{
+    using Action = PresetImportResult::Action;
+    int number = 2;
+    switch (onConflict) {
+    case PresetConflict::ask:
+        throw PresetError(T("preset.idTaken", {{"id", result.id}}), true);
+    case PresetConflict::cancel:
+        result.action = Action::cancelled;
+        return;
+    case PresetConflict::replace:
+        result.action = Action::replaced;
+        return;
+    case PresetConflict::copy:
+        result.action = Action::copied;
+        while (store.presetEntry(result.id + "_" + std::to_string(number))) ++number;
+        numberTheNames(document, number);
+        result.id += "_" + std::to_string(number);
+        document.setID(result.id);
+    }
+}
+
+/// Saves the profiles that travel in a preset, each told to `before` ahead of its file. One whose name the
+/// program carries is saved under a name with the preset's id, and the preset then uses that.
+template <typename Before>
+void saveEmbedded(ProfileStore& store, PresetDocument& document, const std::string& id, const Before& before)
+{
+    Renamings renamings;
+    JSONValue saved = JSONValue::object();
+    for (const ProfileKind kind : kProfileKinds) {
+        const std::string kindText(rawText(kind));
+        const JSONValue* profiles = objectValue(memberOf(document.embedded(), kindText));
+        if (!profiles || kind == ProfileKind::presets) continue;
+        for (const auto& [name, profile] : profiles->items()) {
+            std::string savedAs = name;
+            if (store.isBuiltin(kind, name)) {
+                savedAs = name + "__" + id;
+                renamings[{kind, name}] = savedAs;
+                document.warnings.push_back(T("preset.note.profileRenamed",
+                                              {{"name", name}, {"kind", kindText}, {"saved", savedAs}}));
+            }
+            if (UserFiles::staysInFolder(savedAs)) before(kind, savedAs);
+            store.saveUserProfile(kind, savedAs, prettyJson(profile));
+            saved[kindText][savedAs] = profile;
+        }
+    }
+    if (!saved.empty()) document.setEmbedded(std::move(saved));
+    renameReferences(document.json, renamings);
+}
+
 } // namespace
 
 PresetImportResult ProfileStore::importPreset(const Path& url, PresetConflict onConflict)
 {
-    using Action = PresetImportResult::Action;
     const std::string fileName = url.filename().string();
     std::string text;
     try {
@@ -89,54 +141,20 @@ PresetImportResult ProfileStore::importPreset(const Path& url, PresetConflict on
 
     PresetImportResult result;
     result.id = document.id();
-    if (presetEntry(result.id)) {
-        switch (onConflict) {
-        case PresetConflict::ask:
-            throw PresetError(T("preset.idTaken", {{"id", result.id}}), true);
-        case PresetConflict::cancel:
-            result.action = Action::cancelled;
-            result.warnings = document.warnings;
-            return result;
-        case PresetConflict::replace:
-            result.action = Action::replaced;
-            break;
-        case PresetConflict::copy:
-            result.action = Action::copied;
-            int number = 2;
-            while (presetEntry(result.id + "_" + std::to_string(number))) ++number;
-            numberTheNames(document, number);
-            result.id += "_" + std::to_string(number);
-            document.setID(result.id);
-        }
+    if (presetEntry(result.id)) settleConflict(*this, onConflict, document, result);
+    if (result.action == PresetImportResult::Action::cancelled) {
+        result.warnings = document.warnings;
+        return result;
     }
-
     Undo undo;
     try {
-        Renamings renamings;
-        JSONValue saved = JSONValue::object();
-        for (const Kind kind : kProfileKinds) {
-            const std::string kindText(rawText(kind));
-            const JSONValue* profiles = objectValue(memberOf(document.embedded(), kindText));
-            if (!profiles || kind == Kind::presets) continue;
-            for (const auto& [name, profile] : profiles->items()) {
-                std::string savedAs = name;
-                if (isBuiltin(kind, name)) {
-                    savedAs = name + "__" + result.id;
-                    renamings[{kind, name}] = savedAs;
-                    document.warnings.push_back(T("preset.note.profileRenamed",
-                                                  {{"name", name}, {"kind", kindText}, {"saved", savedAs}}));
-                }
-                if (UserFiles::staysInFolder(savedAs)) undo.remember(userFile(kind, savedAs));
-                saveUserProfile(kind, savedAs, prettyJson(profile));
-                saved[kindText][savedAs] = profile;
-            }
-        }
-        if (!saved.empty()) document.setEmbedded(std::move(saved));
-        renameReferences(document.json, renamings);
+        saveEmbedded(*this, document, result.id,
+                     [&](Kind kind, const std::string& name) { undo.remember(userFile(kind, name)); });
         undo.remember(userFile(Kind::presets, result.id));
         result.url = write(document);
     } catch (const std::exception& error) {
-        throw PresetError(T("preset.err.importFailed", {{"file", fileName}, {"error", error.what()}}));
+        throw PresetError(
+            T("preset.err.importFailed", {{"file", fileName}, {"error", ErrorWords::of(error)}}));
     }
     undo.keepAll();
     result.warnings = document.warnings;
