@@ -137,7 +137,8 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
     command.add_flag("--tolerant", into.tolerant, T("cli.help.tolerant"));
     command.add_option("--author", into.author, T("cli.help.author"))->type_name("NAME");
     command.add_option("--copyright", into.copyright, T("cli.help.copyright"))->type_name("NOTICE");
-    command.add_flag("!--no-recipe", into.recipe, T("cli.help.noRecipe"));
+    command.add_flag_callback(
+        "--no-recipe", [&into] { into.recipe = false; }, T("cli.help.noRecipe"));
 }
 
 void describeMeasure(CLI::App& command, MeasureArguments& into)

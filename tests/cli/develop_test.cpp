@@ -169,7 +169,7 @@ TEST_F(DevelopTest, BadOptionFilesGiveOneSentence)
         expectFailure(run({kPicture.string(), "--options", (sources_ / "o.json").string()}), says);
     }
     expectFailure(run({kPicture.string(), "--options", (sources_ / "none.json").string()}), "none.json");
-    expectFailure(run({kPicture.string(), "--options", sources_.path().string()}), "is a folder");
+    expectFailure(run({kPicture.string(), "--options", sources_.path().string()}), "is a directory");
 }
 
 TEST_F(DevelopTest, BadProfilesGiveOneSentence)

@@ -23,6 +23,10 @@ TEST(ShotProperties, ComeFromEveryContainer)
          "Clemens Engelhardt", 50},
         {"modern/shot.webp", "Synthetic", "Bayer One", "Synthetic 50mm F2", "2024:05:17 12:34:56", "+02:00",
          "Clemens Engelhardt", 50},
+        {"modern/shot.jxl", "Synthetic", "Bayer One", "Synthetic 50mm F2", "2024:05:17 12:34:56", "+02:00",
+         "Clemens Engelhardt", 50},
+        {"modern/shot-packed.jxl", "Synthetic", "Bayer One", "Synthetic 50mm F2", "2024:05:17 12:34:56",
+         "+02:00", "Clemens Engelhardt", 50}, // behind the picture, in a box packed with Brotli
         // Its boxes end in damage; what stands before it counts.
         {"raw/truncated/truncated.cr3", "Canon", "Canon EOS M50", "EF-M15-45mm f/3.5-6.3 IS STM",
          "2018:02:21 12:08:56", "+00:00", "", 15},
@@ -39,7 +43,8 @@ TEST(ShotProperties, ComeFromEveryContainer)
         EXPECT_EQ(shot.artist.value_or(""), c.artist) << c.file;
         EXPECT_EQ(shot.focalMm.value_or(0), c.focalMm) << c.file;
     }
-    EXPECT_FALSE(readShotProperties(sample("patterns/rgb8.png")).camera);
+    for (const char* bare : {"patterns/rgb8.png", "modern/rgb8.jxl"})
+        EXPECT_FALSE(readShotProperties(sample(bare)).camera);
     EXPECT_FALSE(readShotProperties("nowhere.jpg").camera);
 }
 
