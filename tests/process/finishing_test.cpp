@@ -328,6 +328,28 @@ TEST(Finishing, APreviewShowsTheFile)
     }
 }
 
+// A type too soft to be drawn pixel by pixel: in light the same as one a hair less soft.
+TEST(Finishing, CoarseTypeIsAsSmoothAsFine)
+{
+    const auto curvature = [](const Plane& mask) {
+        double most = 0.0;
+        for (std::int64_t y = 1; y + 1 < mask.height; ++y)
+            for (std::int64_t x = 1; x + 1 < mask.width; ++x)
+                most = std::max(most, std::abs(4.0 * mask.at(x, y) - mask.at(x - 1, y) - mask.at(x + 1, y) -
+                                               mask.at(x, y - 1) - mask.at(x, y + 1)));
+        return most;
+    };
+    const TextTile fine = rasterize("Ag", 400, 47.9, {2000, 2000});
+    const TextTile coarse = rasterize("Ag", 400, 48.0, {2000, 2000});
+    ASSERT_EQ(fine.h, coarse.h);
+    double worst = 0.0;
+    for (std::int64_t y = 0; y < fine.mask.height; ++y)
+        for (std::int64_t x = 0; x < fine.mask.width; ++x)
+            worst = std::max(worst, std::abs(static_cast<double>(fine.mask.at(x, y) - coarse.mask.at(x, y))));
+    EXPECT_LT(worst, 0.004);
+    EXPECT_NEAR(curvature(coarse.mask) / curvature(fine.mask), 1.0, 0.05);
+}
+
 TEST(Finishing, BoundsWhatNoSheetCanHold)
 {
     std::string endless;
