@@ -45,7 +45,8 @@ float gainOf(double gain, const NoiseField& field)
 
 /// Sigma that fibres of sigmaUm are drawn with at the pixels. Fibres that a pixel can't resolve are still not
 /// quite strange to each other in neighbouring pixels, by exp(-1 / 4 (sigma² + 1/12)) in pixels; a kernel of
-/// whole taps, whose neighbour weighs half of that, keeps what is left of them when the print is seen smaller.
+/// whole taps, whose neighbour weighs half of that, keeps what is left of them when the print is seen
+/// smaller.
 double drawnFibreUm(double sigmaUm, double pxUm)
 {
     constexpr double kWhole = 0.6; // pixels, from which on a field is drawn as it is
@@ -61,8 +62,7 @@ void applyFibre(Plane& amount, const Ground& on, const PaperTexture& texture)
     const double wideAmp = held(texture.wideAmp.value_or(0.55));
     const double norm = 1.0 / std::sqrt(1.0 + wideAmp * wideAmp);
     const double px = std::max(on.pxUm, kMinPxUm);
-    const NoiseField fine =
-        NoiseField::gaussian(on.size, drawnFibreUm(fineUm, px), px, on.key(kFibreFine));
+    const NoiseField fine = NoiseField::gaussian(on.size, drawnFibreUm(fineUm, px), px, on.key(kFibreFine));
     const NoiseField wide =
         NoiseField::gaussian(on.size, std::max(wideUm, on.pxUm), on.pxUm, on.key(kFibreWide));
     const FieldMix mix{static_cast<float>(on.amp), gainOf(norm * gaussianPixelGain(fineUm, on.pxUm), fine),

@@ -35,16 +35,13 @@ TextTile rasterize(std::string_view text, std::int64_t capPx, double blur, Size 
     tile.pad = std::max<std::int64_t>(static_cast<std::int64_t>(std::ceil(4.0 * blur)) + 2, 3);
     tile.w = w + 2 * tile.pad;
     tile.h = h + 2 * tile.pad;
+    if (capPx > kLargestPx) return tile;
 
     // A sheet's width from the tile's corner, and what the blur reaches beyond it, in whole drawn pixels.
     const std::int64_t side = drawnSide(blur);
     const auto whole = [&](std::int64_t px) { return (px + side - 1) / side * side; };
     const std::int64_t width = whole(std::min(tile.w, sheet.width + 2 * tile.pad));
     const std::int64_t height = whole(std::min(tile.h, sheet.height + 2 * tile.pad));
-    if (capPx > kLargestPx) {
-        tile.mask = Plane(width, height);
-        return tile;
-    }
     const double baseline = static_cast<double>(h) * 0.28 + static_cast<double>(tile.pad);
     Plane drawn(width / side, height / side);
     const double perSide = 1.0 / static_cast<double>(side);
