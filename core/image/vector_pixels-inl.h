@@ -63,12 +63,12 @@ HWY_INLINE V pow01(D d, V v, float power)
     return hn::IfThenElseZero(hn::Gt(held, tiny), raised);
 }
 
-/// The next `count` floats, at most a vector of them; lanes beyond are 0.
+/// The next `count` values, at most a vector of them; lanes beyond are 0.
 template <class D>
-HWY_INLINE hn::Vec<D> loadRun(D d, const float* from, std::size_t count)
+HWY_INLINE hn::Vec<D> loadRun(D d, const hn::TFromD<D>* from, std::size_t count)
 {
     if (count >= hn::Lanes(d)) return hn::LoadU(d, from);
-    HWY_ALIGN float block[hn::MaxLanes(d)] = {};
+    HWY_ALIGN hn::TFromD<D> block[hn::MaxLanes(d)] = {};
     for (std::size_t k = 0; k < count; ++k) block[k] = from[k];
     return hn::Load(d, block);
 }
@@ -81,6 +81,30 @@ HWY_INLINE void storeRun(D d, V v, float* to, std::size_t count)
     HWY_ALIGN float block[hn::MaxLanes(d)];
     hn::Store(v, d, block);
     for (std::size_t k = 0; k < count; ++k) to[k] = block[k];
+}
+
+/// The next `count` interleaved pixels, at most a vector of them; lanes beyond are 0.
+template <class D>
+HWY_INLINE Triple<hn::Vec<D>> loadTriple(D d, const float* from, std::size_t count)
+{
+    Triple<hn::Vec<D>> out;
+    HWY_ALIGN float block[3 * hn::MaxLanes(d)] = {};
+    if (count < hn::Lanes(d)) {
+        for (std::size_t k = 0; k < count * 3; ++k) block[k] = from[k];
+        from = block;
+    }
+    hn::LoadInterleaved3(d, from, out.r, out.g, out.b);
+    return out;
+}
+
+/// The first `count` lanes, at most all of them, to interleaved pixels.
+template <class D, class V>
+HWY_INLINE void storeTriple(D d, const Triple<V>& v, float* to, std::size_t count)
+{
+    if (count >= hn::Lanes(d)) return hn::StoreInterleaved3(v.r, v.g, v.b, d, to);
+    HWY_ALIGN float block[3 * hn::MaxLanes(d)];
+    hn::StoreInterleaved3(v.r, v.g, v.b, d, block);
+    for (std::size_t k = 0; k < count * 3; ++k) to[k] = block[k];
 }
 
 /// op(index, samples) gives a vector of outputs for out[0...count); the last ones by way of a padded block.
@@ -102,24 +126,12 @@ HWY_INLINE void eachRun(D d, float* out, std::size_t count, const Op& op)
 template <class D, class Op>
 HWY_INLINE void eachTriple(D d, float* pixels, std::size_t count, const Op& op)
 {
-    using V = hn::Vec<D>;
     const std::size_t lanes = hn::Lanes(d);
     std::size_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
-        V r, g, b;
-        hn::LoadInterleaved3(d, pixels + i * 3, r, g, b);
-        const Triple<V> out = op(Triple<V>{r, g, b}, i, lanes);
-        hn::StoreInterleaved3(out.r, out.g, out.b, d, pixels + i * 3);
-    }
-    if (const std::size_t rest = count - i; rest > 0) {
-        HWY_ALIGN float block[3 * hn::MaxLanes(d)] = {};
-        for (std::size_t k = 0; k < rest * 3; ++k) block[k] = pixels[i * 3 + k];
-        V r, g, b;
-        hn::LoadInterleaved3(d, block, r, g, b);
-        const Triple<V> out = op(Triple<V>{r, g, b}, i, rest);
-        hn::StoreInterleaved3(out.r, out.g, out.b, d, block);
-        for (std::size_t k = 0; k < rest * 3; ++k) pixels[i * 3 + k] = block[k];
-    }
+    for (; i + lanes <= count; i += lanes)
+        storeTriple(d, op(loadTriple(d, pixels + i * 3, lanes), i, lanes), pixels + i * 3, lanes);
+    if (const std::size_t rest = count - i; rest > 0)
+        storeTriple(d, op(loadTriple(d, pixels + i * 3, rest), i, rest), pixels + i * 3, rest);
 }
 
 } // namespace HWY_NAMESPACE

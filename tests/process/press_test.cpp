@@ -203,6 +203,8 @@ TEST(Press, KeepsTheToneOfAGreyCard)
             options.reproRaster = "off";
             const Vec3d light = meansOf(printed(c.paper, flat(220, 220, 0.18f), c.pxUm, options));
             for (std::size_t i = 0; i < 3; ++i) mean[i] += light[i] / baseOf(c.paper)[i] / kSeeds;
+            // Green is where three screens in resonance would show: by a twelfth, this way or that.
+            EXPECT_NEAR(light[1] / baseOf(c.paper)[1], 0.18, 0.18 * 0.03) << c.paper << " " << seed;
         }
         for (const double channel : mean) EXPECT_NEAR(channel, 0.18, 0.18 * 0.02) << c.paper;
     }

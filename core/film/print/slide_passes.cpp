@@ -6,7 +6,7 @@
 
 #include "core/film/emulsion/vector_curve-inl.h"
 #include "core/film/print/vector_look-inl.h"
-#include "core/image/bands.h"
+#include "core/image/each_pixel.h"
 
 #include <cmath>
 
@@ -103,20 +103,6 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace tamlo {
-namespace {
-
-/// run(first float, pixels) on bands of rows.
-template <typename Run>
-void inBands(RGBImage& image, const Run& run)
-{
-    float* data = image.mutableData();
-    const std::int64_t width = image.width;
-    parallelBands(image.height, width * 3, [&](std::int64_t start, std::int64_t end) {
-        run(data + start * width * 3, static_cast<std::size_t>((end - start) * width));
-    });
-}
-
-} // namespace
 
 HWY_EXPORT(positiveOutRun);
 HWY_EXPORT(slidePrintRun);
@@ -124,14 +110,14 @@ HWY_EXPORT(scanPositiveRun);
 
 void positive_out(RGBImage& density, float reference, const Film::LookOp& look)
 {
-    inBands(density, [&](float* pixels, std::size_t count) {
+    eachBand(density, [&](float* pixels, std::int64_t, std::size_t count) {
         HWY_DYNAMIC_DISPATCH(positiveOutRun)(pixels, count, reference, look);
     });
 }
 
 void slide_print(RGBImage& transmission, const SlidePrintParams& params)
 {
-    inBands(transmission, [&](float* pixels, std::size_t count) {
+    eachBand(transmission, [&](float* pixels, std::int64_t, std::size_t count) {
         HWY_DYNAMIC_DISPATCH(slidePrintRun)(pixels, count, params);
     });
 }
@@ -139,7 +125,7 @@ void slide_print(RGBImage& transmission, const SlidePrintParams& params)
 void scan_positive(RGBImage& image, const Film::ScanPositive& params)
 {
     const HDCurve tone = Film::scanToneCurve(params.black, params.white, params.dcap);
-    inBands(image, [&](float* pixels, std::size_t count) {
+    eachBand(image, [&](float* pixels, std::int64_t, std::size_t count) {
         HWY_DYNAMIC_DISPATCH(scanPositiveRun)(pixels, count, params, tone);
     });
 }

@@ -5,7 +5,7 @@
 #include "core/process/altprint/alt_passes.h"
 
 #include "core/film/emulsion/vector_curve-inl.h"
-#include "core/image/bands.h"
+#include "core/image/each_pixel.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
@@ -107,20 +107,6 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace tamlo {
-namespace {
-
-/// work(samples, first sample's index, samples) on bands of a plane.
-template <typename Work>
-void bands(Plane& plane, const Work& work)
-{
-    float* values = plane.mutableData();
-    const std::int64_t width = plane.width;
-    parallelBands(plane.height, width, [&](std::int64_t start, std::int64_t end) {
-        work(values + start * width, start * width, static_cast<std::size_t>((end - start) * width));
-    });
-}
-
-} // namespace
 
 HWY_EXPORT(amountRun);
 HWY_EXPORT(shapeRun);
@@ -132,7 +118,7 @@ HWY_EXPORT(compositeRun);
 
 void alt_amount(Plane& density, const HDCurve& curve, float d0, float printEvTerm)
 {
-    bands(density, [&](float* values, std::int64_t, std::size_t n) {
+    eachBand(density, [&](float* values, std::int64_t, std::size_t n) {
         HWY_DYNAMIC_DISPATCH(amountRun)(values, n, curve, d0, printEvTerm);
     });
 }
@@ -142,50 +128,43 @@ void alt_shape(Plane& amount, float inkFloor, float plug)
     constexpr float kLeast = 1e-4f;
     const float floor = inkFloor > kLeast ? inkFloor : 0.0f, fill = plug > kLeast ? plug : 0.0f;
     if (floor == 0.0f && fill == 0.0f) return;
-    bands(amount, [&](float* values, std::int64_t, std::size_t n) {
+    eachBand(amount, [&](float* values, std::int64_t, std::size_t n) {
         HWY_DYNAMIC_DISPATCH(shapeRun)(values, n, floor, fill);
     });
 }
 
 void alt_pickup(Plane& amount, float pickup)
 {
-    bands(amount, [&](float* values, std::int64_t, std::size_t n) {
+    eachBand(amount, [&](float* values, std::int64_t, std::size_t n) {
         HWY_DYNAMIC_DISPATCH(pickupRun)(values, n, pickup);
     });
 }
 
 void alt_clamp(Plane& amount)
 {
-    bands(amount, [](float* values, std::int64_t, std::size_t n) {
+    eachBand(amount, [](float* values, std::int64_t, std::size_t n) {
         HWY_DYNAMIC_DISPATCH(clampRun)(values, n);
     });
 }
 
 void alt_clamp(RGBImage& image)
 {
-    float* values = image.mutableData();
-    const std::int64_t samples = image.width * 3;
-    parallelBands(image.height, samples, [&](std::int64_t start, std::int64_t end) {
-        HWY_DYNAMIC_DISPATCH(clampRun)
-        (values + start * samples, static_cast<std::size_t>((end - start) * samples));
+    eachBand(image, [](float* values, std::int64_t, std::size_t pixels) {
+        HWY_DYNAMIC_DISPATCH(clampRun)(values, pixels * 3);
     });
 }
 
 void alt_window(Plane& amount, const Plane& mask, float band)
 {
-    bands(amount, [&](float* values, std::int64_t first, std::size_t n) {
+    eachBand(amount, [&](float* values, std::int64_t first, std::size_t n) {
         HWY_DYNAMIC_DISPATCH(windowRun)(values, mask.data.data() + first, n, band);
     });
 }
 
 void alt_colorize(RGBImage& out, const Plane& amount, const ColorizeParams& params)
 {
-    float* pixels = out.mutableData();
-    const std::int64_t width = amount.width;
-    parallelBands(amount.height, width * 3, [&](std::int64_t start, std::int64_t end) {
-        HWY_DYNAMIC_DISPATCH(colorizeRun)
-        (pixels + start * width * 3, amount.row(start), static_cast<std::size_t>((end - start) * width),
-         params);
+    eachBand(out, [&](float* pixels, std::int64_t first, std::size_t n) {
+        HWY_DYNAMIC_DISPATCH(colorizeRun)(pixels, amount.data.data() + first, n, params);
     });
 }
 
@@ -196,10 +175,8 @@ void composite_run(float* pixels, const float* mask, std::int64_t count, const V
 
 void composite_mask(RGBImage& image, const Plane& mask, const Vec3f& colour)
 {
-    float* pixels = image.mutableData();
-    const std::int64_t width = image.width;
-    parallelBands(image.height, width * 3, [&](std::int64_t start, std::int64_t end) {
-        composite_run(pixels + start * width * 3, mask.row(start), (end - start) * width, colour);
+    eachBand(image, [&](float* pixels, std::int64_t first, std::size_t n) {
+        HWY_DYNAMIC_DISPATCH(compositeRun)(pixels, mask.data.data() + first, n, colour);
     });
 }
 

@@ -43,14 +43,26 @@ float gainOf(double gain, const NoiseField& field)
     return static_cast<float>(gain) * field.scale();
 }
 
+/// Sigma that fibres of sigmaUm are drawn with at the pixels. Fibres that a pixel can't resolve are still not
+/// quite strange to each other in neighbouring pixels, by exp(-1 / 4 (sigma² + 1/12)) in pixels; a kernel of
+/// whole taps, whose neighbour weighs half of that, keeps what is left of them when the print is seen
+/// smaller.
+double drawnFibreUm(double sigmaUm, double pxUm)
+{
+    constexpr double kWhole = 0.6; // pixels, from which on a field is drawn as it is
+    const double sigma = sigmaUm / pxUm;
+    if (sigma >= kWhole) return sigmaUm;
+    const double seen = sigma * sigma + 1.0 / 12.0;
+    return std::min(std::sqrt(1.0 / (0.5 / seen + 2.0 * std::numbers::ln2)), kWhole) * pxUm;
+}
+
 void applyFibre(Plane& amount, const Ground& on, const PaperTexture& texture)
 {
     const double fineUm = texture.fineUm.value_or(45.0), wideUm = texture.wideUm.value_or(900.0);
     const double wideAmp = held(texture.wideAmp.value_or(0.55));
     const double norm = 1.0 / std::sqrt(1.0 + wideAmp * wideAmp);
-    // Narrower noise than this would only be the pixel grid's own.
-    const NoiseField fine =
-        NoiseField::gaussian(on.size, std::max(fineUm, 0.6 * on.pxUm), on.pxUm, on.key(kFibreFine));
+    const double px = std::max(on.pxUm, kMinPxUm);
+    const NoiseField fine = NoiseField::gaussian(on.size, drawnFibreUm(fineUm, px), px, on.key(kFibreFine));
     const NoiseField wide =
         NoiseField::gaussian(on.size, std::max(wideUm, on.pxUm), on.pxUm, on.key(kFibreWide));
     const FieldMix mix{static_cast<float>(on.amp), gainOf(norm * gaussianPixelGain(fineUm, on.pxUm), fine),

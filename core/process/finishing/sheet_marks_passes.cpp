@@ -15,6 +15,34 @@ float roundedBox(float qx, float qy, float r)
     return std::sqrt(qx * qx + qy * qy) - r;
 }
 
+/// The same with its corner eased over `ease` pixels. In a corner tighter than the groove is wide the
+/// distance has a crease, along the diagonal inside it and round the arc's centre, and a crease's curvature
+/// grows with the pixels a millimetre: it would show as a bright scratch.
+float easedBox(float qx, float qy, float r, float ease)
+{
+    const auto above = [&](float q) { return 0.5f * (q + std::sqrt(q * q + ease * ease)); };
+    const float a = above(qx), b = above(qy);
+    const float in = std::min(above(-qx), above(-qy)), over = in / std::max(above(-qx), above(-qy));
+    return std::sqrt(a * a + b * b) - in / std::sqrt(std::sqrt(1.0f + over * over * over * over)) - r;
+}
+
+/// Half-widths of radius below which a line's corner is eased, and how far.
+constexpr float kTightCorner = 3.0f, kEase = 0.5f;
+
+/// How far from the corner along a side the easing reaches.
+float easeReach(const SheetPlan::LineStep& g, float lw)
+{
+    return g.r < kTightCorner * lw ? 12.0f * kEase * lw : 0.0f;
+}
+
+float lineBox(float x, float y, const SheetPlan::LineStep& g, float lw)
+{
+    const float qx = std::abs(x - g.cx) - g.bx, qy = std::abs(y - g.cy) - g.by;
+    const float far = easeReach(g, lw);
+    if (far > 0.0f && std::min(qx, qy) > -far) return easedBox(qx, qy, g.r, kEase * lw);
+    return roundedBox(qx, qy, g.r);
+}
+
 /// A groove's depth d half-widths from its middle.
 float groove(float d)
 {
@@ -31,7 +59,7 @@ float grooveHeight(float x, float y, const SheetPlan::Line& line)
                 height += groove(std::sqrt(seg * seg + (y - yl) * (y - yl)) / line.lw);
             }
         } else {
-            height += groove(roundedBox(std::abs(x - g.cx) - g.bx, std::abs(y - g.cy) - g.by, g.r) / line.lw);
+            height += groove(lineBox(x, y, g, line.lw) / line.lw);
         }
     }
     return height;
@@ -43,7 +71,7 @@ float straightReach(float y, const SheetPlan::Line& line)
 {
     float reach = line.tb ? line.geo.front().half : line.geo.front().bx;
     for (const SheetPlan::LineStep& g : line.geo) {
-        reach = std::min(reach, line.tb ? g.half : g.bx);
+        reach = std::min(reach, line.tb ? g.half : g.bx - easeReach(g, line.lw));
         if (!line.tb && std::abs(y - g.cy) <= g.by) return -1.0f;
     }
     return reach;

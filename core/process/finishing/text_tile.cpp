@@ -1,6 +1,7 @@
 #include "core/process/finishing/text_tile.h"
 
 #include "core/image/gaussian.h"
+#include "core/image/resample.h"
 #include "core/process/finishing/sheet_marks_passes.h"
 #include "platform/text_line.h"
 
@@ -12,6 +13,15 @@ namespace {
 
 /// Larger letters than any sheet shows whole press nothing.
 constexpr std::int64_t kLargestPx = 40'000;
+
+/// Pixels a side of one that is drawn: a type softer than any printer could show is drawn coarser and
+/// enlarged, so that its kernel stays within reason. What is left of the softness is many drawn pixels wide,
+/// and the enlargement smooth: no facet shows in the light on it.
+std::int64_t drawnSide(double blur)
+{
+    constexpr double kLeastSigmaPx = 24.0;
+    return std::max<std::int64_t>(static_cast<std::int64_t>(blur / kLeastSigmaPx), 1);
+}
 
 } // namespace
 
@@ -25,17 +35,22 @@ TextTile rasterize(std::string_view text, std::int64_t capPx, double blur, Size 
     tile.pad = std::max<std::int64_t>(static_cast<std::int64_t>(std::ceil(4.0 * blur)) + 2, 3);
     tile.w = w + 2 * tile.pad;
     tile.h = h + 2 * tile.pad;
-
-    // A sheet's width from the tile's corner, and what the blur reaches beyond it.
-    const std::int64_t width = std::min(tile.w, sheet.width + 2 * tile.pad);
-    const std::int64_t height = std::min(tile.h, sheet.height + 2 * tile.pad);
-    tile.mask = Plane(width, height);
     if (capPx > kLargestPx) return tile;
+
+    // A sheet's width from the tile's corner, and what the blur reaches beyond it, in whole drawn pixels.
+    const std::int64_t side = drawnSide(blur);
+    const auto whole = [&](std::int64_t px) { return (px + side - 1) / side * side; };
+    const std::int64_t width = whole(std::min(tile.w, sheet.width + 2 * tile.pad));
+    const std::int64_t height = whole(std::min(tile.h, sheet.height + 2 * tile.pad));
     const double baseline = static_cast<double>(h) * 0.28 + static_cast<double>(tile.pad);
-    coverage_mask(tile.mask, line.draw(static_cast<std::size_t>(width), static_cast<std::size_t>(height),
-                                       {em, static_cast<double>(tile.pad + 2),
-                                        baseline - static_cast<double>(tile.h - height)}));
-    tile.mask = gaussianFilter(std::move(tile.mask), blur, EdgeMode::nearest);
+    Plane drawn(width / side, height / side);
+    const double perSide = 1.0 / static_cast<double>(side);
+    coverage_mask(drawn,
+                  line.draw(static_cast<std::size_t>(drawn.width), static_cast<std::size_t>(drawn.height),
+                            {em * perSide, static_cast<double>(tile.pad + 2) * perSide,
+                             (baseline - static_cast<double>(tile.h - height)) * perSide}));
+    drawn = gaussianFilter(std::move(drawn), blur * perSide, EdgeMode::nearest);
+    tile.mask = side == 1 ? std::move(drawn) : pilResize(drawn, {width, height}, Resampling::bicubic);
     return tile;
 }
 

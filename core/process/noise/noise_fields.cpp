@@ -1,6 +1,6 @@
 #include "core/process/noise/noise_fields.h"
 
-#include "core/image/bands.h"
+#include "core/image/each_pixel.h"
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
@@ -26,10 +26,8 @@ FieldStats statsOf(double sum, double squares, double count, double shift)
 
 void scalePlane(Plane& plane, float factor)
 {
-    float* values = plane.mutableData();
-    const std::int64_t width = plane.width;
-    parallelBands(plane.height, width, [&](std::int64_t start, std::int64_t end) {
-        scale_run(values + start * width, factor, (end - start) * width);
+    eachBand(plane, [&](float* values, std::int64_t, std::size_t n) {
+        scale_run(values, factor, static_cast<std::int64_t>(n));
     });
 }
 

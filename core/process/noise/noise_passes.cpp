@@ -5,41 +5,21 @@
 #include "core/process/noise/noise_passes.h"
 
 #include "core/image/vector_noise-inl.h"
+#include "core/image/vector_pixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
 namespace HWY_NAMESPACE {
 
-/// The last samples of a run go through the same vector code by way of a padded block.
-template <class D, class T>
-HWY_INLINE hn::Vec<D> loadUpTo(D d, const T* from, std::int64_t count)
-{
-    if (count >= static_cast<std::int64_t>(hn::Lanes(d))) return hn::LoadU(d, from);
-    HWY_ALIGN T block[hn::MaxLanes(d)] = {};
-    for (std::int64_t k = 0; k < count; ++k) block[k] = from[k];
-    return hn::Load(d, block);
-}
-
-template <class D, class V>
-HWY_INLINE void storeUpTo(D d, V v, float* to, std::int64_t count)
-{
-    if (count >= static_cast<std::int64_t>(hn::Lanes(d))) return hn::StoreU(v, d, to);
-    HWY_ALIGN float block[hn::MaxLanes(d)];
-    hn::Store(v, d, block);
-    for (std::int64_t k = 0; k < count; ++k) to[k] = block[k];
-}
-
 void noiseRow(float* to, std::span<const std::uint32_t> columns, std::int64_t y, std::uint32_t layer)
 {
     const hn::ScalableTag<float> d;
     const hn::RebindToUnsigned<decltype(d)> du;
-    const auto n = static_cast<std::int64_t>(columns.size());
     const std::uint32_t row = static_cast<std::uint32_t>(y) * 0x85EBCA77u + layer * 0xC2B2AE3Du;
-    for (std::int64_t i = 0; i < n; i += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const auto b = hashLanes(du, hn::Add(loadUpTo(du, columns.data() + i, n - i), hn::Set(du, row)));
-        const auto c = hashLanes(du, hn::Xor(b, hn::Set(du, 0x27D4EB2Fu)));
-        storeUpTo(d, normalLanes(d, b, c), to + i, n - i);
-    }
+    eachRun(d, to, columns.size(), [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const auto b = hashLanes(du, hn::Add(loadRun(du, columns.data() + i, n), hn::Set(du, row)));
+        return normalLanes(d, b, hashLanes(du, hn::Xor(b, hn::Set(du, 0x27D4EB2Fu))));
+    });
 }
 
 RunSums fieldSums(const float* run, std::int64_t count, float shift)
@@ -67,17 +47,17 @@ RunSums fieldSums(const float* run, std::int64_t count, float shift)
 void subtractRun(float* to, const float* a, const float* b, std::int64_t count)
 {
     const hn::ScalableTag<float> d;
-    for (std::int64_t i = 0; i < count; i += static_cast<std::int64_t>(hn::Lanes(d)))
-        storeUpTo(d, hn::Sub(loadUpTo(d, a + i, count - i), loadUpTo(d, b + i, count - i)), to + i,
-                  count - i);
+    eachRun(d, to, static_cast<std::size_t>(count), [&](std::size_t i, std::size_t n) HWY_ATTR {
+        return hn::Sub(loadRun(d, a + i, n), loadRun(d, b + i, n));
+    });
 }
 
 void scaleRun(float* values, float factor, std::int64_t count)
 {
     const hn::ScalableTag<float> d;
     const auto f = hn::Set(d, factor);
-    for (std::int64_t i = 0; i < count; i += static_cast<std::int64_t>(hn::Lanes(d)))
-        storeUpTo(d, hn::Mul(loadUpTo(d, values + i, count - i), f), values + i, count - i);
+    eachRun(d, values, static_cast<std::size_t>(count),
+            [&](std::size_t i, std::size_t n) HWY_ATTR { return hn::Mul(loadRun(d, values + i, n), f); });
 }
 
 } // namespace HWY_NAMESPACE

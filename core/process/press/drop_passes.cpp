@@ -17,13 +17,14 @@ void inkFmRun(float* to, std::int64_t count, const DropRow& row)
     const hn::RebindToSigned<decltype(d)> di;
     const auto one = hn::Set(d, 1.0f);
     for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const auto k = row.band ? loadUpTo(d, row.band + x, count - x) : hn::Set(d, row.rowBand);
-        auto a = gainGiven(d, row.curve, clampUnit(d, hn::Mul(loadUpTo(d, row.coverage + x, count - x), k)));
+        const auto left = static_cast<std::size_t>(count - x);
+        const auto k = row.band ? loadRun(d, row.band + x, left) : hn::Set(d, row.rowBand);
+        auto a = gainGiven(d, row.curve, clamp01(d, hn::Mul(loadRun(d, row.coverage + x, left), k)));
         if (row.thresholds) {
             const auto level = hn::GatherIndex(d, row.thresholds, hn::LoadU(di, row.columns + x));
             a = hn::IfThenElseZero(hn::Ge(a, level), one);
         }
-        storeUpTo(d, a, to + x, count - x);
+        storeRun(d, a, to + x, left);
     }
 }
 
@@ -31,13 +32,13 @@ void softenRowRun(float* to, const float* from, std::int64_t count, std::span<co
 {
     const hn::ScalableTag<float> d;
     for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const std::int64_t left = count - x;
-        auto sum = hn::Mul(loadUpTo(d, from + x, left), hn::Set(d, w[0]));
+        const auto left = static_cast<std::size_t>(count - x);
+        auto sum = hn::Mul(loadRun(d, from + x, left), hn::Set(d, w[0]));
         for (std::int64_t j = static_cast<std::int64_t>(w.size()) - 1; j >= 1; --j) {
-            const auto pair = hn::Add(loadUpTo(d, from + x - j, left), loadUpTo(d, from + x + j, left));
+            const auto pair = hn::Add(loadRun(d, from + x - j, left), loadRun(d, from + x + j, left));
             sum = hn::Add(sum, hn::Mul(pair, hn::Set(d, w[static_cast<std::size_t>(j)])));
         }
-        storeUpTo(d, sum, to + x, left);
+        storeRun(d, sum, to + x, left);
     }
 }
 
@@ -46,30 +47,30 @@ void softenColumnRun(float* to, const float* const* rows, std::int64_t count, st
     const hn::ScalableTag<float> d;
     const auto radius = static_cast<std::int64_t>(w.size()) - 1;
     for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const std::int64_t left = count - x;
-        auto sum = hn::Mul(loadUpTo(d, rows[radius] + x, left), hn::Set(d, w[0]));
+        const auto left = static_cast<std::size_t>(count - x);
+        auto sum = hn::Mul(loadRun(d, rows[radius] + x, left), hn::Set(d, w[0]));
         for (std::int64_t j = radius; j >= 1; --j) {
             const auto pair =
-                hn::Add(loadUpTo(d, rows[radius - j] + x, left), loadUpTo(d, rows[radius + j] + x, left));
+                hn::Add(loadRun(d, rows[radius - j] + x, left), loadRun(d, rows[radius + j] + x, left));
             sum = hn::Add(sum, hn::Mul(pair, hn::Set(d, w[static_cast<std::size_t>(j)])));
         }
-        storeUpTo(d, sum, to + x, left);
+        storeRun(d, sum, to + x, left);
     }
 }
 
 void layInkRun(float* pixels, const float* ink, std::int64_t count, const Vec3f& stop)
 {
     const hn::ScalableTag<float> d;
-    using V = hn::Vec<decltype(d)>;
-    const V one = hn::Set(d, 1.0f);
-    for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        V r, g, b;
-        loadTriple(d, pixels + x * 3, count - x, r, g, b);
-        const V a = loadUpTo(d, ink + x, count - x);
-        const auto left = [&](float share) HWY_ATTR { return hn::Sub(one, hn::Mul(a, hn::Set(d, share))); };
-        storeTriple(d, hn::Mul(r, left(stop[0])), hn::Mul(g, left(stop[1])), hn::Mul(b, left(stop[2])),
-                    pixels + x * 3, count - x);
-    }
+    const auto one = hn::Set(d, 1.0f);
+    eachTriple(d, pixels, static_cast<std::size_t>(count),
+               [&](const auto& under, std::size_t x, std::size_t n) HWY_ATTR {
+                   const auto a = loadRun(d, ink + x, n);
+                   const auto through = [&](float share)
+                                            HWY_ATTR { return hn::Sub(one, hn::Mul(a, hn::Set(d, share))); };
+                   return Triple<decltype(a)>{hn::Mul(under.r, through(stop[0])),
+                                              hn::Mul(under.g, through(stop[1])),
+                                              hn::Mul(under.b, through(stop[2]))};
+               });
 }
 
 } // namespace HWY_NAMESPACE

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace tamlo {
 namespace {
@@ -84,6 +85,31 @@ Laydown inkjetLaydown(const InkjetParams& inkjet, double pxUm, std::uint32_t see
     return out;
 }
 
+/// Where in its turn a plate's screen stands at the corner of the sheet, along both its axes.
+std::array<double, 2> turnsAtCorner(const InkPlate& plate, double cellPx)
+{
+    const double angle = screenAngles[plate.ink] * std::numbers::pi / 180.0;
+    const double dx = static_cast<double>(plate.dx) / cellPx, dy = static_cast<double>(plate.dy) / cellPx;
+    return {plate.phase0 - dx * std::cos(angle) - dy * std::sin(angle),
+            plate.phase1 + dx * std::sin(angle) - dy * std::cos(angle)};
+}
+
+/// Brings black into register with the rosette. Screens of one ruling 30 degrees apart are in resonance: the
+/// waves of cyan's first axis (15 degrees) and black's second (135) beat as magenta's first does (75), and
+/// those of black's first (45) and magenta's second (165) as cyan's second (105). Where the dots of the three
+/// meet more often than chance has it, and where less, is told by the turns between such waves, and a whole
+/// sheet would be greener or redder by its seed than its inks ask for. With the two turns half a turn apart
+/// what one adds the other takes, and the tone is the inks' product again; the rosette's form and place stay
+/// the seed's.
+void registerBlack(OffsetPlan& plan)
+{
+    const auto cyan = turnsAtCorner(plan.plates[kCyan], plan.cellPx);
+    const auto magenta = turnsAtCorner(plan.plates[kMagenta], plan.cellPx);
+    const auto black = turnsAtCorner(plan.plates[kBlack], plan.cellPx);
+    const double first = cyan[0] + black[1] - magenta[0], second = cyan[1] - black[0] - magenta[1];
+    plan.plates[kBlack].phase0 += second - first - 0.5;
+}
+
 } // namespace
 
 OffsetPlan ReproPrint::planOffset(const PaperProfile& paper, const RenderOptions& options, double pxUm,
@@ -122,6 +148,7 @@ OffsetPlan ReproPrint::planOffset(const PaperProfile& paper, const RenderOptions
         }
         plan.plates.push_back(plate);
     }
+    if (plan.screened && !mono) registerBlack(plan);
     return plan;
 }
 

@@ -4,8 +4,8 @@
 
 #include "core/process/press/screen_passes.h"
 
+#include "core/image/vector_pixels-inl.h"
 #include "core/process/press/am_screen.h"
-#include "core/process/press/press_math-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
@@ -33,7 +33,7 @@ HWY_INLINE V screenInkLanes(D d, V a, V w, const ScreenRow& row)
     const V room = hn::Min(hn::Mul(two, a), hn::Mul(two, hn::Sub(one, a)));
     const V soft = hn::Max(hn::Min(hn::Set(d, row.edge), room), hn::Set(d, 0.0001f));
     const V share = hn::Add(hn::Div(hn::Sub(a, hn::Sub(one, under)), soft), half);
-    return hn::IfThenElseZero(hn::Gt(a, hn::Zero(d)), clampUnit(d, share));
+    return hn::IfThenElseZero(hn::Gt(a, hn::Zero(d)), clamp01(d, share));
 }
 
 /// Coverage of a drawn pixel: read as it is, or three quarters of a pixel and a quarter of its neighbour.
@@ -48,18 +48,13 @@ HWY_INLINE hn::Vec<D> coverageAt(D d, const ScreenInk& ink, std::size_t drawnRow
     return hn::Add(hn::Mul(own, hn::Set(d, 0.75f)), hn::Mul(other, hn::Set(d, 0.25f)));
 }
 
-template <class V>
-struct Light {
-    V r, g, b;
-};
-
 /// The paper under all inks at one drawn pixel of each printed one.
 template <int kSide, bool kScreened, class D>
-HWY_INLINE Light<hn::Vec<D>> inked(D d, const ScreenRow& row, std::size_t dy, std::size_t dx, std::int64_t x)
+HWY_INLINE Triple<hn::Vec<D>> inked(D d, const ScreenRow& row, std::size_t dy, std::size_t dx, std::int64_t x)
 {
     using V = hn::Vec<D>;
     const V one = hn::Set(d, 1.0f);
-    Light<V> light{hn::Set(d, row.base[0]), hn::Set(d, row.base[1]), hn::Set(d, row.base[2])};
+    Triple<V> light{hn::Set(d, row.base[0]), hn::Set(d, row.base[1]), hn::Set(d, row.base[2])};
     for (const ScreenInk& ink : row.inks) {
         V a = coverageAt<kSide>(d, ink, dy, dx, x);
         if (hn::AllFalse(d, hn::Gt(a, hn::Zero(d)))) continue;
@@ -90,7 +85,7 @@ HWY_INLINE void printRow(float* to, std::int64_t width, const ScreenRow& row)
         }
         if constexpr (kSide > 1)
             light = {hn::Mul(light.r, share), hn::Mul(light.g, share), hn::Mul(light.b, share)};
-        storeTriple(d, light.r, light.g, light.b, to + x * 3, width - x);
+        storeTriple(d, light, to + x * 3, static_cast<std::size_t>(width - x));
     }
 }
 
@@ -104,11 +99,10 @@ void inkAmRow(float* to, std::int64_t width, const ScreenRow& row)
 void blendRun(float* to, const float* a, float wa, const float* b, float wb, std::int64_t count)
 {
     const hn::ScalableTag<float> d;
-    for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const auto first = hn::Mul(loadUpTo(d, a + x, count - x), hn::Set(d, wa));
-        const auto second = hn::Mul(loadUpTo(d, b + x, count - x), hn::Set(d, wb));
-        storeUpTo(d, hn::Add(first, second), to + x, count - x);
-    }
+    eachRun(d, to, static_cast<std::size_t>(count), [&](std::size_t x, std::size_t n) HWY_ATTR {
+        const auto first = hn::Mul(loadRun(d, a + x, n), hn::Set(d, wa));
+        return hn::Add(first, hn::Mul(loadRun(d, b + x, n), hn::Set(d, wb)));
+    });
 }
 
 } // namespace HWY_NAMESPACE

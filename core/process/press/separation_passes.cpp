@@ -6,6 +6,8 @@
 
 #include "core/process/press/press_math-inl.h"
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
 namespace HWY_NAMESPACE {
@@ -48,7 +50,7 @@ HWY_INLINE V through(D d, V a, float stop)
 template <class D, class V>
 HWY_INLINE V coverageOf(D d, V light, float inverse)
 {
-    return clampUnit(d, hn::Mul(hn::Sub(hn::Set(d, 1.0f), light), hn::Set(d, inverse)));
+    return clamp01(d, hn::Mul(hn::Sub(hn::Set(d, 1.0f), light), hn::Set(d, inverse)));
 }
 
 template <class D, class V>
@@ -78,7 +80,7 @@ HWY_INLINE void fourInks(D d, const Separation& s, const SolverTerms& t, Block<V
     solveCMY(d, t, u, a, s.iters);
     for (int i = 0; i < kSide; ++i) {
         const V grey = hn::Min(hn::Min(a[0].v[i], a[1].v[i]), a[2].v[i]);
-        a[kBlack].v[i] = clampUnit(d, hn::Mul(hn::Set(d, s.gcr), grey));
+        a[kBlack].v[i] = clamp01(d, hn::Mul(hn::Set(d, s.gcr), grey));
         for (std::size_t c = 0; c < 3; ++c) {
             const V kap = hn::Max(through(d, a[kBlack].v[i], t.stop[kBlack][c]), hn::Set(d, 1e-6f));
             u[c].v[i] = hn::Clamp(hn::Div(u[c].v[i], kap), least, one);
@@ -100,15 +102,19 @@ HWY_INLINE void limitInk(D d, float tac, V (&a)[4])
     for (std::size_t c = 0; c < 3; ++c) a[c] = hn::Mul(a[c], factor);
 }
 
-/// Separates kSide vectors of pixels, read by load(vector, channels) and written by store(ink, vector,
-/// lanes).
+/// Separates kSide vectors of pixels, read by load(vector) and written by store(ink, vector, lanes).
 template <class D, class Load, class Store>
 HWY_INLINE void separateBlock(D d, const Separation& s, const SolverTerms& t, const Load& load,
                               const Store& store)
 {
     using V = hn::Vec<D>;
     Block<V> u[3], a[4];
-    for (int i = 0; i < kSide; ++i) load(i, u[0].v[i], u[1].v[i], u[2].v[i]);
+    for (int i = 0; i < kSide; ++i) {
+        const Triple<V> light = load(i);
+        u[0].v[i] = light.r;
+        u[1].v[i] = light.g;
+        u[2].v[i] = light.b;
+    }
     fourInks(d, s, t, u, a);
     for (int i = 0; i < kSide; ++i) {
         V inks[4];
@@ -126,11 +132,12 @@ void separateRun(const float* positive, CoverageRow to, std::int64_t count, cons
     const auto lanes = static_cast<std::int64_t>(hn::Lanes(d));
     const SolverTerms t = solverTerms(s);
     for (std::int64_t x = 0; x < count; x += kSide * lanes) {
-        const auto load = [&](int i, V& r, V& g, V& b) HWY_ATTR {
-            loadTriple(d, positive + (x + i * lanes) * 3, count - x - i * lanes, r, g, b);
-        };
+        // The last block's further vectors may lie past the row's end, where there are no pixels.
+        const auto at = [&](int i) HWY_ATTR { return std::min(x + i * lanes, count); };
+        const auto left = [&](int i) HWY_ATTR { return static_cast<std::size_t>(count - at(i)); };
+        const auto load = [&](int i) HWY_ATTR { return loadTriple(d, positive + at(i) * 3, left(i)); };
         const auto store = [&](std::size_t ink, int i, V v)
-                               HWY_ATTR { storeUpTo(d, v, to[ink] + x + i * lanes, count - x - i * lanes); };
+                               HWY_ATTR { storeRun(d, v, to[ink] + at(i), left(i)); };
         separateBlock(d, s, t, load, store);
     }
 }
@@ -140,13 +147,12 @@ void separateBlackRun(const float* positive, float* to, std::int64_t count, cons
     const hn::ScalableTag<float> d;
     using V = hn::Vec<decltype(d)>;
     const float stop = 1.0f - (s.rel[kBlack][0] + s.rel[kBlack][1] + s.rel[kBlack][2]) / 3.0f;
-    for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        V r, g, b;
-        loadTriple(d, positive + x * 3, count - x, r, g, b);
-        const V u = hn::Clamp(r, hn::Set(d, 0.0001f), hn::Set(d, 1.0f));
+    eachRun(d, to, static_cast<std::size_t>(count), [&](std::size_t x, std::size_t n) HWY_ATTR {
+        const V red = loadTriple(d, positive + x * 3, n).r;
+        const V u = hn::Clamp(red, hn::Set(d, 0.0001f), hn::Set(d, 1.0f));
         const V k = gainTaken(d, s.curve, coverageOf(d, u, 1.0f / stop));
-        storeUpTo(d, s.printed ? gainGiven(d, s.curve, k) : k, to + x, count - x);
-    }
+        return s.printed ? gainGiven(d, s.curve, k) : k;
+    });
 }
 
 } // namespace HWY_NAMESPACE

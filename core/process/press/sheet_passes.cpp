@@ -4,13 +4,18 @@
 
 #include "core/process/press/sheet_passes.h"
 
-#include "core/process/press/press_math-inl.h"
-
-#include <hwy/contrib/math/math-inl.h>
+#include "core/image/vector_pixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
 namespace HWY_NAMESPACE {
+
+/// The pixels × gain, held within 0...1.
+template <class D, class V>
+HWY_INLINE Triple<V> gained(D d, const Triple<V>& c, V gain)
+{
+    return {clamp01(d, hn::Mul(c.r, gain)), clamp01(d, hn::Mul(c.g, gain)), clamp01(d, hn::Mul(c.b, gain))};
+}
 
 void mottleRun(float* pixels, const float* fine, const float* wide, std::int64_t count, const MottleRow& row)
 {
@@ -20,16 +25,14 @@ void mottleRun(float* pixels, const float* fine, const float* wide, std::int64_t
     const V perBase = hn::Set(d, 1.0f / (row.baseMean * 3.0f));
     const V fineFactor = hn::Set(d, row.fineFactor), wideFactor = hn::Set(d, row.wideFactor);
     const V amount = hn::Set(d, row.amount);
-    for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        V r, g, b;
-        loadTriple(d, pixels + x * 3, count - x, r, g, b);
-        const V ink = clampUnit(d, hn::Sub(one, hn::Mul(hn::Add(hn::Add(r, g), b), perBase)));
-        const V field = hn::Add(hn::Mul(loadUpTo(d, fine + x, count - x), fineFactor),
-                                hn::Mul(loadUpTo(d, wide + x, count - x), wideFactor));
-        const V gain = hn::Add(one, hn::Mul(hn::Mul(amount, field), hn::Sqrt(ink)));
-        storeTriple(d, clampUnit(d, hn::Mul(r, gain)), clampUnit(d, hn::Mul(g, gain)),
-                    clampUnit(d, hn::Mul(b, gain)), pixels + x * 3, count - x);
-    }
+    eachTriple(d, pixels, static_cast<std::size_t>(count),
+               [&](const Triple<V>& c, std::size_t x, std::size_t n) HWY_ATTR {
+                   const V ink = clamp01(d, hn::Sub(one, hn::Mul(hn::Add(hn::Add(c.r, c.g), c.b), perBase)));
+                   const V field = hn::Add(hn::Mul(loadRun(d, fine + x, n), fineFactor),
+                                           hn::Mul(loadRun(d, wide + x, n), wideFactor));
+                   const V gain = hn::Add(one, hn::Mul(hn::Mul(amount, field), hn::Sqrt(ink)));
+                   return gained(d, c, gain);
+               });
 }
 
 /// tanh by way of e^-2|v|, which neither grows nor cancels.
@@ -56,17 +59,17 @@ void surfaceLitRun(float* to, const SurfaceRow& f, std::int64_t width, SurfaceLi
     const auto half = hn::Set(d, 0.5f), rows = hn::Set(d, f.acrossRows);
     const auto lx = hn::Set(d, light.x), ly = hn::Set(d, light.y);
     for (std::int64_t x = 1; x + 1 < width; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        const std::int64_t left = width - 1 - x;
+        const auto left = static_cast<std::size_t>(width - 1 - x);
         const auto across =
-            hn::Mul(hn::Sub(loadUpTo(d, f.row + x + 1, left), loadUpTo(d, f.row + x - 1, left)), half);
+            hn::Mul(hn::Sub(loadRun(d, f.row + x + 1, left), loadRun(d, f.row + x - 1, left)), half);
         const auto down =
-            hn::Mul(hn::Sub(loadUpTo(d, f.below + x, left), loadUpTo(d, f.above + x, left)), rows);
-        storeUpTo(d, hn::Add(hn::Mul(across, lx), hn::Mul(down, ly)), to + x, left);
+            hn::Mul(hn::Sub(loadRun(d, f.below + x, left), loadRun(d, f.above + x, left)), rows);
+        storeRun(d, hn::Add(hn::Mul(across, lx), hn::Mul(down, ly)), to + x, left);
     }
     to[0] = surfaceEdge(f, light, 0, width > 1 ? 1 : 0, 0);
     to[width - 1] = surfaceEdge(f, light, width > 1 ? width - 2 : 0, width - 1, width - 1);
-    for (std::int64_t x = 0; x < width; x += static_cast<std::int64_t>(hn::Lanes(d)))
-        storeUpTo(d, tanhLanes(d, loadUpTo(d, to + x, width - x)), to + x, width - x);
+    eachRun(d, to, static_cast<std::size_t>(width),
+            [&](std::size_t x, std::size_t n) HWY_ATTR { return tanhLanes(d, loadRun(d, to + x, n)); });
 }
 
 void surfaceApplyRun(float* pixels, const float* lit, std::int64_t count, float amount, float mean)
@@ -74,14 +77,11 @@ void surfaceApplyRun(float* pixels, const float* lit, std::int64_t count, float 
     const hn::ScalableTag<float> d;
     using V = hn::Vec<decltype(d)>;
     const V one = hn::Set(d, 1.0f);
-    for (std::int64_t x = 0; x < count; x += static_cast<std::int64_t>(hn::Lanes(d))) {
-        V r, g, b;
-        loadTriple(d, pixels + x * 3, count - x, r, g, b);
-        const V over = hn::Sub(loadUpTo(d, lit + x, count - x), hn::Set(d, mean));
-        const V gain = hn::Add(one, hn::Mul(hn::Set(d, amount), over));
-        storeTriple(d, clampUnit(d, hn::Mul(r, gain)), clampUnit(d, hn::Mul(g, gain)),
-                    clampUnit(d, hn::Mul(b, gain)), pixels + x * 3, count - x);
-    }
+    eachTriple(d, pixels, static_cast<std::size_t>(count),
+               [&](const Triple<V>& c, std::size_t x, std::size_t n) HWY_ATTR {
+                   const V over = hn::Sub(loadRun(d, lit + x, n), hn::Set(d, mean));
+                   return gained(d, c, hn::Add(one, hn::Mul(hn::Set(d, amount), over)));
+               });
 }
 
 } // namespace HWY_NAMESPACE
