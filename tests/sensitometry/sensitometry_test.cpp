@@ -249,7 +249,7 @@ TEST(Darkroom, AGreyCardIsGreyOnEveryPathThatPromisesIt)
         FilmProfile film = store().film(filmName);
         PaperProfile paper = store().paper(paperName);
         if (paper.isAlt()) continue;   // a colourant on tinted paper has a grey of its own
-        if (paper.isPlate()) continue; // seen, not printed to match
+        if (paper.isPlate()) continue; // seen, not printed to a grey
         film.look.reset();
         film.irProxy.reset();
         film.sensitization.reset();
@@ -271,7 +271,7 @@ TEST(Darkroom, AGreyCardIsGreyOnEveryPathThatPromisesIt)
             SCOPED_TRACE(filmName + " on " + paperName + ", push " + std::to_string(push));
             RenderOptions options;
             options.push = push;
-            options.grainMult = 0.0;
+            options.grainMult = options.platePour = 0.0;
             options.wbMode = "custom";
             options.srcExposure = "as_shot";
             const RGBImage out =

@@ -1,7 +1,6 @@
-// The plate view: a wet plate exposed for a positive, and looked at. The silver chain makes its density; where
-// the plate is clear is measured, since grain keeps the clear plate off its dmin and the view must begin at
-// what the plate reaches.
-// Domain: light at the emulsion in, display-linear positive out.
+// The plate view: a wet plate exposed for a positive, and looked at. The silver chain makes its density;
+// where the plate is clear is measured, since grain keeps the clear plate off its dmin and the view must
+// begin at what the plate reaches. Domain: light at the emulsion in, display-linear positive out.
 #pragma once
 
 #include "core/image/rgb_image.h"

@@ -3,6 +3,7 @@
 #include "core/image/bands.h"
 #include "core/image/fft_convolve.h"
 #include "core/image/interpolation.h"
+#include "core/process/plates/plate_passes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,20 +90,6 @@ Plane ring_block(Size size, std::int64_t block, const SourceRow& light)
     return out;
 }
 
-/// Node and share towards the next at a place between `count` nodes, the ends held.
-struct Place {
-    std::int64_t first, second;
-    float share;
-
-    Place(double at, std::int64_t count)
-    {
-        const double held = std::clamp(at, 0.0, static_cast<double>(count - 1));
-        first = static_cast<std::int64_t>(held);
-        second = std::min(first + 1, count - 1);
-        share = static_cast<float>(held - static_cast<double>(first));
-    }
-};
-
 } // namespace
 
 double fresnel(double theta, double n)
@@ -176,23 +163,31 @@ std::optional<Halo> Halo::of(Size size, double pxUm, double tMm, const SourceRow
     halo.size_ = size;
     halo.block_ = static_cast<std::int64_t>(block);
     halo.reduced_ = FFTConvolve::same(ring_block(size, halo.block_, light), cachedKernel(tMm, px * block));
+    for (std::int64_t x = 0; x < size.width; ++x) {
+        const double last = static_cast<double>(halo.reduced_.width - 1);
+        const double at = std::clamp((static_cast<double>(x) + 0.5) / block - 0.5, 0.0, last);
+        halo.first_.push_back(static_cast<std::int32_t>(at));
+        halo.fraction_.push_back(static_cast<float>(at - halo.first_.back()));
+    }
     return halo;
 }
 
 void Halo::row(std::int64_t y, float* to) const
 {
-    const double perBlock = 1.0 / static_cast<double>(block_);
-    const Place down((static_cast<double>(y) + 0.5) * perBlock - 0.5, reduced_.height);
-    const float *a = reduced_.row(down.first), *b = reduced_.row(down.second);
     if (block_ == 1) {
-        std::copy_n(a, size_.width, to);
+        std::copy_n(reduced_.row(y), size_.width, to);
         return;
     }
-    for (std::int64_t x = 0; x < size_.width; ++x) {
-        const Place across((static_cast<double>(x) + 0.5) * perBlock - 0.5, reduced_.width);
-        const float left = lerp(a[across.first], b[across.first], down.share);
-        to[x] = lerp(left, lerp(a[across.second], b[across.second], down.share), across.share);
-    }
+    const double last = static_cast<double>(reduced_.height - 1);
+    const double at =
+        std::clamp((static_cast<double>(y) + 0.5) / static_cast<double>(block_) - 0.5, 0.0, last);
+    const auto first = static_cast<std::int64_t>(at);
+    const float *a = reduced_.row(first), *b = reduced_.row(std::min(first + 1, reduced_.height - 1));
+    const auto share = static_cast<float>(at - static_cast<double>(first));
+    std::vector<float> nodes(static_cast<std::size_t>(reduced_.width) + 1);
+    for (std::size_t x = 0; x + 1 < nodes.size(); ++x) nodes[x] = lerp(a[x], b[x], share);
+    nodes.back() = nodes[nodes.size() - 2];
+    grid_row({to, first_.size()}, nodes.data(), first_, fraction_);
 }
 
 } // namespace tamlo::Glass

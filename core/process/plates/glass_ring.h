@@ -46,6 +46,8 @@ private:
     Size size_;
     Plane reduced_;
     std::int64_t block_ = 1;
+    std::vector<std::int32_t> first_; ///< block to the left of each column, and the share of the next
+    std::vector<float> fraction_;
 };
 
 } // namespace tamlo::Glass
