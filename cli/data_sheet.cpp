@@ -209,6 +209,20 @@ void addPress(std::vector<std::pair<std::string, std::string>>& rows, const Sens
         rows.emplace_back(T("cli.measure.totalInk"), format("%.0f %%", 100.0 * *press.totalInk));
 }
 
+/// The coat, its faults and the ring of the glass.
+void addPlate(std::vector<std::pair<std::string, std::string>>& rows, const Sensitometry::PlateReport& plate)
+{
+    rows.emplace_back(T("cli.measure.plate.even"),
+                      format("%.3f; %+.2f  %+.2f", plate.unevenness, plate.thinnest, plate.thickest));
+    rows.emplace_back(T("cli.measure.plate.veil"), format("%.3f", plate.veil));
+    rows.emplace_back(T("cli.measure.plate.rim"), format("%+.2f", plate.rim));
+    rows.emplace_back(T("cli.measure.plate.bare"),
+                      format("%.1f %%, %.1f %%", 100.0 * plate.bare, 100.0 * plate.crystals));
+    rows.emplace_back(T("cli.measure.plate.ring"),
+                      plate.ringMm ? T("cli.measure.mm", {{"n", format("%.1f", *plate.ringMm)}})
+                                   : T("cli.measure.plate.noRing"));
+}
+
 } // namespace
 
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
@@ -237,6 +251,7 @@ std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& 
             rows.emplace_back(T("cli.measure.isoRange"), format("R%.0f", *report.print->isoRange));
     }
     if (report.press) addPress(rows, *report.press);
+    if (report.plate) addPlate(rows, *report.plate);
     return rows;
 }
 

@@ -80,6 +80,15 @@ ordered_json asJson(const std::string& film, const std::string& paper, const Rep
                            {"dmax", report.print->dmax},
                            {"iso_range", orNull(report.print->isoRange)}};
     if (report.press) object["press"] = pressJson(*report.press);
+    if (const auto& plate = report.plate)
+        object["plate"] = {{"unevenness", plate->unevenness},
+                           {"thinnest", plate->thinnest},
+                           {"thickest", plate->thickest},
+                           {"veil", plate->veil},
+                           {"rim", plate->rim},
+                           {"bare_share", plate->bare},
+                           {"crystal_share", plate->crystals},
+                           {"ring_mm", orNull(plate->ringMm)}};
     return object;
 }
 

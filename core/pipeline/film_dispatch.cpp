@@ -3,6 +3,7 @@
 #include "core/film/emulsion/development.h"
 #include "core/film/print/black_and_white.h"
 #include "core/film/print/color_negative.h"
+#include "core/film/print/plate_positive.h"
 #include "core/film/print/scan.h"
 #include "core/film/print/scan_positive.h"
 #include "core/film/print/slide.h"
@@ -42,9 +43,9 @@ RGBImage renderTricolor(RGBImage light, const FilmInput& in)
     return scannedPositive(Pending::renderTricolor(std::move(light)), in);
 }
 
-RGBImage viewPlate(RGBImage light, const FilmInput&)
+RGBImage viewPlate(RGBImage light, const FilmInput& in)
 {
-    return Pending::viewPlate(std::move(light));
+    return Film::renderPlateView(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
 RGBImage renderInstantMono(RGBImage light, const FilmInput&)
@@ -171,6 +172,7 @@ Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, 
     probe.matGripsPx.reset();
     probe.picInsetPx.reset();
     probe.blackProbe = true;
+    probe.platePour = 0.0;
     probe.coat = "none";
     DevelopedFilm even = film;
     even.unevenField.reset();

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "core/image/rgb_image.h"
-#include "core/profiles/formats/developed_film.h"
+#include "core/profiles/formats/film_profile.h"
 #include "core/profiles/formats/paper_profile.h"
 #include "core/profiles/options/render_options.h"
 
@@ -27,11 +27,6 @@ inline constexpr Placeholder drawRebate{
 inline constexpr Placeholder renderTricolor{
     "stage.tricolor",
     [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) { return film.isTricolor(); }};
-/// A plate seen as itself.
-inline constexpr Placeholder viewPlate{
-    "stage.plateView", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions&) {
-        return film.isCollodion() && paper.isPlate();
-    }};
 /// Instant film of one silver layer.
 inline constexpr Placeholder renderInstantMono{
     "stage.instant",
@@ -52,19 +47,13 @@ inline constexpr Placeholder addInstantFrame{
     }};
 
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,        &renderTricolor, &viewPlate,
-                                                       &renderInstantMono, &renderInstant,  &showOnScreen,
-                                                       &addInstantFrame};
+inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,    &renderTricolor, &renderInstantMono,
+                                                       &renderInstant, &showOnScreen,   &addInstantFrame};
 
 /// Lays the rebate onto the paper; there is none to lay until it is drawn.
 inline RGBImage compositeWindow(RGBImage positive)
 {
     return positive;
-}
-/// Takes the halation ring from a plate on an opaque base.
-inline DevelopedFilm withoutGlassOnOpaque(DevelopedFilm film)
-{
-    return film;
 }
 
 } // namespace tamlo::Pending

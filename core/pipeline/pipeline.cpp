@@ -18,6 +18,7 @@
 #include "core/process/border.h"
 #include "core/process/finishing/finish_sheet.h"
 #include "core/process/mat/table.h"
+#include "core/process/plates/plate_view.h"
 #include "core/process/press/repro.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/options/film_format.h"
@@ -110,7 +111,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     hooks.progress("emulsion", 0.3);
     image = Film::applyEmulsion(std::move(image), film, options.interlayer, options.wbMode);
     hooks.cancellationPoint();
-    if (film.isCollodion()) developed = Pending::withoutGlassOnOpaque(std::move(developed));
+    if (film.isCollodion()) developed = Plate::withoutGlassOnOpaque(std::move(developed), paper);
     image = Film::render(std::move(image), {developed, paper, options, pxUm, windowMask});
     longSide = image.longSide(); // a brushed coat widens the sheet and leaves the print's scale
 

@@ -35,7 +35,13 @@ public:
         // The film's own light: its balance is no part of its curves.
         options_.wbMode = "custom";
         options_.crop.reset();
+        // Targets lie in the middle of a plate, away from how it was coated.
+        options_.platePour = 0.0;
         film_ = applyFilmStateAndDevelopment(film, options_);
+        if (film_.film.isCollodion()) {
+            if (!film_.film.collodion) film_.film.collodion.emplace();
+            film_.film.collodion->edgeMm = 0.0;
+        }
     }
 
     const DevelopedFilm& film() const { return film_; }
@@ -390,7 +396,7 @@ PrintTone measurePrint(const Bench& bench, const PaperProfile& paper)
     const std::vector<double> whole = print(fine);
     tone.dmin = *std::min_element(whole.begin(), whole.end());
     tone.dmax = *std::max_element(whole.begin(), whole.end());
-    if (paper.isScan() || !paper.hasSheet()) return tone;
+    if (paper.isScan() || paper.isPlate() || !paper.hasSheet()) return tone;
     const Densities film = bench.expose(patches(fine), kFarApartUm, 0.0, 0.0);
     tone.isoRange =
         isoRange(readPatches(fine.size(), [&](auto x, auto y) { return visual(film, x, y); }), whole);
@@ -419,6 +425,7 @@ Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperP
     report.halationRadiusUm = measureHalation(bench);
     if (paper) report.print = measurePrint(bench, *paper);
     if (paper) report.press = measurePress(*paper, options);
+    report.plate = measurePlate(film, options);
     return report;
 }
 

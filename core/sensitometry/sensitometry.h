@@ -8,6 +8,7 @@
 #include "core/profiles/formats/film_profile.h"
 #include "core/profiles/formats/paper_profile.h"
 #include "core/profiles/options/render_options.h"
+#include "core/sensitometry/plate_measure.h"
 #include "core/sensitometry/press_measure.h"
 
 #include <array>
@@ -62,6 +63,7 @@ struct Report {
     std::optional<double> halationRadiusUm; ///< where the halo of a strip has fallen to a tenth
     std::optional<PrintTone> print;
     std::optional<PressReport> press; ///< of a paper that a press prints
+    std::optional<PlateReport> plate; ///< of a film that is a plate
 };
 
 /// Measures a film under options (development, age, grain engine and amounts; format and crop are no matter),

@@ -3,8 +3,8 @@
 
 #include "core/film/grain/growth_calibration.h"
 #include "core/film/grain/growth_grain.h"
-#include "core/film/grain/growth_random.h"
 #include "core/image/gaussian.h"
+#include "core/image/growth_random.h"
 #include "core/image/position_hash.h"
 
 #include <algorithm>

@@ -56,6 +56,17 @@ std::vector<std::string> corpusOf(std::string_view folder)
     return out;
 }
 
+/// The carried profiles of a folder that hold one of some words.
+std::vector<std::string> corpusWith(std::string_view folder, const std::vector<std::string>& words)
+{
+    std::vector<std::string> out;
+    for (std::string& text : corpusOf(folder))
+        if (std::ranges::any_of(
+                words, [&](const std::string& word) { return text.find(word) != std::string::npos; }))
+            out.push_back(std::move(text));
+    return out;
+}
+
 /// Runs the work on damaged texts; a type of error that is none of ours fails the test. Returns how many
 /// passed without a message.
 template <typename Work>
@@ -159,6 +170,26 @@ TEST_F(MutationTest, ProfilesThatPassAlsoRender)
             });
         expectSomePassed(passed);
     }
+}
+
+TEST_F(MutationTest, PlatesThatPassAlsoRender)
+{
+    RenderOptions options;
+    options.push = options.platePour = 3.0;
+    const FilmProfile wet = store_->film("collodion_wet");
+    const LensProfile lens = store_->lens("petzval1900");
+    const PaperProfile view = store_->paper("ambrotype"), silver = store_->paper("bw_neutral");
+    expectSomePassed(tryMutations(corpusWith("films/", {"\"collodion\"", "\"dryplate\""}), runs(kUsualRuns),
+                                  [&](const std::string& text) {
+                                      check(text);
+                                      const auto film = ProfileJSON::decode<FilmProfile>(text);
+                                      render(film, lens, film.isCollodion() ? view : silver, options);
+                                  }));
+    expectSomePassed(tryMutations(corpusWith("papers/", {"\"plate_view\""}), runs(kUsualRuns),
+                                  [&](const std::string& text) {
+                                      check(text);
+                                      render(wet, lens, ProfileJSON::decode<PaperProfile>(text), options);
+                                  }));
 }
 
 TEST_F(MutationTest, PresetsAreTakenInOrLeaveNothing)

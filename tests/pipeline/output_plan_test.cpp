@@ -79,10 +79,15 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
     const ProfileStore& store = ProfileStore::shared();
     const std::vector<std::string> films = store.list(Kind::films, true);
     const std::vector<std::string> papers = store.list(Kind::papers, true);
+    // Beside any film on any paper, those of a geometry of their own on what shows them.
+    const std::vector<std::string> plates{"collodion_wet", "dryplate_ortho"},
+        views{"ambrotype", "ferrotype", "albumen", "bw_neutral"};
     Chance chance(5);
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < 800; ++round) {
         const Size source{chance.whole(1, 90), chance.whole(1, 90)};
-        const std::string filmName = chance.of(films), paperName = chance.of(papers);
+        const bool isPlate = round >= 400;
+        const std::string filmName = chance.of(isPlate ? plates : films);
+        const std::string paperName = chance.of(isPlate ? views : papers);
         FilmProfile film = store.film(filmName);
         PaperProfile paper = store.paper(paperName);
         // Ceilings that bite at this size: a scanner's, and that of a very soft instant film.

@@ -186,7 +186,7 @@ TEST(Pipeline, SaysWhatLetsThePictureThrough)
     EXPECT_FALSE(pending("trix400", "bw_neutral"));
     EXPECT_FALSE(pending("velvia50", "scan_film"));
     EXPECT_FALSE(pending("collodion_wet", "bw_neutral"));
-    EXPECT_TRUE(pending("collodion_wet", "ambrotype"));
+    EXPECT_FALSE(pending("collodion_wet", "ambrotype"));
     EXPECT_TRUE(pending("polaroid_sx70", "color_scan"));
     EXPECT_FALSE(pending("trix400", "platinum"));
     EXPECT_FALSE(pending("portra400", "gum_tricolor"));

@@ -117,6 +117,29 @@ TEST(Sensitometry, SaysWhatCannotBeMeasured)
     EXPECT_THROW(measure(bare, nullptr, {}), ProfileError);
 }
 
+// What the plate says of itself is what lies on it; nothing else has a coat to measure.
+TEST(Sensitometry, MeasuresThePlate)
+{
+    RenderOptions options;
+    const auto plate = [&](const char* film) {
+        return Sensitometry::measurePlate(store().film(film), options);
+    };
+    EXPECT_FALSE(plate("trix400"));
+    const auto wet = plate("collodion_wet"), dry = plate("dryplate_ortho");
+    EXPECT_NEAR(*wet->ringMm, 2.8, 0.15);
+    EXPECT_NEAR(*dry->ringMm, 2.62, 0.15);
+    EXPECT_NEAR(wet->bare, 0.021, 0.003);
+    EXPECT_NEAR(wet->veil, 0.022, 0.02);
+    EXPECT_EQ(wet->crystals, 0.0);
+    EXPECT_LT(wet->rim, -0.1);
+    EXPECT_GT(dry->rim, 0.1);
+    EXPECT_NEAR(dry->unevenness, 0.0, 1e-3);
+    options.push = 3.0;
+    EXPECT_NEAR(plate("collodion_wet")->crystals, 0.025, 0.006);
+    options.platePour = 0.0;
+    EXPECT_LT(plate("collodion_wet")->unevenness, 1e-3);
+}
+
 TEST(Sensitometry, AHarderPaperHasTheShorterRange)
 {
     const PaperProfile paper = store().paper("bw_neutral");
@@ -166,6 +189,7 @@ TEST(Darkroom, HoldsOnEveryFilmAndPaper)
         options.printCm = 20000.0;
         options.coat = "none";
         options.relief = 0.0;
+        options.platePour = 0.0;
         FilmProfile even = film;
         even.adjacency.reset(); // what the neighbouring steps do to each other is no tone
         even.mtf.reset();
@@ -224,7 +248,8 @@ TEST(Darkroom, AGreyCardIsGreyOnEveryPathThatPromisesIt)
     for (const auto& [filmName, paperName] : printableCombinations()) {
         FilmProfile film = store().film(filmName);
         PaperProfile paper = store().paper(paperName);
-        if (paper.isAlt()) continue; // a colourant on tinted paper has a grey of its own
+        if (paper.isAlt()) continue;   // a colourant on tinted paper has a grey of its own
+        if (paper.isPlate()) continue; // seen, not printed to a grey
         film.look.reset();
         film.irProxy.reset();
         film.sensitization.reset();
@@ -246,7 +271,7 @@ TEST(Darkroom, AGreyCardIsGreyOnEveryPathThatPromisesIt)
             SCOPED_TRACE(filmName + " on " + paperName + ", push " + std::to_string(push));
             RenderOptions options;
             options.push = push;
-            options.grainMult = 0.0;
+            options.grainMult = options.platePour = 0.0;
             options.wbMode = "custom";
             options.srcExposure = "as_shot";
             const RGBImage out =

@@ -1,12 +1,15 @@
 #include "core/film/emulsion/halation.h"
 
 #include "core/film/emulsion/emulsion_passes.h"
+#include "core/image/bands.h"
 #include "core/image/blur_bands.h"
 #include "core/image/light_above.h"
 #include "core/image/render_profiler.h"
+#include "core/process/plates/glass_ring.h"
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace tamlo {
 namespace {
@@ -37,21 +40,38 @@ std::optional<HalationPlan> planHalation(const std::optional<HalationParams>& pa
     return plan;
 }
 
-/// The sharp ring from the back of a glass base (glassMm above 0), fed by the same light above the threshold.
-/// It comes with the plates; until then no glass returns light of its own.
-template <typename Image>
-Image addGlassHalo(Image image, const HalationParams&)
+/// The ring from the back of a glass base, of the light that `source` gives.
+std::optional<Glass::Halo> glassHalo(Size size, const HalationParams& params, double pxUm,
+                                     const SourceRow& source)
 {
-    return image;
+    const double tMm = params.glassMm.value_or(0.0);
+    return tMm > 0.0 ? Glass::Halo::of(size, pxUm, tMm, source) : std::nullopt;
 }
 
-RGBImage addGlow(RGBImage image, const HalationPlan& plan, const SourceRow& source)
+/// Gives each row of the ring to `add`.
+template <typename Add>
+void eachRingRow(const std::optional<Glass::Halo>& ring, Size size, Add&& add)
+{
+    if (!ring) return;
+    parallelBands(size.height, size.width * 2, [&](std::int64_t start, std::int64_t end) {
+        std::vector<float> row(static_cast<std::size_t>(size.width));
+        for (std::int64_t y = start; y < end; ++y) {
+            ring->row(y, row.data());
+            add(y, row.data());
+        }
+    });
+}
+
+RGBImage addGlow(RGBImage image, const HalationPlan& plan, const std::optional<Glass::Halo>& ring,
+                 const SourceRow& source)
 {
     float* pixels = image.mutableData();
     const std::int64_t width = image.width;
-    blurInBands(image.size(), 1, plan.sigmaPx, source, [&](std::int64_t y, const float* glow) {
+    const auto add = [&](std::int64_t y, const float* glow) {
         halation_add_color(pixels + y * width * 3, glow, width, plan.gains);
-    });
+    };
+    blurInBands(image.size(), 1, plan.sigmaPx, source, add);
+    eachRingRow(ring, image.size(), add);
     return image;
 }
 
@@ -62,10 +82,11 @@ RGBImage Film::applyHalation(RGBImage image, const Plane& source, const std::opt
 {
     const auto plan = planHalation(params, pxUm, mult);
     if (!plan) return image;
-    image = addGlow(std::move(image), *plan, [&](std::int64_t y, float* to) {
+    const auto above = [&](std::int64_t y, float* to) {
         light_above(source.row(y), source.width, plan->threshold, to);
-    });
-    return addGlassHalo(std::move(image), *params);
+    };
+    const auto ring = glassHalo(image.size(), *params, pxUm, above);
+    return addGlow(std::move(image), *plan, ring, above);
 }
 
 RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>& params, double pxUm,
@@ -76,10 +97,11 @@ RGBImage Film::applyHalation(RGBImage image, const std::optional<HalationParams>
     if (!plan) return image;
     const float* pixels = image.mutableData();
     const std::int64_t width = image.width;
-    image = addGlow(std::move(image), *plan, [&](std::int64_t y, float* to) {
+    const auto above = [&](std::int64_t y, float* to) {
         light_above_luma(pixels + y * width * 3, width, plan->threshold, to);
-    });
-    return addGlassHalo(std::move(image), *params);
+    };
+    const auto ring = glassHalo(image.size(), *params, pxUm, above);
+    return addGlow(std::move(image), *plan, ring, above);
 }
 
 Plane Film::applyHalation(Plane image, const std::optional<HalationParams>& params, double pxUm, double mult)
@@ -87,15 +109,18 @@ Plane Film::applyHalation(Plane image, const std::optional<HalationParams>& para
     const RenderProfiler::Scope booked("halation", image.width * image.height);
     const auto plan = planHalation(params, pxUm, mult);
     if (!plan) return image;
+    const Size size = image.size();
     float* light = image.mutableData();
-    const std::int64_t width = image.width;
-    blurInBands(
-        image.size(), 1, plan->sigmaPx,
-        [&](std::int64_t y, float* to) { light_above(light + y * width, width, plan->threshold, to); },
-        [&](std::int64_t y, const float* glow) {
-            halation_add(light + y * width, glow, width, plan->layerGain);
-        });
-    return addGlassHalo(std::move(image), *params);
+    const auto above = [&](std::int64_t y, float* to) {
+        light_above(light + y * size.width, size.width, plan->threshold, to);
+    };
+    const auto add = [&](std::int64_t y, const float* glow) {
+        halation_add(light + y * size.width, glow, size.width, plan->layerGain);
+    };
+    const auto ring = glassHalo(size, *params, pxUm, above);
+    blurInBands(size, 1, plan->sigmaPx, above, add);
+    eachRingRow(ring, size, add);
+    return image;
 }
 
 } // namespace tamlo

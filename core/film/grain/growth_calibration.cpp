@@ -2,9 +2,9 @@
 
 #include "core/film/grain/classic_grain.h"
 #include "core/film/grain/growth_geometry.h"
-#include "core/film/grain/growth_random.h"
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
+#include "core/image/growth_random.h"
 #include "core/image/random.h"
 #include "core/image/rounding.h"
 

@@ -9,7 +9,7 @@
 #define TAMLO_CORE_FILM_GRAIN_GROWTH_MATH_INL_H_
 #endif
 
-#include "core/film/grain/growth_random.h"
+#include "core/image/growth_random.h"
 #include "core/image/vector_noise-inl.h"
 
 #include <cstddef>

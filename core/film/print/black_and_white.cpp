@@ -9,6 +9,7 @@
 #include "core/film/print/color_negative.h"
 #include "core/film/print/print.h"
 #include "core/image/render_profiler.h"
+#include "core/process/plates/plate_coating.h"
 #include "core/profiles/formats/profile_error.h"
 
 #include <algorithm>
@@ -68,13 +69,18 @@ Film::SilverNegative Film::bwNegativeDb(RGBImage light, const DevelopedFilm& fil
 
     y = emulsionSoften(std::move(y), film.film, pxUm);
     y = applyHalation(std::move(y), film.film.halation, pxUm, options.halationMult);
+    Plate::Coating coat(film.film, options, y.size(), pxUm);
+    const auto coated = [&](auto&& step) { RenderProfiler::cpu("plate", y.count(), step); };
+    coated([&] { y = coat.onLight(std::move(y)); });
     const HDCurve curve = silverCurve(film.film, options.intensify);
     const double ev = plate.evExtra + options.ev + film.exposureShift;
     RenderProfiler::cpu("curves", y.width * y.height,
                         [&] { curve_bw(y, curve, static_cast<float>(ev * LOG10_2)); });
+    coated([&] { y = coat.onDensity(std::move(y), curve.dmin, curve.dmax); });
     if (film.unevenField) y = DevField::apply(std::move(y), curve.fDmin, *film.unevenField);
     y = applyAdjacency(std::move(y), film, pxUm);
     y = addGrain(std::move(y), curve, film.film, options, pxUm, plate.grainSeed);
+    coated([&] { y = coat.atTheEnd(std::move(y), curve.dmin); });
     return {std::move(y), curve};
 }
 

@@ -1,5 +1,5 @@
-// Draws of growth grain: the inverse normal and the Poisson count of a site, in 32-bit floats. These are the
-// scalar forms; growth_math-inl.h holds the same formulas on vectors. Position hashes are in
+// Draws of growth grain and of crystals: the inverse normal and a Poisson count, in 32-bit floats. These are
+// the scalar forms; growth_math-inl.h holds the same formulas on vectors. Position hashes are in
 // core/image/position_hash.h.
 #pragma once
 

@@ -1,4 +1,4 @@
-#include "core/film/grain/growth_random.h"
+#include "core/image/growth_random.h"
 
 #include <limits>
 #include <numbers>
