@@ -1,6 +1,7 @@
 // A roll of 5,000 frames with processes: what opening, saving and undoing it costs, beside the bare operation
 // in the same run. Times are CPU seconds of this thread; memory is what the process grew by.
 #include "app/project/history.h"
+#include "app/project/intake.h"
 #include "app/shell/app_model.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/formats/json_codec.h"
@@ -109,6 +110,37 @@ void saveOnTheMainThread(benchmark::State& state)
     }
 }
 BENCHMARK(saveOnTheMainThread)->Unit(benchmark::kMillisecond)->Iterations(20);
+
+/// Bytes that this process has read by system calls.
+double bytesRead()
+{
+    std::ifstream file("/proc/self/io");
+    std::string key;
+    double count = 0;
+    file >> key >> count;
+    return count;
+}
+
+void importOfAThousandFiles(benchmark::State& state)
+{
+    constexpr std::size_t kFiles = 1000, kBytes = 3'000'000;
+    const test::ScratchFolder folder;
+    std::vector<std::string> files;
+    for (std::size_t i = 0; i < kFiles; ++i) {
+        files.push_back(folder / (std::to_string(i) + ".jpg"));
+        std::ifstream source(std::string(TAMLO_SAMPLES) + "/metadata/full-exif.jpg", std::ios::binary);
+        std::ofstream file(files.back(), std::ios::binary);
+        file << source.rdbuf() << i;
+        file.close();
+        std::filesystem::resize_file(files.back(), kBytes); // a hole needs no room
+    }
+    for (auto _ : state) {
+        const double before = bytesRead();
+        benchmark::DoNotOptimize(Intake::ingest(files, {}, folder.path()));
+        state.counters["MiB_a_file"] = (bytesRead() - before) / kFiles / (1024 * 1024);
+    }
+}
+BENCHMARK(importOfAThousandFiles)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void idleAutosave(benchmark::State& state)
 {

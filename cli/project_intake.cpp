@@ -66,11 +66,17 @@ int linkOne(ProjectSession& session, const ProjectLocateArguments& arguments, st
     checkInput(*arguments.file);
     const FrameID id = session.frame(arguments.frames);
     if (arguments.force) session.questions().linkOther = true;
-    session.model().linker.linkFile(id, fs::absolute(*arguments.file), true);
+    std::optional<std::size_t> nearby;
+    session.model().linker.linkFile(id, fs::absolute(*arguments.file), true,
+                                    [&](std::size_t found) { nearby = found; });
     if (session.questions().cancelled > 0)
         throw std::runtime_error(T("cli.project.needsForce", {{"file", arguments.file->string()}}));
+    session.waitUntil([&] { return nearby.has_value(); });
     session.save();
     results << T("link.linked", {{"n", 1}}) << std::endl;
+    if (*nearby > 0)
+        tellNote(T("cli.project.nearby",
+                   {{"n", *nearby}, {"folder", fs::absolute(*arguments.file).parent_path().string()}}));
     return 0;
 }
 

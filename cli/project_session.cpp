@@ -1,6 +1,5 @@
 #include "cli/project_session.h"
 
-#include "app/project/file_resolver.h"
 #include "cli/interrupted.h"
 #include "cli/project_frames.h"
 #include "cli/usage_error.h"
@@ -81,7 +80,7 @@ FrameID ProjectSession::frame(const std::string& text) const
 
 FileState ProjectSession::stateOf(const Frame& frame) const
 {
-    return FileResolver::resolve(frame, roll_.parent_path(), volumes_).state;
+    return model_.linker.state(frame.id);
 }
 
 void ProjectSession::waitUntil(const std::function<bool()>& done)

@@ -106,7 +106,7 @@ std::string frameLine(std::size_t place, const Frame& frame, FileState state, st
 std::vector<std::string> problemsOf(const Frame& frame, FileState state, const ProfileStore& store)
 {
     std::vector<std::string> out;
-    if (state != FileState::ok) out.push_back(stateText(state));
+    if (state != FileState::ok && state != FileState::moved) out.push_back(stateText(state));
     if (!frame.process) return out;
     const ProcessSettings& process = *frame.process;
     const auto need = [&](ProfileKind kind, const std::string& id) {
@@ -162,6 +162,9 @@ int run(const ProjectCheckArguments& arguments, std::ostream& results)
 {
     const auto session = ProjectSession::open(arguments.roll, Access::read);
     const Project& project = session->project();
+    bool isExamined = false;
+    session->model().linker.examineAll([&] { isExamined = true; });
+    session->waitUntil([&] { return isExamined; });
     Json list = Json::array();
     for (std::size_t i = 0; i < project.frames.size(); ++i) {
         const Frame& frame = project.frames[i];

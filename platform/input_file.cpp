@@ -32,11 +32,18 @@ std::size_t InputFile::readHead(std::span<char> bytes) const
     return count;
 }
 
-std::size_t InputFile::readTail(std::span<char> bytes) const
+std::size_t InputFile::readAt(std::int64_t place, std::span<char> bytes) const
 {
-    if (fseeko(file_.get(), -static_cast<off_t>(bytes.size()), SEEK_END) != 0)
-        throw PlatformError(std::strerror(errno));
-    return readHead(bytes);
+    std::size_t got = 0;
+    while (got < bytes.size()) {
+        const ssize_t count = pread(fileno(file_.get()), bytes.data() + got, bytes.size() - got,
+                                    static_cast<off_t>(place) + static_cast<off_t>(got));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw PlatformError(std::strerror(errno));
+        if (count == 0) break;
+        got += static_cast<std::size_t>(count);
+    }
+    return got;
 }
 
 std::vector<std::uint8_t> InputFile::readAll() const

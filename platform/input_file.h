@@ -18,8 +18,9 @@ public:
     std::FILE* handle() const noexcept { return file_.get(); }
     /// Fills `bytes` from where the file stands; returns how many there were.
     std::size_t readHead(std::span<char> bytes) const;
-    /// The same from the place from which they just reach the end.
-    std::size_t readTail(std::span<char> bytes) const;
+    /// The same from a place of the file, and nothing else: no more is read than was asked for. Where the
+    /// file stands for the other reads stays.
+    std::size_t readAt(std::int64_t place, std::span<char> bytes) const;
     /// The rest of the file. Errors: PlatformError, also for more than any picture needs.
     std::vector<std::uint8_t> readAll() const;
 

@@ -3,6 +3,7 @@
 #include "platform/input_file.h"
 #include "platform/jxl_decoder.h"
 #include "platform/jxl_metadata.h"
+#include "platform/sampled_file.h"
 
 #include <array>
 
@@ -26,17 +27,18 @@ void readBoxes(const std::filesystem::path& path, PictureMetadata& out)
 
 } // namespace
 
-PictureMetadata readPictureMetadata(const std::filesystem::path& path)
+PictureMetadata readPictureMetadata(const std::filesystem::path& path, std::span<const char> head)
 {
     PictureMetadata out;
     if (isJXLFile(path)) {
         readBoxes(path, out);
         return out;
     }
-    const auto image = Exiv2::ImageFactory::open(path.string());
+    const auto image = Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr(new SampledFile(path, head)));
+    if (!image.get()) throw Exiv2::Error(Exiv2::kerFileContainsUnknownImageType, path.string());
     try {
         image->readMetadata();
-    } catch (const Exiv2::AnyError& error) {
+    } catch (const std::exception& error) {
         out.damage = error.what();
     }
     out.exif = image->exifData();

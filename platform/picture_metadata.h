@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
 #include <string>
 
 #include <exiv2/exiv2.hpp>
@@ -17,6 +18,7 @@ struct PictureMetadata {
 
 /// To be called within an exiv2Session. Errors: Exiv2::AnyError when the file is no picture, PlatformError
 /// when it can't be read.
-PictureMetadata readPictureMetadata(const std::filesystem::path& path);
+/// head: the beginning of the file, where it was read already; the disk is asked only for what lies behind.
+PictureMetadata readPictureMetadata(const std::filesystem::path& path, std::span<const char> head = {});
 
 } // namespace tamlo::platform

@@ -49,12 +49,12 @@ std::optional<int> isoOf(const Exiv2::ExifData& data)
 
 } // namespace
 
-ShotProperties readShotProperties(const std::filesystem::path& path)
+ShotProperties readShotProperties(const std::filesystem::path& path, std::span<const char> head)
 {
     ShotProperties shot;
     try {
         const auto session = exiv2Session();
-        const PictureMetadata metadata = readPictureMetadata(path);
+        const PictureMetadata metadata = readPictureMetadata(path, head);
         const Exiv2::ExifData& data = metadata.exif;
         shot.make = textOf(data, {"Exif.Image.Make"});
         shot.camera = textOf(data, {"Exif.Image.Model"});

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace tamlo::platform {
@@ -23,6 +24,7 @@ struct ShotProperties {
 
 /// Fields that the file does not have, or whose value makes no sense, are absent; a file without metadata
 /// gives none at all, one with damaged metadata what stands before the damage. Texts are UTF-8.
-ShotProperties readShotProperties(const std::filesystem::path& path);
+/// head: the beginning of the file, where it was read already; the disk is asked only for what lies behind.
+ShotProperties readShotProperties(const std::filesystem::path& path, std::span<const char> head = {});
 
 } // namespace tamlo::platform

@@ -23,7 +23,7 @@ class Volumes {
 public:
     virtual ~Volumes() = default;
 
-    /// Whether the path lies on a volume that is not mounted now. No disk is asked.
+    /// Whether the path lies on a volume that is not mounted now. No disk is asked. From any thread.
     virtual bool isOffline(const std::filesystem::path& path) const = 0;
     /// The volume's name, mounted or not; absent for a path on the machine's own disks.
     virtual std::optional<std::string> name(const std::filesystem::path& path) const = 0;

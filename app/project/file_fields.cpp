@@ -18,7 +18,12 @@ std::optional<std::string> relPathOf(const std::string& url, const std::filesyst
 FileFields FileFields::read(const std::filesystem::path& file, const std::filesystem::path& projectDir)
 {
     const std::string url = FileResolver::standardised(file);
-    return {url, relPathOf(url, projectDir), Fingerprint::read(url), ShotInfo::read(url)};
+    FileFields fields{url, relPathOf(url, projectDir), {}, {}};
+    const std::optional<FileSample> sample = FileSample::read(url);
+    if (!sample) return fields;
+    fields.fingerprint = sample->fingerprint;
+    fields.shot = ShotInfo::read(url, sample->head);
+    return fields;
 }
 
 Frame newFrame(const FileFields& file)
@@ -51,8 +56,12 @@ std::optional<FileFields> missingFileFields(const Frame& frame, const std::files
     if (frame.fingerprint && frame.shot && !isMoved) return std::nullopt;
     if (!platform::fileInfo(frame.url)) return std::nullopt;
     FileFields fields{frame.url, relPath, frame.fingerprint, frame.shot ? *frame.shot : ShotInfo()};
-    if (!frame.fingerprint) fields.fingerprint = Fingerprint::read(frame.url);
-    if (!frame.shot) fields.shot = ShotInfo::read(frame.url);
+    std::optional<FileSample> sample;
+    if (!frame.fingerprint && (sample = FileSample::read(frame.url)))
+        fields.fingerprint = sample->fingerprint;
+    if (!frame.shot)
+        fields.shot =
+            ShotInfo::read(frame.url, sample ? std::span<const char>(sample->head) : std::span<const char>());
     if (!isMoved && frame.shot && !fields.fingerprint) return std::nullopt; // still unreadable
     return fields;
 }
@@ -63,6 +72,13 @@ void fillFileFields(Frame& frame, const FileFields& fields)
     frame.relPath = fields.relPath;
     if (!frame.fingerprint) frame.fingerprint = fields.fingerprint;
     if (!frame.shot) frame.shot = fields.shot;
+}
+
+void renewRelPaths(Roll& roll, const std::filesystem::path& projectDir)
+{
+    for (std::size_t i = 0; i < roll.size(); ++i)
+        if (auto relPath = relPathOf(roll[i].url, projectDir); relPath != roll[i].relPath)
+            roll.edit(i).relPath = std::move(relPath);
 }
 
 } // namespace tamlo

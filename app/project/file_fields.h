@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/project/frame.h"
+#include "app/project/roll.h"
 
 #include <filesystem>
 #include <optional>
@@ -31,5 +32,8 @@ void link(Frame& frame, const FileFields& file);
 std::optional<FileFields> missingFileFields(const Frame& frame, const std::filesystem::path& projectDir);
 /// Takes those that the frame lacks.
 void fillFileFields(Frame& frame, const FileFields& fields);
+
+/// The paths from a folder that the project's file is about to stand in. Asks no disk.
+void renewRelPaths(Roll& roll, const std::filesystem::path& projectDir);
 
 } // namespace tamlo

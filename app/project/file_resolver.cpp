@@ -25,7 +25,8 @@ Finding compare(const fs::path& file, const platform::FileInfo& info, const Fram
     if (!frame.fingerprint) return {true, true, {}};
     const Fingerprint& known = *frame.fingerprint;
     const bool sameStat = info.size == known.size && info.mtime == known.mtime && known.mtime != 0;
-    if (sameStat && look == FileResolver::Look::quick) return {true, true, {}};
+    if (sameStat && look != FileResolver::Look::thorough) return {true, true, {}};
+    if (look == FileResolver::Look::glance) return {false, false, {}};
     const std::optional<Fingerprint> now = Fingerprint::read(file);
     if (!now) return {false, false, {}};
     Finding found{now->sameContent(known), true, {}};

@@ -11,9 +11,10 @@
 
 namespace tamlo::FileResolver {
 
-/// quick: a file of the stored size and time is taken without being opened, as is right where thousands are
-/// looked at before the first picture. thorough: the sample of every file is read.
-enum class Look { quick, thorough };
+/// glance: no file is opened; one that has another size or time than stored counts as the picture until
+/// somebody looks closer, as is right where thousands are looked at before the first list is shown. quick:
+/// the sample of such a file is read. thorough: of every file.
+enum class Look { glance, quick, thorough };
 
 struct Resolution {
     std::string url;

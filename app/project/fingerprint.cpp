@@ -5,7 +5,7 @@
 #include "platform/input_file.h"
 #include "platform/platform_error.h"
 
-#include <vector>
+#include <iterator>
 
 namespace tamlo {
 
@@ -16,23 +16,32 @@ constexpr std::size_t kTailBytes = 65'536;
 
 } // namespace
 
-std::optional<Fingerprint> Fingerprint::read(const std::filesystem::path& file)
+std::optional<FileSample> FileSample::read(const std::filesystem::path& file)
 {
     try {
         const platform::InputFile input(file.string());
         const std::optional<platform::FileInfo> info = platform::fileInfo(file);
         if (!info) return std::nullopt;
+        FileSample sample;
+        sample.head.resize(kHeadBytes);
+        sample.head.resize(input.readAt(0, sample.head));
         platform::XXHash64 hash;
-        std::vector<char> bytes(kHeadBytes);
-        hash.update({bytes.data(), input.readHead(bytes)});
+        hash.update({sample.head.data(), sample.head.size()});
         if (info->size > static_cast<std::int64_t>(kHeadBytes + kTailBytes)) {
-            bytes.resize(kTailBytes);
-            hash.update({bytes.data(), input.readTail(bytes)});
+            std::vector<char> tail(kTailBytes);
+            hash.update({tail.data(), input.readAt(info->size - std::ssize(tail), tail)});
         }
-        return Fingerprint{info->size, info->mtime, hash.finish()};
+        sample.fingerprint = {info->size, info->mtime, hash.finish()};
+        return sample;
     } catch (const platform::PlatformError&) {
         return std::nullopt;
     }
+}
+
+std::optional<Fingerprint> Fingerprint::read(const std::filesystem::path& file)
+{
+    const std::optional<FileSample> sample = FileSample::read(file);
+    return sample ? std::optional(sample->fingerprint) : std::nullopt;
 }
 
 } // namespace tamlo

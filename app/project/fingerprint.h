@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace tamlo {
 
@@ -20,6 +21,15 @@ struct Fingerprint {
     bool sameContent(const Fingerprint& other) const { return size == other.size && hash == other.hash; }
 
     bool operator==(const Fingerprint&) const = default;
+};
+
+/// A fingerprint, and the first mebibyte that was read for it: what else is asked of the file stands there as
+/// a rule, and a disk that waits for each read is not asked twice.
+struct FileSample {
+    Fingerprint fingerprint;
+    std::vector<char> head;
+
+    static std::optional<FileSample> read(const std::filesystem::path& file);
 };
 
 } // namespace tamlo

@@ -43,9 +43,9 @@ bool ProjectFile::isAsExpected() const
     return !text || (seen_ && platform::xxHash64(*text) == *seen_);
 }
 
-ProjectFile::Written ProjectFile::write(const std::string& text, double now)
+ProjectFile::Written ProjectFile::write(const std::string& text, double now, Over over)
 {
-    if (!isAsExpected()) return Written::changedOnDisk;
+    if (over == Over::expected && !isAsExpected()) return Written::changedOnDisk;
     ProjectBackups::keep(url_, now);
     try {
         platform::writeWhole(url_.string(), text);

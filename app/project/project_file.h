@@ -23,10 +23,13 @@ public:
     std::string read();
 
     enum class Written { done, changedOnDisk };
-    /// Keeps a copy and writes. Nothing is written where the file is no longer what was last read or
-    /// written, or where one stands that never was: then the user saves a copy elsewhere.
-    /// Errors: TamloError with one sentence; the old file is whole.
-    Written write(const std::string& text, double now);
+    /// expected: nothing is written where the file is no longer what was last read or written, or where one
+    /// stands that never was: then the user saves a copy elsewhere, or says that it may go. anything: it
+    /// goes, and its copy stays among the backups.
+    enum class Over { expected, anything };
+    /// Keeps a copy of what stands there and writes. Errors: TamloError with one sentence; the old file is
+    /// whole.
+    Written write(const std::string& text, double now, Over over = Over::expected);
 
 private:
     bool isAsExpected() const;

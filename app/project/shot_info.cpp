@@ -68,9 +68,9 @@ std::string shutterText(double seconds)
     return text;
 }
 
-ShotInfo ShotInfo::read(const std::filesystem::path& url)
+ShotInfo ShotInfo::read(const std::filesystem::path& url, std::span<const char> head)
 {
-    const platform::ShotProperties properties = platform::readShotProperties(url);
+    const platform::ShotProperties properties = platform::readShotProperties(url, head);
     ShotInfo shot;
     shot.camera = properties.camera;
     if (shot.camera && properties.make &&

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace tamlo {
@@ -20,7 +21,8 @@ struct ShotInfo {
     std::optional<Date> dateOriginal; ///< the camera's clock, taken as the local time of this machine
 
     /// What the file does not tell is absent; a file that can't be read tells nothing.
-    static ShotInfo read(const std::filesystem::path& url);
+    /// head: the beginning of the file, where it was read already.
+    static ShotInfo read(const std::filesystem::path& url, std::span<const char> head = {});
 
     bool isEmpty() const { return *this == ShotInfo(); }
     /// What there is, joined by " · ".

@@ -18,6 +18,13 @@ bool looksDifferent(const Frame& a, const Frame& b)
     return !(a.process == b.process) || a.crop != b.crop || a.orient != b.orient;
 }
 
+/// What a crop does to the film decides how every cropped frame looks.
+void forgetExportsOfCropped(Roll& roll)
+{
+    for (std::size_t i = 0; i < roll.size(); ++i)
+        if (roll[i].crop && roll[i].process && roll[i].exportedAt) roll.edit(i).exportedAt.reset();
+}
+
 } // namespace
 
 AppModel::AppModel(AppSeams seams) : seams_(std::move(seams))
@@ -77,6 +84,7 @@ bool AppModel::editProject(History::Change step, const std::function<void(Projec
     Project after = project_;
     change(after);
     if (after == project_) return false;
+    if (after.cropGate != project_.cropGate) forgetExportsOfCropped(after.frames);
     history_.record(std::move(step), project_, seams_.loop.now());
     project_ = std::move(after);
     ++rollGen_;
@@ -116,6 +124,12 @@ void AppModel::applySnapshot(const History::Step& step)
     if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
 }
 
+void AppModel::stayOpen()
+{
+    linker.keepWatch();
+    saver.startAutosave();
+}
+
 void AppModel::adopt(Project project, std::optional<Path> url)
 {
     seams_.views.clear();
@@ -124,8 +138,7 @@ void AppModel::adopt(Project project, std::optional<Path> url)
     history_.clear();
     frameGen_.clear();
     ++rollGen_;
-    linker.clear();
-    linker.prepareAll();
+    linker.begin();
     selection.begin();
     seams_.views.renderAllThumbs();
 }

@@ -85,6 +85,9 @@ public:
     bool undo();
     bool redo();
 
+    /// From now on as a session does that stays open: saves by itself and keeps watch over the sources.
+    void stayOpen();
+
     /// Makes another project the open one; history, selection and all that is known of its frames begin anew.
     void adopt(Project project, std::optional<Path> url);
     void setProjectURL(std::optional<Path> url) { projectURL_ = std::move(url); }

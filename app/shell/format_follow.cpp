@@ -55,6 +55,15 @@ bool hasAspect(double ratio, double aspect)
     return std::abs(ratio - 1 / aspect) < kTolerance;
 }
 
+bool liesWithin(const Crop& crop, Size source)
+{
+    constexpr double kTolerancePx = 0.5;
+    const double x = kTolerancePx / static_cast<double>(source.width);
+    const double y = kTolerancePx / static_cast<double>(source.height);
+    return crop.x >= -x && crop.y >= -y && crop.x + crop.w <= 1 + x && crop.y + crop.h <= 1 + y &&
+           Pipeline::cropFits(crop, std::nullopt, source, kTolerancePx);
+}
+
 } // namespace
 
 ProcessSettings formatFittingStock(const ProcessSettings& from, ProcessSettings to, const ProfileStore& store)
@@ -79,15 +88,14 @@ bool formatWindowKeysChanged(const ProcessSettings& a, const ProcessSettings& b)
 {
     const RenderOptions &x = a.options, &y = b.options;
     return a.stock != b.stock || x.format != y.format || x.frameSize != y.frameSize ||
-           x.format120Cm != y.format120Cm || x.instantFrame != y.instantFrame || x.peelSize != y.peelSize;
+           x.format120Cm != y.format120Cm || x.instantFrame != y.instantFrame || x.peelSize != y.peelSize ||
+           x.cropGate != y.cropGate;
 }
 
-void followFormatWindow(Frame& frame, const ProcessSettings& before, const WindowOf& window)
+void followFormatWindow(Frame& frame, const ProcessSettings& before, const WindowOf& window, Refit refit)
 {
     constexpr double kNothing = 1e-6;
-    if (!frame.crop || frame.crop->angle != 0 || !frame.process ||
-        !formatWindowKeysChanged(before, *frame.process))
-        return;
+    if (!frame.crop || !frame.process || !formatWindowKeysChanged(before, *frame.process)) return;
     const std::optional<Size> source = window.sourceSize(frame);
     if (!source || source->width < 1 || source->height < 1) return;
     const auto was = windowAspect(before, *source, window);
@@ -96,7 +104,10 @@ void followFormatWindow(Frame& frame, const ProcessSettings& before, const Windo
     const Crop& crop = *frame.crop;
     const double ratio =
         crop.w * static_cast<double>(source->width) / (crop.h * static_cast<double>(source->height));
-    if (!std::isfinite(ratio) || !hasAspect(ratio, *was)) return;
+    if (!std::isfinite(ratio)) return;
+    const bool isAutomatic = crop.angle == 0 && hasAspect(ratio, *was);
+    const bool isBeyond = refit == Refit::automaticAndBeyond && !liesWithin(crop, *source);
+    if (!isAutomatic && !isBeyond) return;
     const bool stands = ratio < 1;
     frame.crop = Pipeline::clamped(Pipeline::expandCrop(crop, *source, stands ? 1 / *is : *is));
 }

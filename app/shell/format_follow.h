@@ -28,8 +28,13 @@ struct WindowOf {
     std::function<std::optional<Size>(const Frame&)> sourceSize;
 };
 
-/// Fits the crop of a frame to the window of its new settings, where the window's ratio has changed and the
-/// crop was that of the old window: straight, and in its ratio. One that the user made stays.
-void followFormatWindow(Frame& frame, const ProcessSettings& before, const WindowOf& window);
+/// Whose crop follows: one that was the old window, straight and in its ratio; for a knob also one that does
+/// not lie within the picture.
+enum class Refit { automatic, automaticAndBeyond };
+
+/// Fits the crop of a frame to the window of its new settings, where the window's ratio has changed. A crop
+/// that the user made stays.
+void followFormatWindow(Frame& frame, const ProcessSettings& before, const WindowOf& window,
+                        Refit refit = Refit::automatic);
 
 } // namespace tamlo

@@ -129,11 +129,6 @@ bool same(double a, double b)
     return std::abs(a - b) < kNothing;
 }
 
-bool isSoftFocus(const std::string& lens)
-{
-    return lens == "imagon" || lens == "verito";
-}
-
 const SieveDisc* discOf(const LensProfile& lens, const RenderOptions& options)
 {
     if (!lens.discs) return nullptr;
@@ -143,22 +138,17 @@ const SieveDisc* discOf(const LensProfile& lens, const RenderOptions& options)
     return nullptr;
 }
 
-/// A soft-focus lens whose aperture has moved: its sieve disc was changed, or its stop.
+/// One sieve disc of the lens was put in for another. Values that no disc has are two knobs.
 std::optional<KnobChange> discChange(const ProcessSettings& from, const ProcessSettings& to,
                                      const ProfileStore& store)
 {
     const RenderOptions &a = from.options, &b = to.options;
-    const bool stopMoved = !same(a.stop, b.stop);
-    if (!stopMoved && same(a.glowMult, b.glowMult) && same(a.glowRadiusMult, b.glowRadiusMult))
-        return std::nullopt;
+    if (same(a.glowMult, b.glowMult) && same(a.glowRadiusMult, b.glowRadiusMult)) return std::nullopt;
     const std::optional<LensProfile> lens = lensOf(to, store);
     if (!lens) return std::nullopt;
     const SieveDisc *before = discOf(*lens, a), *after = discOf(*lens, b);
-    if (before && after && before != after)
-        return KnobChange{"disc", T("knob.disc", {{"name", after->name}})};
-    if (!stopMoved || !isSoftFocus(to.lens)) return std::nullopt;
-    const std::string title = Loc::pick(lens->name.value_or(to.lens), lens->nameEn);
-    return KnobChange{"disc", T("knob.disc", {{"name", title}})};
+    if (!before || !after || before == after) return std::nullopt;
+    return KnobChange{"disc", T("knob.disc", {{"name", after->name}})};
 }
 
 } // namespace

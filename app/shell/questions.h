@@ -54,6 +54,8 @@ struct Questions {
     virtual void remove(const QuestionText& text, Answer<bool> answer) = 0;
     /// Whether a frame is to be linked to a file that is another picture.
     virtual void otherFile(const QuestionText& text, Answer<bool> answer) = 0;
+    /// Whether further lost files, found beside one that was just linked, are to be linked too.
+    virtual void linkNearby(const QuestionText& text, Answer<bool> answer) = 0;
 };
 
 /// Answers at once with what was decided beforehand, and cancels what was not.
@@ -62,7 +64,8 @@ struct HeadlessQuestions : Questions {
     std::optional<ApplyTo> applyChoice;
     std::optional<bool> removePicked;
     std::optional<bool> linkOther;
-    std::size_t cancelled = 0; ///< questions that nothing had decided
+    bool linkWhatIsNearby = false; ///< an offer: what is not wanted was not left undecided
+    std::size_t cancelled = 0;     ///< questions that nothing had decided
 
     void pairs(const QuestionText&, Answer<FolderScan::PairChoice> answer) override
     {
@@ -71,6 +74,7 @@ struct HeadlessQuestions : Questions {
     void applyToAll(const QuestionText&, Answer<ApplyTo> answer) override { settle(applyChoice, answer); }
     void remove(const QuestionText&, Answer<bool> answer) override { settle(removePicked, answer); }
     void otherFile(const QuestionText&, Answer<bool> answer) override { settle(linkOther, answer); }
+    void linkNearby(const QuestionText&, Answer<bool> answer) override { answer(linkWhatIsNearby); }
 
 private:
     template <typename Choice>

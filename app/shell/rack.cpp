@@ -2,7 +2,6 @@
 
 #include "app/project/process_rules.h"
 #include "app/shell/app_model.h"
-#include "app/shell/format_follow.h"
 #include "app/shell/knob_changes.h"
 #include "core/text/loc.h"
 
@@ -57,12 +56,12 @@ ProcessSettings Rack::turned(const ProcessSettings& from, ProcessSettings to) co
     return to;
 }
 
-void Rack::give(Frame& frame, Shared<ProcessSettings> process) const
+void Rack::give(Frame& frame, Shared<ProcessSettings> process, Refit refit) const
 {
     const ProcessSettings before = settingsOf(frame);
     if (frame.process == process) return;
     frame.process = std::move(process);
-    followFormatWindow(frame, before, window());
+    followFormatWindow(frame, before, window(), refit);
 }
 
 void Rack::setRackSettings(const ProcessSettings& to)
@@ -77,7 +76,8 @@ void Rack::setRackSettings(const ProcessSettings& to)
         KnobChange knob = changeOf(from, after, model_.store());
         step = {std::move(knob.name), "frame:" + knob.key};
     }
-    model_.editFrames(std::move(step), {frame->id}, [&](Frame& changed) { give(changed, after); });
+    model_.editFrames(std::move(step), {frame->id},
+                      [&](Frame& changed) { give(changed, after, Refit::automaticAndBeyond); });
 }
 
 std::size_t Rack::change(const FrameIDs& ids, const Change& change)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/project/frame.h"
+#include "app/shell/format_follow.h"
 
 #include <functional>
 #include <string>
@@ -11,7 +12,6 @@
 namespace tamlo {
 
 class AppModel;
-struct WindowOf;
 
 class Rack {
 public:
@@ -34,7 +34,7 @@ public:
     std::size_t resetSettings(const FrameIDs& ids);
 
     /// Gives a frame a process that something else than a knob has made; its crop follows the format.
-    void give(Frame& frame, Shared<ProcessSettings> process) const;
+    void give(Frame& frame, Shared<ProcessSettings> process, Refit refit = Refit::automatic) const;
     WindowOf window() const;
 
 private:

@@ -1,6 +1,7 @@
 #include "app/shell/recents.h"
 
 #include "app/shell/app_model.h"
+#include "platform/file_lock.h"
 #include "platform/platform_error.h"
 
 #include <algorithm>
@@ -39,6 +40,24 @@ void Recents::update()
     const AppSeams& seams = model_.seams();
     if (seams.registry && model_.projectURL())
         seams.registry->update(*model_.projectURL(), seams.loop.date());
+}
+
+bool Recents::openLastProject()
+{
+    const AppSeams& seams = model_.seams();
+    const auto last = seams.registry ? seams.preferences.text(kLastProject) : std::nullopt;
+    if (!last) return false;
+    std::error_code ignored;
+    const bool isThere = std::filesystem::exists(*last, ignored);
+    if (isThere && model_.saver.open(*last)) return true;
+    const bool isElsewhere = isThere && !platform::FileLock::tryTake(platform::canonicalPath(*last));
+    if (isElsewhere) return false; // another program has it open: nothing is wrong with it
+    try {
+        seams.preferences.setText(kLastProject, std::nullopt);
+    } catch (const platform::PlatformError&) {
+        // It is tried once more next time.
+    }
+    return false;
 }
 
 bool Recents::projectIsSettled() const

@@ -19,6 +19,9 @@ public:
     void registerClosedProject();
     /// The project was written.
     void update();
+    /// Opens the project that was open last. One that is gone or can't be read is not tried again, and the
+    /// present project stays.
+    bool openLastProject();
     /// Every frame with a process has been exported since it was last changed.
     bool projectIsSettled() const;
 

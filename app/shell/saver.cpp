@@ -1,5 +1,6 @@
 #include "app/shell/saver.h"
 
+#include "app/project/file_fields.h"
 #include "app/project/file_resolver.h"
 #include "app/project/whole_file.h"
 #include "app/shell/app_model.h"
@@ -83,13 +84,14 @@ std::shared_ptr<ProjectFile> Saver::fileFor(const Path& to) const
     return file_ && model_.projectURL() == to ? file_ : nullptr;
 }
 
-Saver::Ended Saver::written(Project project, std::shared_ptr<ProjectFile> file, const Path& to, double date)
+Saver::Ended Saver::written(Project project, std::shared_ptr<ProjectFile> file, const Path& to, Over over,
+                            double date)
 {
     Ended ended{std::move(project), std::move(file), false, std::nullopt};
     try {
         if (!ended.file) ended.file = std::make_shared<ProjectFile>(to);
         ended.changedOnDisk =
-            ended.file->write(ended.project.encoded(), date) == ProjectFile::Written::changedOnDisk;
+            ended.file->write(ended.project.encoded(), date, over) == ProjectFile::Written::changedOnDisk;
         if (ended.changedOnDisk) ended.problem = T("project.changedOnDisk");
     } catch (const TamloError& error) {
         ended.problem = T("project.saveFailed", {{"error", ErrorWords::of(error)}});
@@ -97,17 +99,20 @@ Saver::Ended Saver::written(Project project, std::shared_ptr<ProjectFile> file, 
     return ended;
 }
 
-void Saver::saveProject(const Path& to, Done done)
+void Saver::saveProject(const Path& to, Done done, Over over)
 {
-    waiting_.push_back({to, std::move(done)});
+    waiting_.push_back({to, std::move(done), over});
     if (waiting_.size() == 1) beginNext();
 }
 
 void Saver::beginNext()
 {
     const Path to = waiting_.front().to;
-    background_.run([project = model_.project(), file = fileFor(to), to,
-                     date = model_.seams().loop.date()] { return written(project, file, to, date); },
+    Project project = model_.project();
+    const bool isMoved = !model_.projectURL() || model_.projectURL()->parent_path() != to.parent_path();
+    if (isMoved) renewRelPaths(project.frames, to.parent_path());
+    background_.run([project = std::move(project), file = fileFor(to), to, over = waiting_.front().over,
+                     date = model_.seams().loop.date()] { return written(project, file, to, over, date); },
                     [this](Ended ended) { finish(std::move(ended)); });
 }
 
@@ -124,6 +129,9 @@ void Saver::finish(Ended ended)
         const bool isNew = !isOpenOne || !file_;
         file_ = std::move(ended.file);
         saved_ = std::move(ended.project);
+        if (!isOpenOne)
+            model_.amendProject(
+                [&](Project& project) { renewRelPaths(project.frames, save.to.parent_path()); });
         model_.setProjectURL(save.to);
         isNew ? model_.recents.registerOpenedProject() : model_.recents.update();
     }

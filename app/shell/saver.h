@@ -37,9 +37,11 @@ public:
     /// Opens a backup as a new project without a file.
     bool restore(const ProjectBackups::Item& item);
 
-    /// Writes the project, where it differs from its file. A failure is told, and everything stays in memory.
-    /// `done` is called on the main thread.
-    void saveProject(const Path& to, Done done = {});
+    using Over = ProjectFile::Over;
+    /// Writes the project. A failure is told, and everything stays in memory. A file that another program has
+    /// changed or put there is written over only on purpose, `anything`: a screen has asked. `done` is called
+    /// on the main thread.
+    void saveProject(const Path& to, Done done = {}, Over over = Over::expected);
     /// The save that comes by itself: nothing for a project without a file, or that stands there already.
     void autosave();
     /// Saves by itself every 60 seconds from now on.
@@ -54,6 +56,7 @@ private:
     struct Waiting {
         Path to;
         Done done;
+        Over over;
     };
     /// A save that has ended.
     struct Ended {
@@ -66,7 +69,8 @@ private:
     void beginNext();
     void finish(Ended ended);
     std::shared_ptr<ProjectFile> fileFor(const Path& to) const;
-    static Ended written(Project project, std::shared_ptr<ProjectFile> file, const Path& to, double date);
+    static Ended written(Project project, std::shared_ptr<ProjectFile> file, const Path& to, Over over,
+                         double date);
 
     AppModel& model_;
     std::shared_ptr<ProjectFile> file_; ///< holds the lock of the open project; none when it has no file

@@ -103,6 +103,25 @@ TEST_F(ProjectTest, FramesAreNamedInManyWays)
     expectRefused({"copy", "roll", "1-2"}, 2, "must mean one frame");
 }
 
+TEST_F(ProjectTest, NamesOfEverySortSurvive)
+{
+    const std::string names[] = {"line\nfeed.jpg", "\xFF\xFE not text.jpg", std::string(251, 'n') + ".jpg",
+                                 "-rf.jpg", "50% *?[a].jpg"};
+    for (const std::string& name : names) {
+        fs::copy_file(scratch_ / "photos" / "img1.jpg", scratch_ / "photos" / name);
+        std::ofstream(scratch_ / "photos" / name, std::ios::app) << name;
+    }
+    EXPECT_EQ(tamlo({"new", "roll", "photos"}).out, "9 added\n");
+    for (const std::string& name : names)
+        EXPECT_EQ(tamlo({"mark", "--", "roll", name, "pick"}).out, "1 frame changed\n") << name;
+    EXPECT_EQ(tamlo({"check", "roll"}).status, 0);
+    EXPECT_EQ(frames("picked").size(), 5u);
+    const RunResult shown = tamlo({"show", "roll"});
+    EXPECT_EQ(std::count(shown.out.begin(), shown.out.end(), '\n'), 9) << "a line a frame\n" << shown.out;
+    fs::rename(scratch_ / "photos", scratch_ / "elsewhere");
+    EXPECT_EQ(tamlo({"locate", "roll", "elsewhere"}).out, "9 found\n");
+}
+
 TEST_F(ProjectTest, SettingsAreCheckedBeforeTheRollIsOpened)
 {
     make();
@@ -169,8 +188,14 @@ TEST_F(ProjectTest, LostFilesAreFoundAgain)
     EXPECT_EQ(found.status, 1);
     EXPECT_EQ(found.out, "3 found · 1 not found (img2.jpg)\n");
     EXPECT_EQ(frames("lost").size(), 1u);
-    expectRefused({"locate", "roll", "img2.jpg", "elsewhere/img10.jpg"}, 1, "--force");
-    EXPECT_EQ(tamlo({"locate", "roll", "img2.jpg", "elsewhere/img10.jpg", "--force"}).status, 0);
+    fs::rename(scratch_ / "elsewhere" / "renamed.jpg", scratch_ / "moved.jpg");
+    fs::rename(scratch_ / "elsewhere" / "img10.jpg", scratch_ / "img10.jpg");
+    const RunResult linked = tamlo({"locate", "roll", "renamed.jpg", "moved.jpg"});
+    EXPECT_EQ(linked.out, "Files linked: 1\n") << linked.err;
+    EXPECT_NE(linked.err.find("1 more of the lost files lie in"), std::string::npos) << linked.err;
+    EXPECT_EQ(tamlo({"locate", "roll", "."}).status, 1) << "one is still gone";
+    expectRefused({"locate", "roll", "img2.jpg", "img10.jpg"}, 1, "--force");
+    EXPECT_EQ(tamlo({"locate", "roll", "img2.jpg", "img10.jpg", "--force"}).status, 0);
     EXPECT_EQ(tamlo({"check", "roll"}).status, 0);
 }
 

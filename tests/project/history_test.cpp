@@ -1,5 +1,7 @@
+#include "app/project/deferred_commit.h"
 #include "app/project/history.h"
 #include "tests/support/rolls.h"
+#include "tests/support/test_seams.h"
 
 #include <gtest/gtest.h>
 
@@ -92,6 +94,30 @@ TEST_F(HistoryTest, ClosuresRunInTurn)
         1, {}, [&] { ran += 'a'; }, [&] { ran += 'i'; });
     for (int i = 0; i < 2; ++i) undo(), redo();
     EXPECT_EQ(ran, "aiai");
+}
+
+TEST(DeferredCommits, OnlyTheLastOneThatStillWaitsRuns)
+{
+    VirtualLoop loop;
+    std::string ran;
+    std::optional<DeferredCommit> commit(loop);
+    commit->schedule(0.35, [&] { ran += 'a'; });
+    loop.advance(0.3);
+    commit->schedule(0.35, [&] { ran += 'b'; });
+    loop.advance(0.3);
+    EXPECT_EQ(ran, "");
+    loop.advance(0.06);
+    EXPECT_EQ(ran, "b");
+    commit->schedule(0.1, [&] { ran += 'c'; });
+    commit->cancel();
+    loop.advance(1);
+    commit->schedule(0.1, [&] { commit->schedule(0.1, [&] { ran += 'd'; }); });
+    loop.advance(1);
+    EXPECT_EQ(ran, "bd") << "an action may schedule the next one";
+    commit->schedule(0.1, [&] { ran += 'e'; });
+    commit.reset();
+    loop.advance(1);
+    EXPECT_EQ(ran, "bd");
 }
 
 TEST_F(HistoryTest, AnyWalkComesBackToItsPlaces)

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 namespace tamlo {
 namespace {
 
@@ -110,6 +112,42 @@ TEST_F(IntakeTest, WhatTheRollHasAlreadyIsCounted)
               "the folder is too large — the first 20000 were taken");
     EXPECT_EQ(Intake::reportText({}), "0 added");
     Loc::setOverride(before);
+}
+
+/// Bytes that this process has read by system calls; nothing where the kernel doesn't tell.
+std::optional<std::int64_t> bytesRead()
+{
+    std::ifstream file("/proc/self/io");
+    std::string key;
+    std::int64_t count = 0;
+    file >> key >> count;
+    return key == "rchar:" ? std::optional(count) : std::nullopt;
+}
+
+// A disk that is asked for every byte twice takes twice as long, and a card reader is slow enough.
+TEST_F(IntakeTest, AnImportReadsTheSampleOfAFileAndNothingTwice)
+{
+    constexpr std::int64_t kFiles = 30, kMostBytes = 1'121'976; // 1.07 MiB
+    const char* containers[] = {"metadata/full-exif.jpg", "metadata/full-exif.heic",
+                                "patterns/rgb16-linear.png", "patterns/patches.dng",
+                                "patterns/rgb16-bigendian.tif"};
+    Names files;
+    for (int i = 0; i < kFiles; ++i) {
+        const fs::path source = fs::path(TAMLO_SAMPLES) / containers[static_cast<std::size_t>(i) % 5];
+        files.push_back(scratch_ / (std::to_string(i) + source.extension().string()));
+        fs::copy_file(source, files.back());
+        std::ofstream(files.back(), std::ios::app)
+            << std::string(2'000'000 + static_cast<std::size_t>(i), 'x');
+    }
+    const auto before = bytesRead();
+    if (!before) GTEST_SKIP() << "no /proc/self/io";
+    const Intake::Ingested ingested = Intake::ingest(files, {}, scratch_.path());
+    EXPECT_LE(*bytesRead() - *before, kFiles * kMostBytes);
+    ASSERT_EQ(ingested.frames.size(), static_cast<std::size_t>(kFiles));
+    for (int i = 0; i < kFiles; i += 5) {
+        EXPECT_EQ(ingested.frames[static_cast<std::size_t>(i)].shot->iso, 200);
+        EXPECT_EQ(ingested.frames[static_cast<std::size_t>(i) + 1].shot->iso, 200);
+    }
 }
 
 } // namespace

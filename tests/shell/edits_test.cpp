@@ -236,6 +236,27 @@ TEST_F(EditsTest, AFilmBringsItsFormatsAndAWindowsCropFollows)
     EXPECT_NEAR(square.w * 6000, square.h * 4000, 1);
     for (const Crop own : {Crop{0.25, 0.25, 0.5, 0.5, 2}, Crop{0.1, 0.1, 0.3, 0.8, 0}})
         EXPECT_EQ(setCrop(own), own) << "made by hand";
+
+    // A knob also brings in one that leaves the picture; what is done to many frames does not.
+    const Crop beyond{0.7, 0.1, 0.5, 0.3, 0};
+    EXPECT_EQ(setCrop(beyond), beyond);
+    model_.amendProject([&](Project& project) {
+        project.frames.edit(1).crop = beyond;
+        project.frames.edit(1).process = ProcessSettings::fresh();
+        project.frames.edit(1).exportedAt = Date{1};
+        project.frames.edit(2).exportedAt = Date{1};
+    });
+    EXPECT_TRUE(model_.editProject({"gate"}, [](Project& project) { project.cropGate = "none"; }));
+    EXPECT_EQ(roll()[1].exportedAt, std::nullopt) << "a cropped frame looks different now";
+    EXPECT_TRUE(roll()[2].crop || roll()[2].exportedAt);
+    model_.undo();
+    model_.selection.openFrame(roll()[1].id);
+    ProcessSettings settings = model_.rack.rackSettings();
+    settings.options.format = FilmFormat::f120;
+    settings.options.frameSize = "6x6";
+    model_.rack.setRackSettings(settings);
+    EXPECT_LE(roll()[1].crop->x + roll()[1].crop->w, 1);
+    EXPECT_NEAR(roll()[1].crop->w * 6000, roll()[1].crop->h * 4000, 1);
 }
 
 TEST_F(EditsTest, EveryKnobHasItsNameAndOneOptionOnly)
@@ -273,7 +294,7 @@ TEST_F(EditsTest, DiscsOfASoftFocusLensHaveNames)
     EXPECT_EQ(changeOf(a, b, store_).key, "glowMult");
     b = a;
     b.options.stop = 1;
-    EXPECT_EQ(changeOf(a, b, store_).key, "disc");
+    EXPECT_EQ(changeOf(a, b, store_).key, "stop") << "the disc is the same";
     b.lens = "petzval1900";
     EXPECT_EQ(changeOf(a, b, store_).key, "lens");
 }

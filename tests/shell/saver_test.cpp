@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 namespace tamlo::test {
 namespace {
@@ -14,20 +13,13 @@ namespace fs = std::filesystem;
 class SaverTest : public SessionTest {
 protected:
     /// The problem of a save, empty for none.
-    std::string save(const fs::path& to)
+    std::string save(const fs::path& to, Saver::Over over = Saver::Over::expected)
     {
         std::optional<std::string> ended;
-        model_.saver.saveProject(to,
-                                 [&](std::optional<std::string> problem) { ended = problem.value_or(""); });
+        model_.saver.saveProject(
+            to, [&](std::optional<std::string> problem) { ended = problem.value_or(""); }, over);
         settle([&] { return ended.has_value(); });
         return *ended;
-    }
-    void settle(const std::function<bool()>& done)
-    {
-        while (!done()) {
-            loop_.runPosted();
-            std::this_thread::yield();
-        }
     }
     void change(double grade)
     {
@@ -48,6 +40,13 @@ TEST_F(SaverTest, WhatIsSavedIsOpenedAgain)
     open(5);
     EXPECT_EQ(save(file_), "");
     EXPECT_EQ(model_.projectURL(), file_);
+    EXPECT_FALSE(model_.saver.hasChanges());
+    model_.amendProject([&](Project& project) { project.frames.edit(0).url = folder_ / "raw" / "0.nef"; });
+    fs::create_directory(folder_ / "rolls");
+    EXPECT_EQ(save(folder_ / "rolls" / "roll.tamlo"), "");
+    EXPECT_EQ(roll()[0].relPath, "../raw/0.nef") << "as seen from where the project stands now";
+    EXPECT_EQ(save(file_, Saver::Over::anything), "");
+    EXPECT_EQ(roll()[0].relPath, "raw/0.nef");
     EXPECT_FALSE(model_.saver.hasChanges());
     const Project saved = model_.project();
     open(1);
@@ -108,6 +107,15 @@ TEST_F(SaverTest, AFileThatSomebodyElseChangedIsNotWrittenOver)
     EXPECT_TRUE(model_.lastActionFailed());
     EXPECT_TRUE(model_.saver.isChangedOnDisk());
     EXPECT_EQ(onDisk(), saved + " ");
+    loop_.advance(61);
+    EXPECT_EQ(onDisk(), saved + " ") << "nor by itself";
+    EXPECT_EQ(save(file_, Saver::Over::anything), "") << "but on purpose";
+    EXPECT_EQ(onDisk(), model_.project().encoded());
+    ASSERT_EQ(backups().size(), 1u);
+    EXPECT_EQ(readFile(backups()[0].url), saved + " ") << "and what stood there is kept";
+    EXPECT_FALSE(model_.saver.isChangedOnDisk());
+    writeFile(file_, saved + " ");
+    EXPECT_NE(save(file_), "");
     EXPECT_EQ(save(folder_ / "copy.tamlo"), "") << "a copy is free";
     EXPECT_FALSE(model_.saver.isChangedOnDisk());
     model_.saver.adopt(Project());
@@ -119,6 +127,28 @@ TEST_F(SaverTest, AFileThatSomebodyElseChangedIsNotWrittenOver)
     fs::remove(file_);
     EXPECT_EQ(save(file_), "") << "a file that is gone is written again";
     EXPECT_EQ(onDisk(), model_.project().encoded());
+}
+
+TEST_F(SaverTest, TheLastProjectOpensUnlessItCannot)
+{
+    EXPECT_FALSE(model_.recents.openLastProject());
+    open(4);
+    ASSERT_EQ(save(file_), "");
+    {
+        model_.saver.adopt(Project());
+        const ProjectFile elsewhere(file_);
+        EXPECT_FALSE(model_.recents.openLastProject());
+    }
+    EXPECT_TRUE(model_.recents.openLastProject()) << "another program had it, and nothing was wrong with it";
+    EXPECT_EQ(roll().size(), 4u);
+    model_.saver.adopt(Project());
+    writeFile(file_, "{");
+    EXPECT_FALSE(model_.recents.openLastProject());
+    EXPECT_TRUE(model_.lastActionFailed());
+    EXPECT_EQ(preferences_.text("lastProject"), std::nullopt) << "it is not tried again";
+    preferences_.setText("lastProject", (folder_ / "gone.tamlo"));
+    EXPECT_FALSE(model_.recents.openLastProject());
+    EXPECT_EQ(preferences_.text("lastProject"), std::nullopt);
 }
 
 TEST_F(SaverTest, AFailureKeepsTheFileAndTheWork)

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace tamlo::test {
 
 struct RecordingViews : FrameViews {
@@ -32,6 +34,14 @@ protected:
         Loc::setOverride(std::nullopt);
     }
 
+    /// Turns the loop until work elsewhere has come back.
+    void settle(const std::function<bool()>& done)
+    {
+        while (!done()) {
+            loop_.runPosted();
+            std::this_thread::yield();
+        }
+    }
     void open(unsigned frames) { model_.saver.adopt(rollOf(frames)); }
     const Roll& roll() const { return model_.project().frames; }
     std::vector<FrameID> ids(std::initializer_list<std::size_t> places) const

@@ -34,7 +34,7 @@ public:
         return timers_.add(now_ + seconds, seconds, std::move(work));
     }
     double now() const override { return now_; }
-    double date() const override { return kBegin + now_; }
+    double date() const override { return kBegin + now_ + slept; }
     bool isMainThread() const override { return std::this_thread::get_id() == thread_; }
 
     /// What is posted meanwhile runs too.
@@ -56,6 +56,7 @@ public:
     }
 
     static constexpr double kBegin = 1'800'000'000.0; ///< date() at the beginning
+    double slept = 0;                                 ///< seconds for which the machine stood still
 
 private:
     std::function<void()> next()
