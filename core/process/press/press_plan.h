@@ -1,6 +1,7 @@
 // Plans of the presses: profile, options and the frame's draws into what the passes need. A plan makes every
-// draw of its press, in a fixed order: offset draws ink by ink its misregister and its screen's phases;
-// inkjet draws the swaths, then where each ink starts in the table of drops, then its misalignment.
+// draw of its press, in a fixed order: offset draws ink by ink its misregister and its screen's phases, and
+// then registers black with the rosette; inkjet draws the swaths, then where each ink starts in the table of
+// drops, then its misalignment.
 #pragma once
 
 #include "core/image/random.h"
