@@ -23,10 +23,6 @@ inline constexpr Placeholder drawRebate{
     "stage.rebate", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options) {
         return options.frameStyle != FrameStyle::none && !film.isInstant() && paper.repro != "crt";
     }};
-/// Three plates through three filters.
-inline constexpr Placeholder renderTricolor{
-    "stage.tricolor",
-    [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) { return film.isTricolor(); }};
 /// A plate seen as itself.
 inline constexpr Placeholder viewPlate{
     "stage.plateView", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions&) {
@@ -52,7 +48,7 @@ inline constexpr Placeholder addInstantFrame{
     }};
 
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,        &renderTricolor, &viewPlate,
+inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,        &viewPlate,
                                                        &renderInstantMono, &renderInstant,  &showOnScreen,
                                                        &addInstantFrame};
 
