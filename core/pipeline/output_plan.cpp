@@ -11,6 +11,7 @@
 #include "core/process/mat/mat_plan.h"
 #include "core/process/mat/table.h"
 #include "core/process/raster/raster_note.h"
+#include "core/process/raster/tube_geometry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -124,13 +125,17 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     size = Film::printedSize(size, film, paper, options);
     plan.coatPx = (size.width - uncoated) / 2;
 
-    if (paper.isRepro() && paper.repro != "crt") {
+    if (paper.isRepro()) {
         plan.raster = ReproPrint::planRaster(paper, options, options.printPxUm, size);
         plan.rasterNote = ReproPrint::rasterNote(paper, options, options.printPxUm, size);
         plan.supersample = plan.raster.ss;
         plan.dotsDrawn = ReproPrint::raster(paper, options.printPxUm / plan.raster.grow, options)->resolved;
         const std::int64_t before = longSideOf(size);
         size = ReproPrint::grownSize(size, plan.raster.grow);
+        if (paper.repro == "crt")
+            plan.linesDrawn =
+                CRTScreen::geometry(paper, options.printPxUm / plan.raster.grow, size.height, options)
+                    .linesDrawn;
         const double ratio = static_cast<double>(longSideOf(size)) / static_cast<double>(before);
         if (ratio > 1.001) afterScanCap(baseLong, options, ratio);
     }

@@ -20,10 +20,5 @@ inline Size withCard(Size picture)
 {
     return picture;
 }
-/// Long side of a photographed screen: it prints as large as any print.
-inline double screenLongCm(const RenderOptions& options)
-{
-    return options.printCm;
-}
 
 } // namespace tamlo::Pending

@@ -37,10 +37,6 @@ inline constexpr Placeholder renderInstant{
     "stage.instant", [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) {
         return film.isInstant() && !film.isMonoInstant();
     }};
-/// The television screen, photographed again.
-inline constexpr Placeholder showOnScreen{
-    "stage.screen",
-    [](const FilmProfile&, const PaperProfile& paper, const RenderOptions&) { return paper.repro == "crt"; }};
 /// The card round an instant picture.
 inline constexpr Placeholder addInstantFrame{
     "stage.card", [](const FilmProfile& film, const PaperProfile&, const RenderOptions& options) {
@@ -48,9 +44,8 @@ inline constexpr Placeholder addInstantFrame{
     }};
 
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,        &viewPlate,
-                                                       &renderInstantMono, &renderInstant,  &showOnScreen,
-                                                       &addInstantFrame};
+inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate, &viewPlate, &renderInstantMono,
+                                                       &renderInstant, &addInstantFrame};
 
 /// Lays the rebate onto the paper; there is none to lay until it is drawn.
 inline RGBImage compositeWindow(RGBImage positive)
