@@ -12,6 +12,7 @@
 #include "core/process/mat/table.h"
 #include "core/process/raster/raster_note.h"
 #include "core/process/raster/tube_geometry.h"
+#include "core/process/rebate/frame_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -114,7 +115,12 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     if (options.masterCap) ceiling = masterLongPx(film, length.capUm);
     Size size = exposedSize(input, film, options, ceiling);
     std::int64_t baseLong = longSideOf(size);
-    if (!film.isInstant() && paper.repro != "crt") size = Pending::withRebate(size);
+    std::array<double, 4> insets{};
+    if (!film.isInstant() && paper.repro != "crt")
+        if (const auto rebate = framePlan(size, film, options, {length.fmtUm, length.whole})) {
+            size = rebate->layout.canvas(size);
+            insets = frameInsetFrac(rebate->insetsPx(), baseLong);
+        }
 
     OutputPlan plan;
     plan.fmtUm = length.fmtUm;
@@ -151,8 +157,8 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
         options = instantBareOptions(film, std::move(options), size);
         if (options.instantFrame) size = Pending::withCard(size);
     } else {
-        const double border = resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm},
-                                            frameInsetFrac(std::nullopt, baseLong));
+        const double border =
+            resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm}, insets);
         size = withBorder(size, borderMarginPx(border, longSideOf(size)));
     }
     addMat(plan, size, options);

@@ -10,11 +10,6 @@
 
 namespace tamlo::Pending {
 
-/// Size of a picture with its rebate.
-inline Size withRebate(Size picture)
-{
-    return picture;
-}
 /// Size of an instant picture with its card.
 inline Size withCard(Size picture)
 {

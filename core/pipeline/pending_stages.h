@@ -18,11 +18,6 @@ struct Placeholder {
     RGBImage operator()(RGBImage image) const { return image; }
 };
 
-/// The film's edge, drawn ahead of the emulsion.
-inline constexpr Placeholder drawRebate{
-    "stage.rebate", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options) {
-        return options.frameStyle != FrameStyle::none && !film.isInstant() && paper.repro != "crt";
-    }};
 /// A plate seen as itself.
 inline constexpr Placeholder viewPlate{
     "stage.plateView", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions&) {
@@ -44,14 +39,9 @@ inline constexpr Placeholder addInstantFrame{
     }};
 
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate, &viewPlate, &renderInstantMono,
-                                                       &renderInstant, &addInstantFrame};
+inline constexpr const Placeholder* kPlaceholders[] = {&viewPlate, &renderInstantMono, &renderInstant,
+                                                       &addInstantFrame};
 
-/// Lays the rebate onto the paper; there is none to lay until it is drawn.
-inline RGBImage compositeWindow(RGBImage positive)
-{
-    return positive;
-}
 /// Takes the halation ring from a plate on an opaque base.
 inline DevelopedFilm withoutGlassOnOpaque(DevelopedFilm film)
 {

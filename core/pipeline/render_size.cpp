@@ -74,10 +74,10 @@ Pipeline::FilmLength Pipeline::filmLength(const FilmProfile& film, const RenderO
 {
     if (film.isInstant()) {
         const double um = instantLongUm(film, options.peelSize);
-        return {um, um};
+        return {um, um, true};
     }
     const auto window = Formats::formatWindow(film, options, {source, picture});
-    return {window.fmtUm, window.capUm};
+    return {window.fmtUm, window.capUm, window.exact};
 }
 
 std::optional<double> Pipeline::cardAspect(const FilmProfile& film, const RenderOptions& options)

@@ -111,6 +111,18 @@ constexpr OptionRow lenient(OptionRow row)
     return row;
 }
 
+/// An option that is written only where it is not its default: documents from before it stay as they are.
+template <auto Member>
+constexpr OptionRow silent(OptionRow row)
+{
+    using Value = typename detail::MemberOf<decltype(Member)>::ValueType;
+    row.write = +[](const O& from, Json& to) {
+        if (from.*Member != Value{}) to = JsonCodec<Value>::write(from.*Member);
+    };
+    row.clear = +[](O& to) { to.*Member = Value{}; };
+    return row;
+}
+
 constexpr OptionRow nullable(OptionRow row)
 {
     row.writesNull = true;
@@ -290,6 +302,14 @@ constexpr OptionRow kRows[] = {
     ranged(option<&O::frameRough>("frame_rough", "", "raggedness of the rebate; larger is rougher"), 0, 2),
     oneOf(option<&O::frameStyle>("frame_style", "", "edge of the film printed with the picture"),
           kFrameStyle),
+    silent<&O::framePrint>(option<&O::framePrint>(
+        "frame_print", "",
+        "true shows the film out to its own edge, with its perforations and what is printed there")),
+    silent<&O::framePrintText>(option<&O::framePrintText>(
+        "frame_print_text", "", "word printed on the film's edge in place of the film's plain name")),
+    silent<&O::frameNumber>(
+        ranged(option<&O::frameNumber>("frame_number", "", "number printed on the film's edge; 0 is none"), 0,
+               9999)),
     option<&O::instantFrame>("instant_frame", "", "false leaves the card of instant film away"),
     oneOf(option<&O::peelSize>("peel_size", "", "sheet of a pack film, where it is made in that size"),
           kPeelSize),
