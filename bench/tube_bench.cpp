@@ -56,7 +56,8 @@ BENCHMARK(tubeBench)->DenseRange(0, 2)->UseManualTime()->Iterations(3)->Unit(ben
 
 void threePlates(benchmark::State& state)
 {
-    const DevelopedFilm film{ProfileStore::shared().film("three_plates_1909")};
+    DevelopedFilm film;
+    film.film = ProfileStore::shared().film("three_plates_1909");
     const Size size = sizeOf(state);
     RenderOptions options;
     options.grainMult = 0.0;

@@ -102,7 +102,8 @@ TEST(NegativeFrame, EverySizeHasTheSameEdges)
         RenderOptions options;
         options.seed = seed;
         GrainRNG rng = Seeds::streamRNG(options, Seeds::SeedStream::frame);
-        for (const float t : NegativeFrame::profiles({20, 20}, layout, rng)->edgeT) {
+        const auto drawn = NegativeFrame::profiles({20, 20}, layout, rng);
+        for (const float t : drawn->edgeT) {
             EXPECT_TRUE(t >= 0.099f && t <= 1.33f) << t;
             sum += t;
             squares += static_cast<double>(t) * t;
@@ -233,6 +234,8 @@ TEST(FilmEdge, PrintsWordNumberAndHolesInMillimetres)
     for (int i = 0; i < 400; ++i) options.framePrintText += "плёнка ";
     RGBImage image(300, 200, Vec3f{});
     EXPECT_TRUE(addRebate(image, filmOf(), options, {36'000.0, true}));
+    options.framePrintText.clear();
+    EXPECT_EQ(framePlan({300, 200}, filmOf(), options, {})->print->word, "Portra 400") << "no maker's name";
     options.frameStyle = FrameStyle::thin;
     EXPECT_FALSE(framePlan({300, 200}, filmOf(), options, {})->print);
 }

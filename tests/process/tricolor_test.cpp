@@ -116,7 +116,8 @@ TEST(Tricolor, DiapositivesHaveTheToneOfTheirCurve)
 // A grey card comes out grey enough to be one, the same on average at two sizes.
 TEST(Tricolor, GreyCardsAndSizes)
 {
-    const DevelopedFilm film{plates1909()};
+    DevelopedFilm film;
+    film.film = plates1909();
     RenderOptions options;
     options.grainMult = 0.0;
     Vec3f last{};

@@ -1,11 +1,11 @@
 #include "core/process/crt/tube_tone.h"
 
 #include "core/image/bands.h"
-#include "core/image/gaussian.h"
 #include "core/image/rounding.h"
 #include "core/process/crt/crt_passes.h"
 #include "core/process/crt/scan_lines.h"
 #include "core/process/crt/shadow_mask.h"
+#include "core/process/crt/video_signal.h"
 
 #include <algorithm>
 #include <array>
@@ -75,6 +75,12 @@ ToneCache<double>& gainCache()
     return cache;
 }
 
+ToneCache<std::vector<float>>& lightCache()
+{
+    static ToneCache<std::vector<float>> cache;
+    return cache;
+}
+
 ToneCache<std::vector<float>>& toneCache()
 {
     static ToneCache<std::vector<float>> cache;
@@ -130,13 +136,39 @@ void drawTile(std::vector<Plane>& planes, const Tube& tube, Structure structure,
     });
 }
 
+Plane transposed(const Plane& plane)
+{
+    Plane out(plane.height, plane.width);
+    float* to = out.mutableData();
+    for (std::int64_t y = 0; y < plane.height; ++y)
+        for (std::int64_t x = 0; x < plane.width; ++x) to[x * plane.height + y] = plane.row(y)[x];
+    return out;
+}
+
+Plane rowsSoftened(Plane plane, double sigma)
+{
+    const RowBlur blur(sigma, plane.width, EdgeMode::reflect);
+    float* values = plane.mutableData();
+    const std::int64_t width = plane.width;
+    parallelBands(plane.height, width * 8, [&](std::int64_t start, std::int64_t end) {
+        RowBlur::Scratch scratch;
+        for (std::int64_t y = start; y < end; ++y) blur.apply(values + y * width, scratch);
+    });
+    return plane;
+}
+
 Plane softened(Plane plane, double sigma)
 {
-    constexpr double kLeastSigmaPx = 0.3;
-    constexpr double kDirectSigmaPx = 64.0; // beyond, the tile is as good as even and its edges say nothing
-    if (sigma < kLeastSigmaPx) return plane;
-    return sigma <= kDirectSigmaPx ? gaussianFilter(std::move(plane), sigma, EdgeMode::reflect)
-                                   : blurChannel(std::move(plane), sigma);
+    return transposed(rowsSoftened(transposed(rowsSoftened(std::move(plane), sigma)), sigma));
+}
+
+/// Light of a white screen with that structure, kept: the camera's exposure and a tone share it.
+std::vector<float> lightOf(const PaperProfile& paper, const RenderOptions& options, Structure structure)
+{
+    return lightCache().get(keyOf(paper, options, structure), [&] {
+        return samples(tileStructure(tube(paper, options), screen(paper, options), structure, kTilePpx),
+                       kSamples);
+    });
 }
 
 } // namespace
@@ -145,7 +177,7 @@ std::vector<Plane> CRTScreen::tileStructure(const Tube& tube, const Screen& scre
                                             double ppx)
 {
     constexpr double kPitches = 6.0, kLeastLines = 4.0;
-    constexpr double kWidestLinePx = 2048.0; // lines much wider than the mask say the same at any width
+    constexpr double kWidestLinePx = 512.0; // lines much wider than the mask say the same at any width
     constexpr double kLeastPx = 1e-6;
     const double pxUm = tube.pitchMm * 1000.0 / ppx;
     const double lineMm = screen.heightMm / std::max(screen.lines, 1e-6);
@@ -185,7 +217,7 @@ double CRTScreen::cameraGain(const PaperProfile& paper, const RenderOptions& opt
 {
     return gainCache().get(keyOf(paper, options, {}), [&] {
         const Tube shown = tube(paper, options);
-        const auto s = samples(tileStructure(shown, screen(paper, options), {}, kTilePpx), kSamples);
+        const std::vector<float> s = lightOf(paper, options, {});
         if (clipped(s, 1.0) >= shown.whiteMean) return 1.0;
         double low = 1.0, high = kMostGain;
         for (int step = 0; step < 40; ++step) {
@@ -202,9 +234,7 @@ std::vector<float> CRTScreen::toneLUT(const PaperProfile& paper, Structure undra
     return toneCache().get(keyOf(paper, options, undrawn), [&] {
         const double gain = cameraGain(paper, options);
         std::vector<float> s{1.0f};
-        if (undrawn.mask || undrawn.lines)
-            s = samples(tileStructure(tube(paper, options), screen(paper, options), undrawn, kTilePpx),
-                        kSamples);
+        if (undrawn.mask || undrawn.lines) s = lightOf(paper, options, undrawn);
         std::vector<float> lut(kToneEntries);
         for (std::size_t i = 0; i < lut.size(); ++i)
             lut[i] = static_cast<float>(clipped(s, gain * static_cast<double>(i) * kToneRange /

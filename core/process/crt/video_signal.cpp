@@ -1,7 +1,6 @@
 #include "core/process/crt/video_signal.h"
 
 #include "core/image/bands.h"
-#include "core/image/gaussian.h"
 #include "core/process/crt/crt_passes.h"
 
 #include <algorithm>
@@ -16,6 +15,7 @@ using namespace CRTScreen;
 constexpr double kLeastSigmaPx = 0.3;   // a blur below this is none
 constexpr double kDirectSigmaPx = 4.0;  // up to this every pixel is a node
 constexpr double kTruncate = 4.5;       // of each of the two halves of a wide blur
+constexpr double kWidestRows = 4.0;     // row widths: any wider is as even
 constexpr double kNodesPerSigma = 0.85; // sigma / √2 over this many nodes: aliases of 1e-12
 
 std::vector<float> toFloat(const std::vector<double>& values)
@@ -50,8 +50,9 @@ double CRTScreen::bandSigmaPx(std::int64_t width, double cycles)
     return kSigmaCycles * static_cast<double>(width) / cycles;
 }
 
-RowBlur::RowBlur(double sigma, std::int64_t width) : width_(width)
+RowBlur::RowBlur(double sigma, std::int64_t width, EdgeMode edge) : width_(width), edge_(edge)
 {
+    sigma = std::min(sigma, kWidestRows * static_cast<double>(width));
     if (sigma < kLeastSigmaPx) return;
     if (sigma < kDirectSigmaPx) {
         pad_ = static_cast<std::int64_t>(4.0 * sigma + 0.5);
@@ -73,7 +74,8 @@ RowBlur::RowBlur(double sigma, std::int64_t width) : width_(width)
         std::vector<double> weights(static_cast<std::size_t>(2 * reach_ + 1));
         for (std::int64_t m = -reach_; m <= reach_; ++m) {
             const double e = static_cast<double>(p - m * step_) / half;
-            sum += weights[static_cast<std::size_t>(m + reach_)] = std::exp(-0.5 * e * e);
+            weights[static_cast<std::size_t>(m + reach_)] = std::exp(-0.5 * e * e);
+            sum += weights[static_cast<std::size_t>(m + reach_)];
         }
         for (std::int64_t m = 0; m <= 2 * reach_; ++m)
             spread_[static_cast<std::size_t>(m * step_ + p)] =
@@ -81,14 +83,25 @@ RowBlur::RowBlur(double sigma, std::int64_t width) : width_(width)
     }
 }
 
+void RowBlur::fillPadded(const float* row, std::vector<float>& padded) const
+{
+    padded.resize(static_cast<std::size_t>(width_ + 2 * pad_));
+    const auto beyond = [&](std::int64_t x) {
+        return row[edge_ == EdgeMode::reflect ? reflectIndex(x, width_)
+                                              : std::clamp<std::int64_t>(x, 0, width_ - 1)];
+    };
+    for (std::int64_t i = 0; i < pad_; ++i) {
+        padded[static_cast<std::size_t>(i)] = beyond(i - pad_);
+        padded[static_cast<std::size_t>(pad_ + width_ + i)] = beyond(width_ + i);
+    }
+    std::copy_n(row, width_, padded.begin() + pad_);
+}
+
 void RowBlur::apply(float* row, Scratch& scratch) const
 {
     if (idle()) return;
     std::vector<float>& padded = scratch.padded;
-    padded.resize(static_cast<std::size_t>(width_ + 2 * pad_));
-    std::fill_n(padded.begin(), pad_, row[0]);
-    std::copy_n(row, width_, padded.begin() + pad_);
-    std::fill(padded.begin() + pad_ + width_, padded.end(), row[width_ - 1]);
+    fillPadded(row, padded);
     const auto taps = static_cast<std::int64_t>(collect_.size());
     if (step_ == 1) {
         std::fill_n(row, width_, 0.0f);

@@ -3,6 +3,7 @@
 // it runs over the outlines. Domain: display-linear light, 0...1, in and out.
 #pragma once
 
+#include "core/image/gaussian.h"
 #include "core/image/plane.h"
 
 #include <array>
@@ -18,13 +19,13 @@ inline constexpr VideoMatrix yuv{
 VideoMatrix invert3(const VideoMatrix& m);
 const VideoMatrix& yuvInv();
 
-/// A Gaussian along a row with its edge repeated, at a cost that does not grow with its reach: a wide one is
-/// two of sigma / √2, the first taken only at nodes as far apart as it allows, the second carrying the nodes
-/// back to the pixels. Both are wide against the nodes, so that what is left of them is below 1e-11.
+/// A Gaussian along a row, its edge repeated or mirrored, at a cost that does not grow with its reach: a wide
+/// one is two of sigma / √2, the first taken only at nodes as far apart as it allows, the second carrying the
+/// nodes back to the pixels. Both are wide against the nodes, so that what is left of them is below 1e-11.
 class RowBlur {
 public:
     /// Units: sigma in pixels; below 0.3 it does nothing.
-    RowBlur(double sigma, std::int64_t width);
+    RowBlur(double sigma, std::int64_t width, EdgeMode edge = EdgeMode::nearest);
     bool idle() const { return collect_.empty(); }
 
     /// Room for one band.
@@ -34,7 +35,10 @@ public:
     void apply(float* row, Scratch& scratch) const;
 
 private:
+    void fillPadded(const float* row, std::vector<float>& padded) const;
+
     std::int64_t width_ = 0;
+    EdgeMode edge_ = EdgeMode::nearest;
     std::int64_t step_ = 1; ///< pixels a node
     std::int64_t pad_ = 0;
     std::int64_t firstNode_ = 0, nodes_ = 0;

@@ -5,6 +5,7 @@
 #include "core/profiles/options/seed_stream.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <utility>
 
@@ -59,11 +60,26 @@ Layout stripLayout(Size picture, const NegativeFrame::StyleParams& style, bool a
     return layout;
 }
 
+/// What a film is called beside its maker: its name without remarks and, where letters remain, without its
+/// first word. Makers' names are not drawn.
+std::string plainName(const FilmProfile& film)
+{
+    std::string name = film.nameEn.value_or(film.name.value_or(""));
+    name.resize(std::min(name.find_first_of("(,"), name.size()));
+    while (!name.empty() && name.back() == ' ') name.pop_back();
+    const std::size_t space = name.find(' ');
+    if (space == std::string::npos) return name;
+    const auto isLetter = [](char c) {
+        return std::isalpha(static_cast<unsigned char>(c)) || (c & 0x80) != 0;
+    };
+    const bool named = std::any_of(name.begin() + static_cast<std::ptrdiff_t>(space), name.end(), isLetter);
+    return named ? name.substr(space + 1) : name;
+}
+
 FilmEdge::Plan printOf(const FilmProfile& film, const RenderOptions& options, double ppm)
 {
     FilmEdge::Plan print;
-    print.word = options.framePrintText.empty() ? film.nameEn.value_or(film.name.value_or(""))
-                                                : options.framePrintText;
+    print.word = options.framePrintText.empty() ? plainName(film) : options.framePrintText;
     print.number = std::max<std::int64_t>(options.frameNumber, 0);
     print.ppm = ppm;
     return print;
