@@ -147,12 +147,21 @@ Plane transposed(const Plane& plane)
 
 Plane rowsSoftened(Plane plane, double sigma)
 {
-    const RowBlur blur(sigma, plane.width, EdgeMode::reflect);
-    float* values = plane.mutableData();
+    constexpr double kEvenRows = 2.0; // a mirrored row is even to 3e-9 beyond
     const std::int64_t width = plane.width;
+    const bool even = sigma >= kEvenRows * static_cast<double>(width);
+    const RowBlur blur(even ? 0.0 : sigma, width, EdgeMode::reflect);
+    float* values = plane.mutableData();
     parallelBands(plane.height, width * 8, [&](std::int64_t start, std::int64_t end) {
         RowBlur::Scratch scratch;
-        for (std::int64_t y = start; y < end; ++y) blur.apply(values + y * width, scratch);
+        for (std::int64_t y = start; y < end; ++y) {
+            float* row = values + y * width;
+            blur.apply(row, scratch);
+            if (!even) continue;
+            double sum = 0.0;
+            for (std::int64_t x = 0; x < width; ++x) sum += static_cast<double>(row[x]);
+            std::fill_n(row, width, static_cast<float>(sum / static_cast<double>(width)));
+        }
     });
     return plane;
 }
