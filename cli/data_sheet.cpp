@@ -209,6 +209,19 @@ void addPress(std::vector<std::pair<std::string, std::string>>& rows, const Sens
         rows.emplace_back(T("cli.measure.totalInk"), format("%.0f %%", 100.0 * *press.totalInk));
 }
 
+/// Lines, mask and the light of four greys.
+void addTube(std::vector<std::pair<std::string, std::string>>& rows, const Sensitometry::TubeReport& tube)
+{
+    rows.emplace_back(T("cli.measure.scanLines"),
+                      T("cli.measure.mm", {{"n", format("%.3f", tube.linePitchMm)}}) +
+                          format("; ±%.0f %%", 100.0 * tube.ripple));
+    if (tube.maskCyclesPerMm)
+        rows.emplace_back(T("cli.measure.mask"),
+                          T("cli.measure.cycles", {{"n", format("%.2f", *tube.maskCyclesPerMm)}}));
+    rows.emplace_back(T("cli.measure.screenTone"), format("%.2f  %.2f  %.2f  %.2f", tube.light[0],
+                                                          tube.light[1], tube.light[2], tube.light[3]));
+}
+
 } // namespace
 
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
@@ -237,6 +250,7 @@ std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& 
             rows.emplace_back(T("cli.measure.isoRange"), format("R%.0f", *report.print->isoRange));
     }
     if (report.press) addPress(rows, *report.press);
+    if (report.tube) addTube(rows, *report.tube);
     return rows;
 }
 

@@ -80,6 +80,12 @@ ordered_json asJson(const std::string& film, const std::string& paper, const Rep
                            {"dmax", report.print->dmax},
                            {"iso_range", orNull(report.print->isoRange)}};
     if (report.press) object["press"] = pressJson(*report.press);
+    if (report.tube)
+        object["tube"] = {{"line_pitch_mm", report.tube->linePitchMm},
+                          {"ripple", report.tube->ripple},
+                          {"mask_cyc_mm", orNull(report.tube->maskCyclesPerMm)},
+                          {"asked_grey", Sensitometry::kAskedGreys},
+                          {"light", report.tube->light}};
     return object;
 }
 

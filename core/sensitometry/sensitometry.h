@@ -9,6 +9,7 @@
 #include "core/profiles/formats/paper_profile.h"
 #include "core/profiles/options/render_options.h"
 #include "core/sensitometry/press_measure.h"
+#include "core/sensitometry/tube_measure.h"
 
 #include <array>
 #include <optional>
@@ -62,6 +63,7 @@ struct Report {
     std::optional<double> halationRadiusUm; ///< where the halo of a strip has fallen to a tenth
     std::optional<PrintTone> print;
     std::optional<PressReport> press; ///< of a paper that a press prints
+    std::optional<TubeReport> tube;   ///< of a screen, which has no print
 };
 
 /// Measures a film under options (development, age, grain engine and amounts; format and crop are no matter),
