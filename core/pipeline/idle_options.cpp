@@ -258,7 +258,7 @@ bool hasASheet(const Choices& c)
 
 bool hasARebate(const Choices& c)
 {
-    return c.options.frameStyle != FrameStyle::none;
+    return c.options.frameStyle != FrameStyle::none || c.options.frame > 0.0;
 }
 /// Film lies beyond the picture as far as its own edge. Whether the picture is a whole frame is not known
 /// here.
@@ -375,8 +375,9 @@ constexpr Rule kRules[] = {
     {"relief", hasRelief, "idle.needs.relief"},
     {"plate_mark", isAlternative, "idle.needs.alternative"},
     {"frame", isNoInstant, "idle.instantRebate"},
-    {"frame", hasARebate, "idle.needs.rebate"},
+    {"frame", isNoScreen, "idle.screenRebate"},
     {"frame_rough", isNoInstant, "idle.instantRebate"},
+    {"frame_rough", isNoScreen, "idle.screenRebate"},
     {"frame_rough", hasARebate, "idle.needs.rebate"},
     {"frame_style", isNoInstant, "idle.instantRebate"},
     {"frame_style", isNoScreen, "idle.screenRebate"},
