@@ -223,6 +223,19 @@ void addPlate(std::vector<std::pair<std::string, std::string>>& rows, const Sens
                                    : T("cli.measure.plate.noRing"));
 }
 
+/// Lines, mask and the light of four greys.
+void addTube(std::vector<std::pair<std::string, std::string>>& rows, const Sensitometry::TubeReport& tube)
+{
+    rows.emplace_back(T("cli.measure.scanLines"),
+                      T("cli.measure.mm", {{"n", format("%.3f", tube.linePitchMm)}}) +
+                          format("; ±%.0f %%", 100.0 * tube.ripple));
+    if (tube.maskCyclesPerMm)
+        rows.emplace_back(T("cli.measure.mask"),
+                          T("cli.measure.cycles", {{"n", format("%.2f", *tube.maskCyclesPerMm)}}));
+    rows.emplace_back(T("cli.measure.screenTone"), format("%.2f  %.2f  %.2f  %.2f", tube.light[0],
+                                                          tube.light[1], tube.light[2], tube.light[3]));
+}
+
 } // namespace
 
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
@@ -252,6 +265,7 @@ std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& 
     }
     if (report.press) addPress(rows, *report.press);
     if (report.plate) addPlate(rows, *report.plate);
+    if (report.tube) addTube(rows, *report.tube);
     return rows;
 }
 

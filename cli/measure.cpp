@@ -89,6 +89,12 @@ ordered_json asJson(const std::string& film, const std::string& paper, const Rep
                            {"bare_share", plate->bare},
                            {"crystal_share", plate->crystals},
                            {"ring_mm", orNull(plate->ringMm)}};
+    if (report.tube)
+        object["tube"] = {{"line_pitch_mm", report.tube->linePitchMm},
+                          {"ripple", report.tube->ripple},
+                          {"mask_cyc_mm", orNull(report.tube->maskCyclesPerMm)},
+                          {"asked_grey", Sensitometry::kAskedGreys},
+                          {"light", report.tube->light}};
     return object;
 }
 

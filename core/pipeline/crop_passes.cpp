@@ -1,20 +1,13 @@
 #include "core/pipeline/crop_passes.h"
 
 #include "core/image/bands.h"
+#include "core/image/catmull_rom.h"
 
 #include <algorithm>
 #include <array>
 
 namespace tamlo {
 namespace {
-
-/// Catmull-Rom weights of four taps at a fraction t behind the second (Keys 1981, a = -0.5).
-std::array<float, 4> catmullRom(float t)
-{
-    const float t2 = t * t, t3 = t2 * t;
-    return {-0.5f * t3 + t2 - 0.5f * t, 1.5f * t3 - 2.5f * t2 + 1.0f, -1.5f * t3 + 2.0f * t2 + 0.5f * t,
-            0.5f * t3 - 0.5f * t2};
-}
 
 struct Position {
     std::int64_t whole = 0;

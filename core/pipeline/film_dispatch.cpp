@@ -13,6 +13,7 @@
 #include "core/process/altprint/render_alt.h"
 #include "core/process/gum/gum_layers.h"
 #include "core/process/press/repro.h"
+#include "core/process/tricolor/tricolor.h"
 #include "core/text/loc.h"
 
 #include <utility>
@@ -40,7 +41,7 @@ RGBImage renderSlide(RGBImage light, const FilmInput& in)
 
 RGBImage renderTricolor(RGBImage light, const FilmInput& in)
 {
-    return scannedPositive(Pending::renderTricolor(std::move(light)), in);
+    return scannedPositive(Tricolor::render(std::move(light), in.film, in.options, in.pxUm), in);
 }
 
 RGBImage viewPlate(RGBImage light, const FilmInput& in)

@@ -3,6 +3,7 @@
 #include "core/film/emulsion/development.h"
 #include "core/film/lens/optics.h"
 #include "core/film/light/emulsion_input.h"
+#include "core/process/rebate/frame_plan.h"
 #include "core/profiles/options/film_format.h"
 #include "core/profiles/options/option_table.h"
 
@@ -257,7 +258,19 @@ bool hasASheet(const Choices& c)
 
 bool hasARebate(const Choices& c)
 {
-    return c.options.frameStyle != FrameStyle::none;
+    return c.options.frameStyle != FrameStyle::none || c.options.frame > 0.0;
+}
+/// Film lies beyond the picture as far as its own edge. Whether the picture is a whole frame is not known
+/// here.
+bool hasEdgeFilm(const Choices& c)
+{
+    RenderOptions printed = c.options;
+    printed.framePrint = true;
+    return isNoInstant(c) && isNoScreen(c) && Pipeline::hasFilmPrint(c.film, printed, {});
+}
+bool hasEdgePrint(const Choices& c)
+{
+    return c.options.framePrint && hasEdgeFilm(c);
 }
 bool hasATable(const Choices& c)
 {
@@ -362,11 +375,16 @@ constexpr Rule kRules[] = {
     {"relief", hasRelief, "idle.needs.relief"},
     {"plate_mark", isAlternative, "idle.needs.alternative"},
     {"frame", isNoInstant, "idle.instantRebate"},
-    {"frame", hasARebate, "idle.needs.rebate"},
+    {"frame", isNoScreen, "idle.screenRebate"},
     {"frame_rough", isNoInstant, "idle.instantRebate"},
+    {"frame_rough", isNoScreen, "idle.screenRebate"},
     {"frame_rough", hasARebate, "idle.needs.rebate"},
     {"frame_style", isNoInstant, "idle.instantRebate"},
     {"frame_style", isNoScreen, "idle.screenRebate"},
+    {"frame_print", isNoInstant, "idle.instantRebate"},
+    {"frame_print", hasEdgeFilm, "idle.needs.filmPrint"},
+    {"frame_print_text", hasEdgePrint, "idle.needs.framePrint"},
+    {"frame_number", hasEdgePrint, "idle.needs.framePrint"},
     {"instant_frame", isInstant, "idle.needs.instant"},
     {"peel_size", isPeelApart, "idle.needs.peelApart"},
     {"card_outside", isInstant, "idle.needs.instant"},

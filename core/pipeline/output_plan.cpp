@@ -11,6 +11,8 @@
 #include "core/process/mat/mat_plan.h"
 #include "core/process/mat/table.h"
 #include "core/process/raster/raster_note.h"
+#include "core/process/raster/tube_geometry.h"
+#include "core/process/rebate/frame_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -71,17 +73,20 @@ double ratioOf(Size size, std::int64_t before)
     return static_cast<double>(longSideOf(size)) / static_cast<double>(before);
 }
 
-/// The dots of a press, and the picture that is enlarged for them.
-void addPress(Pipeline::OutputPlan& plan, Size& size, std::int64_t& baseLong, const PaperProfile& paper,
-              RenderOptions& options)
+/// The dots of a press or a tube, and the picture that is enlarged for them.
+void addRaster(Pipeline::OutputPlan& plan, Size& size, std::int64_t& baseLong, const PaperProfile& paper,
+               RenderOptions& options)
 {
-    if (!paper.isRepro() || paper.repro == "crt") return;
+    if (!paper.isRepro()) return;
     plan.raster = ReproPrint::planRaster(paper, options, options.printPxUm, size);
     plan.rasterNote = ReproPrint::rasterNote(paper, options, options.printPxUm, size);
     plan.supersample = plan.raster.ss;
     plan.dotsDrawn = ReproPrint::raster(paper, options.printPxUm / plan.raster.grow, options)->resolved;
     const std::int64_t before = longSideOf(size);
     size = ReproPrint::grownSize(size, plan.raster.grow);
+    if (paper.repro == "crt")
+        plan.linesDrawn =
+            CRTScreen::geometry(paper, options.printPxUm / plan.raster.grow, size.height, options).linesDrawn;
     const double ratio = ratioOf(size, before);
     if (ratio > 1.001) Pipeline::afterScanCap(baseLong, options, ratio);
 }
@@ -143,7 +148,12 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     if (options.masterCap) ceiling = masterLongPx(film, length.capUm);
     Size size = exposedSize(input, film, options, ceiling);
     std::int64_t baseLong = longSideOf(size);
-    if (!film.isInstant() && paper.repro != "crt") size = Pending::withRebate(size);
+    std::array<double, 4> insets{};
+    if (!film.isInstant() && paper.repro != "crt")
+        if (const auto rebate = framePlan(size, film, options, {length.fmtUm, length.whole})) {
+            size = rebate->layout.canvas(size);
+            insets = frameInsetFrac(rebate->insetsPx(), baseLong);
+        }
 
     OutputPlan plan;
     plan.fmtUm = length.fmtUm;
@@ -154,15 +164,15 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     size = Film::printedSize(size, film, paper, options);
     plan.coatPx = (size.width - uncoated) / 2;
 
-    addPress(plan, size, baseLong, paper, options);
+    addRaster(plan, size, baseLong, paper, options);
     addScan(size, baseLong, paper, options);
     plan.picture = {size.width - 2 * plan.coatPx, size.height - 2 * plan.coatPx};
     if (film.isInstant()) {
         options = instantBareOptions(film, std::move(options), size);
         if (options.instantFrame) size = Pending::withCard(size);
     } else {
-        const double border = resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm},
-                                            frameInsetFrac(std::nullopt, baseLong));
+        const double border =
+            resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm}, insets);
         size = withBorder(size, borderMarginPx(border, longSideOf(size)));
     }
     addMat(plan, size, options);

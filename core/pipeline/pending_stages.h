@@ -18,15 +18,6 @@ struct Placeholder {
     RGBImage operator()(RGBImage image) const { return image; }
 };
 
-/// The film's edge, drawn ahead of the emulsion.
-inline constexpr Placeholder drawRebate{
-    "stage.rebate", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options) {
-        return options.frameStyle != FrameStyle::none && !film.isInstant() && paper.repro != "crt";
-    }};
-/// Three plates through three filters.
-inline constexpr Placeholder renderTricolor{
-    "stage.tricolor",
-    [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) { return film.isTricolor(); }};
 /// Instant film of one silver layer.
 inline constexpr Placeholder renderInstantMono{
     "stage.instant",
@@ -36,10 +27,6 @@ inline constexpr Placeholder renderInstant{
     "stage.instant", [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) {
         return film.isInstant() && !film.isMonoInstant();
     }};
-/// The television screen, photographed again.
-inline constexpr Placeholder showOnScreen{
-    "stage.screen",
-    [](const FilmProfile&, const PaperProfile& paper, const RenderOptions&) { return paper.repro == "crt"; }};
 /// The card round an instant picture.
 inline constexpr Placeholder addInstantFrame{
     "stage.card", [](const FilmProfile& film, const PaperProfile&, const RenderOptions& options) {
@@ -47,13 +34,6 @@ inline constexpr Placeholder addInstantFrame{
     }};
 
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,    &renderTricolor, &renderInstantMono,
-                                                       &renderInstant, &showOnScreen,   &addInstantFrame};
-
-/// Lays the rebate onto the paper; there is none to lay until it is drawn.
-inline RGBImage compositeWindow(RGBImage positive)
-{
-    return positive;
-}
+inline constexpr const Placeholder* kPlaceholders[] = {&renderInstantMono, &renderInstant, &addInstantFrame};
 
 } // namespace tamlo::Pending

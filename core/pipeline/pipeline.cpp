@@ -9,10 +9,12 @@
 #include "core/film/print/scan.h"
 #include "core/image/orient.h"
 #include "core/image/render_profiler.h"
+#include "core/image/resample.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/pending_stages.h"
 #include "core/pipeline/render_size.h"
+#include "core/process/altprint/brushed_coat.h"
 #include "core/process/altprint/paper_base.h"
 #include "core/process/altprint/plate_mark.h"
 #include "core/process/border.h"
@@ -20,6 +22,7 @@
 #include "core/process/mat/table.h"
 #include "core/process/plates/plate_view.h"
 #include "core/process/press/repro.h"
+#include "core/process/rebate/frame_plan.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/options/film_format.h"
 #include "core/text/loc.h"
@@ -36,6 +39,45 @@ Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
     if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
     const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
     return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
+}
+
+/// The mask of the picture's window follows its resolution.
+void resampleMask(std::optional<Plane>& mask, Size size, Resampling filter)
+{
+    if (mask) mask = pilResize(std::move(*mask), size, filter);
+}
+
+/// What a rebate is laid on.
+struct RebateGround {
+    const FilmProfile& film;
+    const PaperProfile& paper;
+    Vec3f base;
+};
+
+RGBImage layRebate(RGBImage image, const Pipeline::Rebate& rebate, const Plane& mask,
+                   const RebateGround& ground)
+{
+    const RenderProfiler::Scope booked("rebate", image.pixelCount());
+    // Through a hole in a negative the paper gets all the light there is.
+    Vec3f hole = ground.base;
+    if (!ground.film.isSlide() && !ground.film.isTricolor()) {
+        const double span = ground.paper.dmax.value_or(2.0) - ground.paper.dmin.value_or(0.0);
+        for (float& channel : hole) channel *= static_cast<float>(std::pow(10.0, -std::max(span, 0.0)));
+    }
+    return Pipeline::composite(std::move(image), rebate, mask, ground.base, hole);
+}
+
+/// The clear strips round a rebate, for a mat; a brushed coat has none.
+OptList clearStrips(const Pipeline::Rebate& rebate, std::int64_t longSide, const PaperProfile& paper,
+                    const RenderOptions& options)
+{
+    if (paper.isAlt() && AltPrint::coatStyle(paper, options) != "none") return std::nullopt;
+    const auto whites = NegativeFrame::whiteMargins(rebate.picture, rebate.profiles);
+    const double ratio = static_cast<double>(longSide) /
+                         static_cast<double>(std::max(rebate.canvas.width, rebate.canvas.height));
+    OptList out(std::in_place);
+    for (const double white : whites) out->push_back(white * ratio);
+    return out;
 }
 
 double cardThicknessMm(const FilmProfile& film)
@@ -97,7 +139,17 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
 
     // The frame on the film, and the physical scale of all that follows.
     std::optional<Plane> windowMask;
-    if (!isInstant && paper.repro != "crt") image = Pending::drawRebate(std::move(image));
+    std::optional<Rebate> rebate;
+    if (!isInstant && paper.repro != "crt")
+        rebate = RenderProfiler::cpu("rebate", image.pixelCount(), [&] {
+            return addRebate(image, film, options, {length.fmtUm, length.whole});
+        });
+    std::optional<std::array<double, 4>> insetsPx;
+    if (rebate) {
+        windowMask = std::move(rebate->mask);
+        insetsPx = rebate->plan.insetsPx();
+    }
+    const std::array<double, 4> insetFrac = frameInsetFrac(insetsPx, baseLong);
     std::int64_t longSide = image.longSide();
     const double pxUm = length.fmtUm / static_cast<double>(longSide);
     options.formatLongUm = length.fmtUm;
@@ -118,7 +170,10 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     // Reproduction may enlarge the picture and a scan reduce it; the sizes follow.
     const auto followResolution = [&] {
         const double ratio = static_cast<double>(image.longSide()) / static_cast<double>(longSide);
-        if (ratio > 1.001 || ratio < 0.999) afterScanCap(baseLong, options, ratio);
+        if (ratio > 1.001 || ratio < 0.999) {
+            resampleMask(windowMask, image.size(), ratio > 1.0 ? Resampling::bicubic : Resampling::box);
+            afterScanCap(baseLong, options, ratio);
+        }
         longSide = image.longSide();
     };
     if (paper.isRepro()) hooks.cancellationPoint();
@@ -139,10 +194,13 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     }
 
     // The sheet.
-    if (windowMask) image = Pending::compositeWindow(std::move(image));
     const Vec3f base = paperBase(paper, options);
-    const double border = resolveBorder(options, paper, {baseLong, longSide, length.fmtUm},
-                                        frameInsetFrac(std::nullopt, baseLong));
+    if (rebate) {
+        if (windowMask) image = layRebate(std::move(image), *rebate, *windowMask, {film, paper, base});
+        windowMask.reset();
+        options.frameWhitePx = clearStrips(*rebate, image.longSide(), paper, options);
+    }
+    const double border = resolveBorder(options, paper, {baseLong, longSide, length.fmtUm}, insetFrac);
     const Vec3f colour = borderRGB(base, developed, paper, options, pxUm);
     options.plateInsetPx = plateInset(paper, options);
     image = Finishing::addBorder(std::move(image), borderMarginPx(border, longSide), colour);

@@ -6,6 +6,7 @@
 #include "core/pipeline/peel_size.h"
 #include "core/pipeline/pending_sizes.h"
 #include "core/process/altprint/plate_mark.h"
+#include "core/process/raster/tube_geometry.h"
 #include "core/profiles/options/film_format.h"
 
 #include <algorithm>
@@ -73,10 +74,10 @@ Pipeline::FilmLength Pipeline::filmLength(const FilmProfile& film, const RenderO
 {
     if (film.isInstant()) {
         const double um = instantLongUm(film, options.peelSize);
-        return {um, um};
+        return {um, um, true};
     }
     const auto window = Formats::formatWindow(film, options, {source, picture});
-    return {window.fmtUm, window.capUm};
+    return {window.fmtUm, window.capUm, window.exact};
 }
 
 std::optional<double> Pipeline::cardAspect(const FilmProfile& film, const RenderOptions& options)
@@ -122,7 +123,7 @@ void Pipeline::resolvePrintScale(RenderOptions& options, const PaperProfile& pap
         const double b = options.border * static_cast<double>(scale.baseLong) / longSide;
         options.printCm = std::max(1.0, *options.sheetCm / (2.0 * b + 1.0));
     }
-    if (paper.repro == "crt") options.printCm = Pending::screenLongCm(options);
+    if (paper.repro == "crt") options.printCm = CRTScreen::screen(paper, options).longCm;
     if (paper.isPlate()) {
         if (scale.fmtUm > 0.0)
             options.printCm = scale.fmtUm / 10'000.0;

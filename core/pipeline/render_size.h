@@ -31,6 +31,7 @@ double instantLongUm(const FilmProfile& film, const std::optional<std::string>& 
 struct FilmLength {
     double fmtUm = 0.0;
     double capUm = 0.0;
+    bool whole = true; ///< the picture is all that the camera exposed
 };
 /// Sizes before orientation; an instant picture is as long as its card says.
 FilmLength filmLength(const FilmProfile& film, const RenderOptions& options, Size source, Size picture);

@@ -423,7 +423,9 @@ Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperP
     report.mtf50 = frequencyOfHalf(report.mtf);
     report.adjacencyOvershoot = measureOvershoot(bench);
     report.halationRadiusUm = measureHalation(bench);
-    if (paper) report.print = measurePrint(bench, *paper);
+    // A screen runs the patches of a wedge into each other; its tone is read on even fields.
+    if (paper) report.tube = measureTube(*paper, options);
+    if (paper && !report.tube) report.print = measurePrint(bench, *paper);
     if (paper) report.press = measurePress(*paper, options);
     report.plate = measurePlate(film, options);
     return report;

@@ -10,6 +10,7 @@
 #include "core/profiles/options/render_options.h"
 #include "core/sensitometry/plate_measure.h"
 #include "core/sensitometry/press_measure.h"
+#include "core/sensitometry/tube_measure.h"
 
 #include <array>
 #include <optional>
@@ -64,6 +65,7 @@ struct Report {
     std::optional<PrintTone> print;
     std::optional<PressReport> press; ///< of a paper that a press prints
     std::optional<PlateReport> plate; ///< of a film that is a plate
+    std::optional<TubeReport> tube;   ///< of a screen, which has no print
 };
 
 /// Measures a film under options (development, age, grain engine and amounts; format and crop are no matter),

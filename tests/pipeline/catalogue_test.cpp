@@ -257,8 +257,10 @@ TEST(Catalogue, EveryFilmPrintsAGreyCard)
             }
         const auto [low, high] = std::minmax({mean[0], mean[1], mean[2]});
         const bool isFaded = film.look && film.look->dyeFade;
-        EXPECT_LT(high / low, isFaded ? 2.5 : 1.35);
-        if (film.isSlide() || isFaded || paper.isPlate()) continue; // a plate shows its card as it comes
+        // Three plates of an hour of their own each: the dice tint a card.
+        const bool drifts = isFaded || film.isTricolor();
+        EXPECT_LT(high / low, drifts ? 2.5 : 1.35);
+        if (film.isSlide() || drifts || paper.isPlate()) continue; // a plate shows its card as it comes
         EXPECT_NEAR((mean[0] + mean[1] + mean[2]) / 3.0, 0.18, 0.03);
     }
 }

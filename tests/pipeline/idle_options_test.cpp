@@ -71,6 +71,9 @@ const std::map<std::string, std::string> kValues{{"wb_mode", "custom"},
                                                  {"frame", "0.1"},
                                                  {"frame_rough", "2"},
                                                  {"frame_style", "wide"},
+                                                 {"frame_print", "true"},
+                                                 {"frame_print_text", "Tamlo"},
+                                                 {"frame_number", "5"},
                                                  {"instant_frame", "false"},
                                                  {"peel_size", "8x10"},
                                                  {"card_outside", "0,0,0"},
@@ -103,12 +106,12 @@ bool isOfThePrintsSize(const std::string& key)
 bool isOfTheEnlarger(const std::string& key)
 {
     static const std::set<std::string> kOthers{
-        "dev_temp_c",     "dev_mottle",  "plate_shift",  "plate_pour",    "paper_base",  "print_texture",
-        "inkjet_banding", "inkjet_feed", "repro_raster", "crt_zoom",      "crt_size_in", "crt_phosphor",
-        "ink_roller",     "coat",        "coat_rough",   "pickup",        "relief",      "plate_mark",
-        "frame",          "frame_rough", "frame_style",  "instant_frame", "peel_size",   "card_outside",
-        "table",          "mat",         "emboss_line",  "blind_stamp",   "stamp_text",  "table_width_cm",
-        "stamp_size"};
+        "dev_temp_c",     "dev_mottle",  "plate_shift",      "plate_pour",    "paper_base",  "print_texture",
+        "inkjet_banding", "inkjet_feed", "repro_raster",     "crt_zoom",      "crt_size_in", "crt_phosphor",
+        "ink_roller",     "coat",        "coat_rough",       "pickup",        "relief",      "plate_mark",
+        "frame",          "frame_rough", "frame_style",      "instant_frame", "peel_size",   "card_outside",
+        "table",          "mat",         "emboss_line",      "blind_stamp",   "stamp_text",  "table_width_cm",
+        "stamp_size",     "frame_print", "frame_print_text", "frame_number"};
     return !kOthers.contains(key) && !key.starts_with("mat_") && !isOfThePrintsSize(key);
 }
 

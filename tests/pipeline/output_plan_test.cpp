@@ -71,6 +71,11 @@ RenderOptions randomOptions(Chance& chance)
     if (chance.coin()) options.stampText = "A";
     if (chance.coin()) options.coat = chance.of(std::array<std::string, 3>{"none", "clean", "brush"});
     if (chance.coin()) options.plateMark = chance.coin();
+    options.frameStyle = chance.of(std::array{FrameStyle::none, FrameStyle::thin, FrameStyle::wide});
+    if (chance.coin()) options.frame = chance.real(0.0, 0.2);
+    options.framePrint = chance.coin();
+    options.frameNumber = chance.whole(0, 40);
+    options.crtZoom = chance.real(1.0, 10.0);
     return options;
 }
 
@@ -95,6 +100,7 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
         if (film.isInstant() && film.mtf && chance.coin()) film.mtf->f50CycMm = chance.real(0.05, 1.0);
         // Screens and drops coarse enough that a picture of this size grows for them.
         if (paper.offset) paper.offset->lpi = chance.real(1.0, 60.0);
+        if (paper.crt) paper.crt->pitchMm = chance.real(0.3, 40.0);
         if (paper.inkjet) paper.inkjet->dropUm = chance.real(50.0, 3000.0);
         const RenderOptions options = randomOptions(chance);
         const double scale = chance.of(std::array{1.0, 0.9995, 0.9989, 0.5, 0.25});

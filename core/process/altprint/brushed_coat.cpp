@@ -3,9 +3,11 @@
 #include "core/image/bands.h"
 #include "core/image/gaussian.h"
 #include "core/image/render_profiler.h"
+#include "core/image/ring_bands.h"
 #include "core/image/rounding.h"
 #include "core/process/altprint/alt_passes.h"
 #include "core/process/altprint/coat_passes.h"
+#include "core/process/noise/line_noise.h"
 #include "core/profiles/options/seed_stream.h"
 
 #include <algorithm>
@@ -19,51 +21,20 @@ using AltPrint::CoatProfiles;
 using Line = std::vector<float>;
 
 constexpr double kWildest = 100.0;    // far beyond a stroke that keeps its margin
-constexpr std::int64_t kDraws = 2048; // normals a side, whatever its length
 constexpr double kWidestMargin = 0.1; // share of the long side: 3 cm of brushed coat round a print of 30 cm
 
-/// Normals drawn round a closed line under a Gaussian; sigma in pixels of a side of `length`.
-Plane smoothNormals(std::int64_t length, double sigmaPx, GrainRNG& rng)
+/// A sigma in pixels of a side of `length`, in draws.
+double inDraws(double sigmaPx, std::int64_t length)
 {
-    Plane line(kDraws, 1);
-    float* values = line.mutableData();
-    for (std::int64_t i = 0; i < kDraws; ++i) values[i] = rng.nextNormal();
-    const double sigma = sigmaPx * static_cast<double>(kDraws) / static_cast<double>(length);
-    return gaussianFilter1D(std::move(line), sigma, FilterAxis::x, EdgeMode::wrap);
-}
-
-/// The line read at every pixel of a side, times scale.
-Line readAlong(const Plane& line, std::int64_t length, double scale)
-{
-    Line out(static_cast<std::size_t>(length));
-    const auto wrapped = [](std::int64_t i) { return (i % kDraws + kDraws) % kDraws; };
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        const double at =
-            (static_cast<double>(i) + 0.5) / static_cast<double>(length) * static_cast<double>(kDraws) - 0.5;
-        const double below = std::floor(at);
-        const auto first = static_cast<std::int64_t>(below);
-        out[i] = static_cast<float>(scale * std::lerp(static_cast<double>(line.at(wrapped(first), 0)),
-                                                      static_cast<double>(line.at(wrapped(first + 1), 0)),
-                                                      at - below));
-    }
-    return out;
-}
-
-/// Smooth normals at unit deviation.
-Line unitNoise1D(std::int64_t length, double sigmaPx, GrainRNG& rng)
-{
-    constexpr double kEven = 1e-6;
-    const Plane line = smoothNormals(length, sigmaPx, rng);
-    const double sd = line.std();
-    return readAlong(line, length, sd > kEven ? 1.0 / sd : 1.0);
+    return sigmaPx * static_cast<double>(kLineDraws) / static_cast<double>(length);
 }
 
 /// How far a stroke stays from its side of the canvas: a level of the hand, a slow drift and the bristles.
 Line drawEdge(std::int64_t length, double slowPx, double m, double rough, GrainRNG& rng)
 {
     const double base = m * (0.26 + 0.3 * rng.random());
-    const Line a = unitNoise1D(length, slowPx, rng);
-    const Line b = unitNoise1D(length, std::max(0.22 * m, 4.0), rng);
+    const Line a = unitNoise1D(length, inDraws(slowPx, length), rng);
+    const Line b = unitNoise1D(length, inDraws(std::max(0.22 * m, 4.0), length), rng);
     Line edge(a.size());
     for (std::size_t i = 0; i < edge.size(); ++i)
         edge[i] = static_cast<float>(
@@ -103,23 +74,6 @@ void maskColumns(const CoatProfiles& coat, std::int64_t y, float* mask, std::int
     if (!coat.clean) return coat_mask(mask, rowOf(coat, y), first, end);
     const float down = coat.edgeY[static_cast<std::size_t>(y)];
     for (std::int64_t x = first; x < end; ++x) mask[x] = coat.edgeX[static_cast<std::size_t>(x)] * down;
-}
-
-/// work(y, first, end) on the columns of a canvas that lie within reach of its sides.
-template <typename Work>
-void inRing(Size canvas, std::int64_t reach, const Work& work)
-{
-    parallelBands(canvas.height, canvas.width, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t y = start; y < end; ++y) {
-            const bool whole = y < reach || y >= canvas.height - reach || canvas.width <= 2 * reach;
-            if (whole) {
-                work(y, std::int64_t{0}, canvas.width);
-                continue;
-            }
-            work(y, std::int64_t{0}, reach);
-            work(y, canvas.width - reach, canvas.width);
-        }
-    });
 }
 
 /// How far from the canvas's sides the mask is below 1.
@@ -189,8 +143,8 @@ std::optional<CoatProfiles> AltPrint::coatProfiles(Size picture, const PaperProf
     coat.left = drawEdge(h, slowY, m, rough, rng);
     coat.right = fromFarSide(drawEdge(h, slowY, m, rough, rng), w - 1);
     // A stroke runs from side to side: what it lays on varies across it far more than along it.
-    coat.streakX = unitNoise1D(w, streakPx, rng);
-    coat.streakY = readAlong(smoothNormals(h, streakPx, rng), h, 1.0);
+    coat.streakX = unitNoise1D(w, inDraws(streakPx, w), rng);
+    coat.streakY = readAlong(smoothNormals(inDraws(streakPx, h), rng), h, 1.0);
     coat.maskDen = static_cast<float>(std::max(0.06 * m, 1.2));
     coat.fadeDen = static_cast<float>(std::max(0.75 * m, 1.0));
     coat.streakK = static_cast<float>(0.1 * rough);

@@ -10,9 +10,9 @@
 
 namespace tamlo::Film {
 
-/// Offset, inkjet and added surface; a picture on other papers passes through. The print's scale is
-/// options.printPxUm, micrometres of print a pixel of the image as it is handed in.
-/// `mono` is true for a black-and-white film, which offset prints with black alone.
+/// Offset, inkjet, the photographed screen and added surface; a picture on other papers passes through. The
+/// print's scale is options.printPxUm, micrometres of print a pixel of the image as it is handed in. `mono`
+/// is true for a black-and-white film, which offset prints with black alone.
 RGBImage applyRepro(RGBImage image, const PaperProfile& paper, const RenderOptions& options, bool mono);
 
 } // namespace tamlo::Film

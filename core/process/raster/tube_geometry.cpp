@@ -17,7 +17,8 @@ double CRTScreen::zoomFromLegacy(double nominal, double d)
 CRTScreen::Screen CRTScreen::screen(const PaperProfile& paper, const RenderOptions& options)
 {
     const CRTParams tube = paper.crt.value_or(CRTParams{});
-    const double nominal = tube.nominalIn.value_or(21.0);
+    // A profile may name any size; what is far from a tube would print as a point or without end.
+    const double nominal = std::clamp(tube.nominalIn.value_or(21.0), 0.1, 10'000.0);
     double zoom = options.crtZoom;
     if (zoom == 1.0 && options.crtSizeIn.value_or(0.0) > 0.0)
         zoom = zoomFromLegacy(nominal, *options.crtSizeIn);

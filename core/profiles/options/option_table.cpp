@@ -110,6 +110,18 @@ constexpr OptionRow lenient(OptionRow row)
     return row;
 }
 
+/// An option that is written only where it is not its default: documents from before it stay as they are.
+template <auto Member>
+constexpr OptionRow silent(OptionRow row)
+{
+    using Value = typename detail::MemberOf<decltype(Member)>::ValueType;
+    row.write = +[](const O& from, Json& to) {
+        if (from.*Member != Value{}) to = JsonCodec<Value>::write(from.*Member);
+    };
+    row.clear = +[](O& to) { to.*Member = Value{}; };
+    return row;
+}
+
 constexpr OptionRow nullable(OptionRow row)
 {
     row.writesNull = true;
@@ -186,6 +198,9 @@ constexpr OptionRow kRows[] = {
     ranged(option<&O::frame>("frame", "fraction of the long side"), 0, 0.2),
     ranged(option<&O::frameRough>("frame_rough", ""), 0, 2),
     oneOf(option<&O::frameStyle>("frame_style", ""), kFrameStyle),
+    silent<&O::framePrint>(option<&O::framePrint>("frame_print", "")),
+    silent<&O::framePrintText>(option<&O::framePrintText>("frame_print_text", "")),
+    silent<&O::frameNumber>(ranged(option<&O::frameNumber>("frame_number", ""), 0, 9999)),
     option<&O::instantFrame>("instant_frame", ""),
     oneOf(option<&O::peelSize>("peel_size", ""), kPeelSize),
     option<&O::cardOutside>("card_outside", ""),

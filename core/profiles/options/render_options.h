@@ -1,4 +1,4 @@
-// RenderOptions: the one plain value that carries every knob of a frame into the pipeline. 93 fields are
+// RenderOptions: the one plain value that carries every knob of a frame into the pipeline. 96 fields are
 // stored as JSON under the snake_case form of their names (option_table.h tells each once: key, type, range,
 // texts, meaning); 11 are worked out during a render and never stored.
 #pragma once
@@ -91,6 +91,9 @@ struct RenderOptions {
     double frame = 0; ///< rebate width; 0 takes the style's own
     double frameRough = 1;
     FrameStyle frameStyle = FrameStyle::none;
+    bool framePrint = false;      ///< perforations, word and number on a wide rebate
+    std::string framePrintText;   ///< the word; empty is the film's plain name
+    std::int64_t frameNumber = 0; ///< 0 is none
     bool instantFrame = true;
     std::string peelSize = "3x4";
     OptList cardOutside;     ///< colour around the card

@@ -28,11 +28,11 @@ constexpr std::string_view kDevelop[] = {"push",          "dev",        "dev_tem
                                          "dev_mottle",    "c41_temp_c", "redscale",
                                          "expired_years", "dev_uneven", "intensify"};
 constexpr std::string_view kPrint[] = {
-    "paper",       "print_ev",    "grade",       "print_black",   "print_white",
-    "paper_base",  "print_cm",    "sheet_cm",    "print_texture", "inkjet_banding",
-    "inkjet_feed", "crt_zoom",    "crt_size_in", "crt_phosphor",  "ink_roller",
-    "coat",        "coat_rough",  "pickup",      "relief",        "border",
-    "frame",       "frame_rough", "frame_style", "instant_frame", "border_black"};
+    "paper",        "print_ev",     "grade",           "print_black",    "print_white", "paper_base",
+    "print_cm",     "sheet_cm",     "print_texture",   "inkjet_banding", "inkjet_feed", "crt_zoom",
+    "crt_size_in",  "crt_phosphor", "ink_roller",      "coat",           "coat_rough",  "pickup",
+    "relief",       "border",       "frame",           "frame_rough",    "frame_style", "instant_frame",
+    "border_black", "frame_print",  "frame_print_text"};
 constexpr std::string_view kFinish[] = {
     "plate_mark",     "emboss_line",   "blind_stamp",      "stamp_text",        "stamp_size", "table",
     "table_width_cm", "mat",           "mat_width_cm",     "mat_bottom_weight", "mat_color",  "mat_core",
@@ -57,9 +57,9 @@ constexpr BlockRow kBlocks[] = {
 };
 
 constexpr std::array kFrameOnly{"crop"sv, "crop_angle"sv, "rotate"sv, "mirror"sv};
-constexpr std::array kNever{"seed"sv,         "seed_variants"sv, "master_cap"sv, "card_outside"sv,
-                            "grain_engine"sv, "social_px"sv,     "social_by"sv,  "social_crop45"sv,
-                            "crop_gate"sv,    "repro_raster"sv};
+constexpr std::array kNever{"seed"sv,          "frame_number"sv, "seed_variants"sv, "master_cap"sv,
+                            "card_outside"sv,  "grain_engine"sv, "social_px"sv,     "social_by"sv,
+                            "social_crop45"sv, "crop_gate"sv,    "repro_raster"sv};
 
 constexpr std::array kMovedToPrint{"border"sv, "frame"sv, "frame_rough"sv, "frame_style"sv,
                                    "instant_frame"sv};
