@@ -11,6 +11,7 @@
 #include "core/process/altprint/brushed_coat.h"
 #include "core/process/altprint/render_alt.h"
 #include "core/process/gum/gum_layers.h"
+#include "core/process/instant/instant_film.h"
 #include "core/process/press/repro.h"
 #include "core/text/loc.h"
 
@@ -47,14 +48,14 @@ RGBImage viewPlate(RGBImage light, const FilmInput&)
     return Pending::viewPlate(std::move(light));
 }
 
-RGBImage renderInstantMono(RGBImage light, const FilmInput&)
+RGBImage renderInstantMono(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderInstantMono(std::move(light));
+    return Film::renderInstantMono(std::move(light), in.film, in.options, in.pxUm);
 }
 
-RGBImage renderInstant(RGBImage light, const FilmInput&)
+RGBImage renderInstant(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderInstant(std::move(light));
+    return Film::renderInstant(std::move(light), in.film, in.options, in.pxUm);
 }
 
 /// The handmade print lays the rebate itself and uses the mask up.

@@ -15,11 +15,6 @@ inline Size withRebate(Size picture)
 {
     return picture;
 }
-/// Size of an instant picture with its card.
-inline Size withCard(Size picture)
-{
-    return picture;
-}
 /// Long side of a photographed screen: it prints as large as any print.
 inline double screenLongCm(const RenderOptions& options)
 {

@@ -32,29 +32,13 @@ inline constexpr Placeholder viewPlate{
     "stage.plateView", [](const FilmProfile& film, const PaperProfile& paper, const RenderOptions&) {
         return film.isCollodion() && paper.isPlate();
     }};
-/// Instant film of one silver layer.
-inline constexpr Placeholder renderInstantMono{
-    "stage.instant",
-    [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) { return film.isMonoInstant(); }};
-/// Instant film of three dye layers.
-inline constexpr Placeholder renderInstant{
-    "stage.instant", [](const FilmProfile& film, const PaperProfile&, const RenderOptions&) {
-        return film.isInstant() && !film.isMonoInstant();
-    }};
 /// The television screen, photographed again.
 inline constexpr Placeholder showOnScreen{
     "stage.screen",
     [](const FilmProfile&, const PaperProfile& paper, const RenderOptions&) { return paper.repro == "crt"; }};
-/// The card round an instant picture.
-inline constexpr Placeholder addInstantFrame{
-    "stage.card", [](const FilmProfile& film, const PaperProfile&, const RenderOptions& options) {
-        return film.isInstant() && film.frame && options.instantFrame;
-    }};
-
 /// Every placeholder that the user would miss.
-inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate,        &renderTricolor, &viewPlate,
-                                                       &renderInstantMono, &renderInstant,  &showOnScreen,
-                                                       &addInstantFrame};
+inline constexpr const Placeholder* kPlaceholders[] = {&drawRebate, &renderTricolor, &viewPlate,
+                                                       &showOnScreen};
 
 /// Lays the rebate onto the paper; there is none to lay until it is drawn.
 inline RGBImage compositeWindow(RGBImage positive)

@@ -9,6 +9,7 @@
 #include "core/film/print/scan.h"
 #include "core/image/orient.h"
 #include "core/image/render_profiler.h"
+#include "core/image/resample.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/pending_stages.h"
@@ -16,7 +17,10 @@
 #include "core/process/altprint/paper_base.h"
 #include "core/process/altprint/plate_mark.h"
 #include "core/process/border.h"
+#include "core/process/card/card_relief.h"
+#include "core/process/card/instant_card.h"
 #include "core/process/finishing/finish_sheet.h"
+#include "core/process/mat/mat_plan.h"
 #include "core/process/mat/table.h"
 #include "core/process/press/repro.h"
 #include "core/profiles/catalogue/profile_store.h"
@@ -36,10 +40,33 @@ Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
     return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
 }
 
-double cardThicknessMm(const FilmProfile& film)
+/// Step of the picture's resolution that the mask of its window follows.
+void resampleMask(std::optional<Plane>& mask, Size size, Resampling filter)
 {
-    constexpr double kIntegralMm = 0.45;
-    return film.frame ? film.frame->thicknessMm.value_or(kIntegralMm) : kIntegralMm;
+    if (mask) mask = pilResize(std::move(*mask), size, filter);
+}
+
+/// The card round an instant picture, and what lies over or under it. The scale of both is the card's.
+RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions options)
+{
+    const Size picture = image.size();
+    const InstantFrameParams& frame = Pipeline::cardFrame(film);
+    options = Pipeline::instantBareOptions(film, std::move(options), picture);
+    std::optional<Plane> outline;
+    if (options.instantFrame) {
+        RenderOptions laid = options;
+        // A table shows at the cut corners by their coverage; the card's own colour runs on to it.
+        const bool onTable = Table::wantsTable(options) && !Finishing::wantsMat(options);
+        if (onTable && frame.baseTint) laid.cardOutside = std::vector(frame.baseTint->begin(), frame.baseTint->end());
+        GrainRNG rng = Pipeline::instantFrameRNG(film, options);
+        image = Pipeline::addInstantFrame(std::move(image), frame, laid, rng);
+        options = Pipeline::instantCardOptions(film, std::move(options), picture, image.size());
+        if (onTable)
+            outline = Pipeline::instantFinishMask(film, options.peelSize, picture, image.size());
+    }
+    if (!Pipeline::hasFinishing(options)) return image;
+    const double thicknessMm = frame.thicknessMm.value_or(CardRelief::thicknessMmDefault);
+    return Pipeline::finishSheet(std::move(image), options, thicknessMm, outline, false);
 }
 
 } // namespace
@@ -116,7 +143,10 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     // Reproduction may enlarge the picture and a scan reduce it; the sizes follow.
     const auto followResolution = [&] {
         const double ratio = static_cast<double>(image.longSide()) / static_cast<double>(longSide);
-        if (ratio > 1.001 || ratio < 0.999) afterScanCap(baseLong, options, ratio);
+        if (ratio > 1.001 || ratio < 0.999) {
+            resampleMask(windowMask, image.size(), ratio > 1.0 ? Resampling::bicubic : Resampling::box);
+            afterScanCap(baseLong, options, ratio);
+        }
         longSide = image.longSide();
     };
     if (paper.isRepro()) hooks.cancellationPoint();
@@ -128,10 +158,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     followResolution();
 
     if (isInstant) {
-        options = instantBareOptions(film, std::move(options), image.size());
-        if (options.instantFrame) image = Pending::addInstantFrame(std::move(image));
-        if (hasFinishing(options))
-            image = finishSheet(std::move(image), options, cardThicknessMm(film), std::nullopt, false);
+        image = mountInstant(std::move(image), film, std::move(options));
         hooks.progress("done", 1.0);
         return image;
     }

@@ -1,6 +1,6 @@
 // The plan of a render against the render itself, and the copies made of a finished picture.
 #include "core/pipeline/output_plan.h"
-#include "core/pipeline/peel_size.h"
+#include "core/profiles/options/peel_size.h"
 #include "core/pipeline/pipeline.h"
 #include "core/pipeline/render_size.h"
 #include "core/profiles/catalogue/profile_store.h"

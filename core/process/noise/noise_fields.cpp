@@ -103,15 +103,15 @@ Plane normalizePlane(Plane plane)
     return plane;
 }
 
-Plane noisePlane(Size size, NoiseKey key)
+Plane noisePlane(Size size, NoiseKey key, NoisePlace first)
 {
     Plane plane(size.width, size.height);
     float* values = plane.mutableData();
     std::vector<std::uint32_t> columns(static_cast<std::size_t>(size.width));
-    noise_columns(columns, key.seed);
+    noise_columns(columns, key.seed, first.x);
     parallelBands(size.height, size.width * 4, [&](std::int64_t start, std::int64_t end) {
         for (std::int64_t y = start; y < end; ++y)
-            virtual_noise(values + y * size.width, columns, y, key.layer);
+            virtual_noise(values + y * size.width, columns, first.y + y, key.layer);
     });
     return plane;
 }
@@ -258,6 +258,33 @@ NoiseField NoiseField::difference(Size size, double aUm, double bUm, double pxUm
     const double cell = aUm / kDifferenceCellsPerSigma;
     if (cell > px) return normalised(fromLattice(size, {px, cell, aUm, bUm}, key));
     return normalised(onPixels(differenceOfGaussians(size, aUm / px, bUm / px, key)));
+}
+
+NoiseField NoiseField::brushed(Size size, double aUm, double bUm, double alongUm, double pxUm, NoiseKey key)
+{
+    const double px = std::max(pxUm, kMinPxUm);
+    const double cell = aUm / kDifferenceCellsPerSigma;
+    const bool lattice = cell > px;
+    NoiseField field = lattice ? fromLattice(size, {px, cell, aUm, bUm}, key)
+                               : onPixels(differenceOfGaussians(size, aUm / px, bUm / px, key));
+    field.samples_ = gaussianFilter1D(std::move(field.samples_), alongUm / (lattice ? cell : px),
+                                      FilterAxis::x, EdgeMode::nearest);
+    return normalised(std::move(field));
+}
+
+NoiseField NoiseField::onNodes(Size size, Plane nodes, double pxPerNode)
+{
+    NoiseField field;
+    field.size_ = size;
+    field.taps_ = axisTaps(size.width, nodes.width, 1.0 / pxPerNode);
+    field.rowTaps_ = axisTaps(size.height, nodes.height, 1.0 / pxPerNode);
+    field.samples_ = std::move(nodes);
+    return field;
+}
+
+NoiseField NoiseField::unitOnNodes(Size size, Plane nodes, double pxPerNode)
+{
+    return normalised(onNodes(size, std::move(nodes), pxPerNode));
 }
 
 NoiseField::Rows::Rows(const NoiseField& field) : field_(field)

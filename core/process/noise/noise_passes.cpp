@@ -94,10 +94,11 @@ HWY_EXPORT(fieldSums);
 HWY_EXPORT(subtractRun);
 HWY_EXPORT(scaleRun);
 
-void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed) noexcept
+void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed, std::int64_t first) noexcept
 {
+    const auto from = static_cast<std::uint32_t>(first);
     for (std::size_t x = 0; x < columns.size(); ++x)
-        columns[x] = hash32(static_cast<std::uint32_t>(x) * 0x9E3779B1u + seed * 0x2545F491u);
+        columns[x] = hash32((from + static_cast<std::uint32_t>(x)) * 0x9E3779B1u + seed * 0x2545F491u);
 }
 
 void virtual_noise(float* to, std::span<const std::uint32_t> columns, std::int64_t y,

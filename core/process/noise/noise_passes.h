@@ -6,8 +6,9 @@
 
 namespace tamlo {
 
-/// The part of gaussNoise's hash that depends on the column alone, for columns 0 ... columns.size() - 1.
-void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed) noexcept;
+/// The part of gaussNoise's hash that depends on the column alone, for columns first ... first +
+/// columns.size() - 1.
+void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed, std::int64_t first = 0) noexcept;
 /// gaussNoise along row y from noise_columns.
 void virtual_noise(float* to, std::span<const std::uint32_t> columns, std::int64_t y,
                    std::uint32_t layer) noexcept;

@@ -1,0 +1,27 @@
+// The card round an instant picture: the body of an integral card or the sheet of a peel-apart one. It stands
+// after the picture is finished and ahead of mat and table. Larger than the picture by the card's margins.
+// Domain: display-linear.
+#pragma once
+
+#include "core/image/random.h"
+#include "core/image/rgb_image.h"
+#include "core/process/card/card_geometry.h"
+#include "core/process/card/card_passes.h"
+
+namespace tamlo::Pipeline {
+
+/// The finished card. cardOutside: what shows beyond its corners, black when absent. rng: instantFrameRNG.
+/// Errors: unsupported for a card too large to draw.
+RGBImage addInstantFrame(RGBImage image, const InstantFrameParams& frame, const RenderOptions& options,
+                         GrainRNG& rng);
+
+/// Outline of the card of this picture; absent for a peel-apart sheet and for a card with no corner cut.
+/// card: the size that it is asked at, that of the canvas or smaller.
+std::optional<Outline> cardOutline(const InstantFrameParams& frame, const OptText& peelSize, Size picture,
+                                   Size card);
+
+/// Its coverage, for the table that it lies on.
+std::optional<Plane> instantFinishMask(const FilmProfile& film, const OptText& peelSize, Size picture,
+                                       Size card);
+
+} // namespace tamlo::Pipeline
