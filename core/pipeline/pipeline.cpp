@@ -40,7 +40,7 @@ Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
     return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
 }
 
-/// Step of the picture's resolution that the mask of its window follows.
+/// The mask of the picture's window follows its resolution.
 void resampleMask(std::optional<Plane>& mask, Size size, Resampling filter)
 {
     if (mask) mask = pilResize(std::move(*mask), size, filter);
@@ -57,7 +57,8 @@ RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions opt
         RenderOptions laid = options;
         // A table shows at the cut corners by their coverage; the card's own colour runs on to it.
         const bool onTable = Table::wantsTable(options) && !Finishing::wantsMat(options);
-        if (onTable && frame.baseTint) laid.cardOutside = std::vector(frame.baseTint->begin(), frame.baseTint->end());
+        const Vec3d base = CardRelief::baseTint(frame);
+        if (onTable) laid.cardOutside = std::vector(base.begin(), base.end());
         GrainRNG rng = Pipeline::instantFrameRNG(film, options);
         image = Pipeline::addInstantFrame(std::move(image), frame, laid, rng);
         options = Pipeline::instantCardOptions(film, std::move(options), picture, image.size());

@@ -8,6 +8,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/process/press/repro.h"
+#include "core/sensitometry/instant_measure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +52,7 @@ public:
         light = Film::applyEmulsion(std::move(light), film_.film, options.interlayer, options.wbMode);
         if (film_.film.isBW() || film_.film.isCollodion())
             return {Film::bwNegativeDb(std::move(light), film_, options, pxUm).density};
+        if (film_.film.isInstant()) return instantDensities(std::move(light), film_, options, pxUm);
         RGBImage density;
         Vec3f base{};
         if (isSlide()) {
@@ -401,7 +403,8 @@ PrintTone measurePrint(const Bench& bench, const PaperProfile& paper)
 Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperProfile* paper,
                                            const RenderOptions& options)
 {
-    const bool isBuilt = film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide();
+    const bool isBuilt = film.type == "color" || film.isBW() || film.isCollodion() ||
+                         film.isSlide() || film.isInstant();
     if (!isBuilt) throw TamloError::unsupported("a film of type \"" + film.type + "\" can't be measured yet");
     if (paper)
         if (const auto pending = Film::pendingStage(film, *paper))
@@ -411,13 +414,15 @@ Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperP
     Report report;
     report.logExposure = wedge();
     report.layers = measureLayers(bench);
-    report.granularity = measureGranularity(bench);
+    report.surface = measureInstantSurface(bench.film(), bench.options());
+    if (!report.surface) report.granularity = measureGranularity(bench);
     report.mtf = measureMTF(bench);
     report.mtf50 = frequencyOfHalf(report.mtf);
     report.adjacencyOvershoot = measureOvershoot(bench);
     report.halationRadiusUm = measureHalation(bench);
-    if (paper) report.print = measurePrint(bench, *paper);
-    if (paper) report.press = measurePress(*paper, options);
+    if (!paper || film.isInstant()) return report; // an instant picture is its own print
+    report.print = measurePrint(bench, *paper);
+    report.press = measurePress(*paper, options);
     return report;
 }
 

@@ -245,6 +245,7 @@ TEST(Catalogue, EveryFilmPrintsAGreyCard)
         RenderOptions options;
         options.wbMode = "custom";
         options.grainEngine = GrainEngine::classic;
+        options.instantFrame = false; // the picture alone
         const RGBImage out =
             Pipeline::process(RGBImage(48, 48, Vec3f{0.18f, 0.18f, 0.18f}), film, {}, paper, options, {});
         Vec3d mean{};

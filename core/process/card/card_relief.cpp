@@ -114,6 +114,11 @@ Line CardRelief::windowLine(const InstantFrameParams& frame)
             std::clamp(line.gain.value_or(ringDark), 0.0, 10.0)};
 }
 
+Vec3d CardRelief::baseTint(const InstantFrameParams& frame)
+{
+    return frame.baseTint.value_or(Vec3d{1.0, 0.99, 0.975});
+}
+
 CardParams CardRelief::plan(const InstantFrameParams& frame, const Lying& lying, const Vec3f& base,
                             const Vec3f& outside, GrainRNG& rng)
 {

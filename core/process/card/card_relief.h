@@ -45,6 +45,9 @@ struct Line {
 };
 Line windowLine(const InstantFrameParams& frame);
 
+/// Colour of the card's body.
+Vec3d baseTint(const InstantFrameParams& frame);
+
 /// How the card lies on its canvas.
 struct Lying {
     Size canvas;

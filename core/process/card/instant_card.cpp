@@ -34,7 +34,6 @@ Vec3f outsideOf(const OptList& colour)
 RGBImage Pipeline::addInstantFrame(RGBImage image, const InstantFrameParams& frame,
                                    const RenderOptions& options, GrainRNG& rng)
 {
-    constexpr Vec3d kBase{1.0, 0.99, 0.975};
     const RenderProfiler::Scope booked("card", image.pixelCount());
     if (isPeel(frame)) return peelFrame(image, frame, options.peelSize, options.devMottle, rng);
     const CardMargins whites = instantFrameWhites(image.size(), frame, options.peelSize);
@@ -47,7 +46,7 @@ RGBImage Pipeline::addInstantFrame(RGBImage image, const InstantFrameParams& fra
     lying.turned = isTurnedCard(frame, image.size());
     if (const double longMm = cardImageLongMm(frame, options.peelSize); longMm > 0.0)
         lying.pxMm = longSidePx(image.size()) / longMm;
-    const CardParams params = CardRelief::plan(frame, lying, colourOf(frame.baseTint.value_or(kBase)),
+    const CardParams params = CardRelief::plan(frame, lying, colourOf(CardRelief::baseTint(frame)),
                                                outsideOf(options.cardOutside), rng);
     RGBImage card(lying.canvas.width, lying.canvas.height);
     instant_card(card, image, params);
@@ -69,6 +68,13 @@ std::optional<Plane> Pipeline::instantFinishMask(const FilmProfile& film, const 
 {
     const auto outline = cardOutline(cardFrame(film), peelSize, picture, card);
     return outline ? std::optional(CardRelief::mask(*outline)) : std::nullopt;
+}
+
+std::optional<Plane> Pipeline::cardCutOut(const FilmProfile& film, const RenderOptions& options, Size picture,
+                                          Size finished)
+{
+    if (!cardMaskApplies(film, options)) return std::nullopt;
+    return instantFinishMask(film, options.peelSize, picture, finished);
 }
 
 } // namespace tamlo

@@ -20,8 +20,13 @@ RGBImage addInstantFrame(RGBImage image, const InstantFrameParams& frame, const 
 std::optional<Outline> cardOutline(const InstantFrameParams& frame, const OptText& peelSize, Size picture,
                                    Size card);
 
-/// Its coverage, for the table that it lies on.
+/// Its coverage, for the table that it lies on and for a file with transparency.
 std::optional<Plane> instantFinishMask(const FilmProfile& film, const OptText& peelSize, Size picture,
                                        Size card);
+
+/// The coverage of a finished card that can be cut out of its file; absent where cardMaskApplies says no.
+/// picture: the picture alone at full size. finished: the size of the file.
+std::optional<Plane> cardCutOut(const FilmProfile& film, const RenderOptions& options, Size picture,
+                                Size finished);
 
 } // namespace tamlo::Pipeline
