@@ -286,6 +286,10 @@ std::vector<MTFPoint> measureMTF(const Bench& bench)
     constexpr double kModulation = 0.1; // small enough for a straight piece of curve
     const double coarse = coarseSwing(bench, kModulation);
     std::vector<MTFPoint> points;
+    // The pod of instant film spreads its dyes over tenths of a millimetre.
+    if (bench.film().film.isInstant())
+        for (const double f : {0.25, 0.5, 1.0, 1.5})
+            points.push_back({f, sineSwing(bench, f, kModulation) / coarse});
     for (const double f : {2.5, 5.0, 7.5, 10.0, 12.5, 15.0, 20.0, 25.0, 30.0, 40.0, 50.0, 60.0, 80.0, 100.0,
                            125.0, 150.0, 200.0})
         points.push_back({f, sineSwing(bench, f, kModulation) / coarse});

@@ -112,7 +112,9 @@ public:
         const auto whole = [](double v) { return static_cast<std::int64_t>(std::min(std::ceil(v), 1e9)) + 1; };
         ringOut_ = whole(p.linePx);
         ringIn_ = whole(p.skirtPx * kSkirts);
-        double rim = std::max(CardRelief::edgeRoundEndsMm * p.pxMm, CardRelief::minBandPx);
+        roundPx_ = std::max(std::hypot(CardRelief::edgeRoundEndsMm, CardRelief::edgeRoundSidesMm) * p.pxMm,
+                            CardRelief::minBandPx);
+        double rim = roundPx_;
         for (const CornerPx& corner : p.outline.corners) rim = std::max(rim, corner.size);
         rim_ = whole(rim);
         factors_.resize(static_cast<std::size_t>(p.outline.canvas.width));
@@ -211,8 +213,7 @@ private:
     {
         using namespace CardRelief;
         const double d = distance(x, y);
-        const double most = std::max(edgeRoundEndsMm * p_.pxMm, minBandPx);
-        if (d <= -most) return 1.0f;
+        if (d <= -roundPx_) return 1.0f;
         const Size canvas = p_.outline.canvas;
         double nx = slope(distance(x - 1, y), distance(x + 1, y), x, canvas.width);
         double ny = slope(distance(x, y - 1), distance(x, y + 1), y, canvas.height);
@@ -239,6 +240,7 @@ private:
     }
 
     const CardParams& p_;
+    double roundPx_ = 0.0; ///< the widest rounding of the rim
     std::int64_t ringOut_ = 0, ringIn_ = 0, rim_ = 0;
     std::vector<float> factors_;
 };
