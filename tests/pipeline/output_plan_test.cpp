@@ -74,12 +74,12 @@ RenderOptions randomOptions(Chance& chance)
     return options;
 }
 
-TEST(OutputPlan, IsTheSizeOfTheRender)
+/// 400 random choices of these films: the plan is the size of the render.
+void expectThePlanIsTheRender(const std::vector<std::string>& films, std::uint32_t seed)
 {
     const ProfileStore& store = ProfileStore::shared();
-    const std::vector<std::string> films = store.list(Kind::films, true);
     const std::vector<std::string> papers = store.list(Kind::papers, true);
-    Chance chance(5);
+    Chance chance(seed);
     for (int round = 0; round < 400; ++round) {
         const Size source{chance.whole(1, 90), chance.whole(1, 90)};
         const std::string filmName = chance.of(films), paperName = chance.of(papers);
@@ -88,6 +88,13 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
         // Ceilings that bite at this size: a scanner's, and that of a very soft instant film.
         if (paper.scan && chance.coin()) paper.scan->longPx = static_cast<int>(chance.whole(1, 120));
         if (film.isInstant() && film.mtf && chance.coin()) film.mtf->f50CycMm = chance.real(0.05, 1.0);
+        // Cards that leave the camera either way, or have no size and no block of their own.
+        if (film.isInstant() && film.frame && chance.coin()) {
+            film.frame->nativeOrientation = chance.of(std::array<std::string, 2>{"portrait", "landscape"});
+            film.frame->sideFrac = chance.real(-0.1, 0.4);
+            if (chance.whole(0, 3) == 0) film.frame->imageLongMm.reset();
+            if (chance.whole(0, 7) == 0) film.frame.reset();
+        }
         // Screens and drops coarse enough that a picture of this size grows for them.
         if (paper.offset) paper.offset->lpi = chance.real(1.0, 60.0);
         if (paper.inkjet) paper.inkjet->dropUm = chance.real(50.0, 3000.0);
@@ -102,6 +109,18 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
         const Pipeline::OutputPlan plan = Pipeline::outputPlan(source, film, paper, options, scale);
         ASSERT_EQ(plan.size(), image.size());
     }
+}
+
+TEST(OutputPlan, IsTheSizeOfTheRender)
+{
+    expectThePlanIsTheRender(ProfileStore::shared().list(Kind::films, true), 5);
+}
+
+TEST(OutputPlan, IsTheSizeOfACard)
+{
+    std::vector<std::string> films = ProfileStore::shared().list(Kind::films, true);
+    std::erase_if(films, [](const std::string& name) { return !ProfileStore::shared().film(name).isInstant(); });
+    expectThePlanIsTheRender(films, 6);
 }
 
 // Known frames, by hand: 36 mm of film in 6,000 pixels, a crop of half of it, a sheet with borders.
