@@ -86,6 +86,7 @@ class RowRuns {
 public:
     RowRuns(bool whole, std::int64_t width, Run left, Run right)
     {
+        isWhole_ = whole;
         if (whole) {
             runs_ = {Run{0, width}, Run{width, width}};
             return;
@@ -98,9 +99,11 @@ public:
         runs_[1].first = std::max(runs_[1].first, runs_[0].end);
     }
     const std::array<Run, 2>& all() const { return runs_; }
+    bool isWhole() const { return isWhole_; }
 
 private:
     std::array<Run, 2> runs_;
+    bool isWhole_ = false;
 };
 
 /// Rows of one card.
@@ -118,6 +121,8 @@ public:
         for (const CornerPx& corner : p.outline.corners) rim = std::max(rim, corner.size);
         rim_ = whole(rim);
         factors_.resize(static_cast<std::size_t>(p.outline.canvas.width));
+        baseRow_.resize(factors_.size() * 3);
+        for (std::size_t i = 0; i < baseRow_.size(); ++i) baseRow_[i] = p.base[i % 3];
     }
 
     void row(float* to, const RGBImage& picture, std::int64_t y)
@@ -126,16 +131,22 @@ public:
         if (p_.isFlat) return;
         const std::int64_t width = p_.outline.canvas.width;
         std::fill(factors_.begin(), factors_.end(), 1.0f);
-        ring(y);
+        const RowRuns ringed = ring(y);
         if (p_.lattice) lattice(y);
         const RowRuns rim = rimRuns(y);
         for (const Run run : rim.all())
             for (std::int64_t x = run.first; x < run.end; ++x) factors_[index(x)] *= rimFactor(x, y);
-        for (std::int64_t x = 0; x < width; ++x)
-            for (int c = 0; c < 3; ++c) to[x * 3 + c] *= factors_[index(x)];
+        const std::int64_t right = p_.left + p_.picture.width;
+        if (rim.isWhole() || ringed.isWhole() || y < p_.top || y >= p_.top + p_.picture.height) {
+            multiply(to, {0, width});
+        } else {
+            // The middle of the picture is as it was.
+            const std::int64_t inner = std::max(ringIn_, rim_);
+            const RowRuns margins(false, width, {0, p_.left + inner}, {right - inner, width});
+            for (const Run run : margins.all()) multiply(to, run);
+        }
         if (p_.outline.isCut())
             for (const Run run : rim.all()) cut(to, run, y);
-        for (std::int64_t i = 0; i < width * 3; ++i) to[i] = std::max(to[i], 0.0f);
     }
 
 private:
@@ -144,9 +155,20 @@ private:
     void lay(float* to, const RGBImage& picture, std::int64_t y) const
     {
         const std::int64_t width = p_.outline.canvas.width, source = y - p_.top;
-        for (std::int64_t x = 0; x < width; ++x) std::copy_n(p_.base.begin(), 3, to + x * 3);
-        if (source >= 0 && source < picture.height)
-            std::copy_n(picture.row(source), picture.width * 3, to + p_.left * 3);
+        if (source < 0 || source >= picture.height) {
+            std::copy_n(baseRow_.begin(), width * 3, to);
+            return;
+        }
+        const std::int64_t right = p_.left + picture.width;
+        std::copy_n(baseRow_.begin(), p_.left * 3, to);
+        std::copy_n(picture.row(source), picture.width * 3, to + p_.left * 3);
+        std::copy_n(baseRow_.begin(), (width - right) * 3, to + right * 3);
+    }
+
+    void multiply(float* to, Run run) const
+    {
+        for (std::int64_t x = run.first; x < run.end; ++x)
+            for (int c = 0; c < 3; ++c) to[x * 3 + c] = std::max(to[x * 3 + c] * factors_[index(x)], 0.0f);
     }
 
     /// Pixels beyond the opening's edge on the nearer side, negative inside.
@@ -156,10 +178,10 @@ private:
         return std::abs(static_cast<double>(at) + 0.5 - static_cast<double>(from) - half) - half;
     }
 
-    void ring(std::int64_t y)
+    RowRuns ring(std::int64_t y)
     {
         const double down = beyond(y, p_.top, p_.picture.height);
-        if (down > static_cast<double>(ringOut_)) return;
+        if (down > static_cast<double>(ringOut_)) return {false, 0, {}, {}};
         const bool whole = down > -static_cast<double>(ringIn_);
         const std::int64_t right = p_.left + p_.picture.width;
         const RowRuns runs(whole, p_.outline.canvas.width, {p_.left - ringOut_, p_.left + ringIn_},
@@ -169,6 +191,7 @@ private:
                 const double di = std::max(down, beyond(x, p_.left, p_.picture.width));
                 factors_[index(x)] = static_cast<float>(ringFactor(di));
             }
+        return runs;
     }
 
     double ringFactor(double di) const
@@ -242,7 +265,7 @@ private:
     const CardParams& p_;
     double roundPx_ = 0.0; ///< the widest rounding of the rim
     std::int64_t ringOut_ = 0, ringIn_ = 0, rim_ = 0;
-    std::vector<float> factors_;
+    std::vector<float> factors_, baseRow_;
 };
 
 } // namespace

@@ -27,8 +27,10 @@ float share(float v)
 /// One part of the sheet, with all that its own pixels ask for.
 class SheetPart {
 public:
-    SheetPart(const PeelParams& params, Part part) : p_(params), part_(part), mask_(maskPart())
+    /// isPlain: paper alone, out of the window's reach.
+    SheetPart(const PeelParams& params, Part part, bool isPlain) : p_(params), part_(part)
     {
+        if (!isPlain) mask_ = maskPart();
         fibre_[0] = fibrePart(0);
         fibre_[1] = fibrePart(1);
         yellowX_ = yellowing(part.x, part.width, params.canvas.width);
@@ -135,11 +137,13 @@ private:
             const float fibre = 1.0f + fibre_[0].data[at] + fibre_[1].data[at];
             for (float& v : base) v *= fibre;
         }
+        for (float& v : base) v = std::max(v, 0.0f);
+        if (mask_.count() == 0) return base;
         const float m = mask_.data[at];
         const float window = p_.windowX[static_cast<std::size_t>(x)] * p_.windowY[static_cast<std::size_t>(y)];
         const float bitten = share(window - m);
         for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - bitten * kCream[c];
-        if (m <= 0.0f) return {std::max(base[0], 0.0f), std::max(base[1], 0.0f), std::max(base[2], 0.0f)};
+        if (m <= 0.0f) return base;
         const std::int64_t sx = std::clamp<std::int64_t>(px, 0, p_.picture.width - 1);
         const std::int64_t sy = std::clamp<std::int64_t>(py, 0, p_.picture.height - 1);
         const Vec3f seen =
@@ -170,8 +174,7 @@ void copyMiddle(RGBImage& to, const RGBImage& picture, Part middle, const PeelPa
     parallelBands(shown.height, shown.width * 3, [&](std::int64_t start, std::int64_t end) {
         for (std::int64_t y = shown.y + start; y < shown.y + end; ++y) {
             const float* from = picture.row(y - top) + (shown.x - left) * 3;
-            float* row = out + (y * to.width + shown.x) * 3;
-            for (std::int64_t i = 0; i < shown.width * 3; ++i) row[i] = std::max(from[i], 0.0f);
+            std::copy_n(from, shown.width * 3, out + (y * to.width + shown.x) * 3);
         }
     });
 }
@@ -181,14 +184,27 @@ void copyMiddle(RGBImage& to, const RGBImage& picture, Part middle, const PeelPa
 void peel_compose(RGBImage& to, const RGBImage& picture, const PeelParams& p)
 {
     const std::int64_t width = p.canvas.width, height = p.canvas.height;
+    const auto softPx = static_cast<std::int64_t>(std::ceil(4.0 * p.maskSigmaPx)) + 2;
     const auto inwards = [&](std::int64_t size) { return std::min(p.reachPx, (size + 1) / 2); };
+    // From the edge of the sheet inwards: paper, the band of the window's edge, the picture.
     const std::int64_t x0 = p.side + inwards(p.picture.width);
     const std::int64_t x1 = std::max(x0, p.side + p.picture.width - inwards(p.picture.width));
     const std::int64_t y0 = p.top + inwards(p.picture.height);
     const std::int64_t y1 = std::max(y0, p.top + p.picture.height - inwards(p.picture.height));
-    for (const Part part : {Part{0, 0, width, y0}, Part{0, y1, width, height - y1},
-                            Part{0, y0, x0, y1 - y0}, Part{x1, y0, width - x1, y1 - y0}})
-        if (part.width > 0 && part.height > 0) SheetPart(p, part).compose(to, picture);
+    const std::int64_t left = std::max<std::int64_t>(p.side - softPx, 0),
+                       top = std::max<std::int64_t>(p.top - softPx, 0);
+    const std::int64_t right = std::min(p.side + p.picture.width + softPx, width),
+                       bottom = std::min(p.top + p.picture.height + softPx, height);
+    const auto compose = [&](const std::array<Part, 4>& parts, bool isPlain) {
+        for (const Part part : parts)
+            if (part.width > 0 && part.height > 0) SheetPart(p, part, isPlain).compose(to, picture);
+    };
+    compose({Part{0, 0, width, top}, Part{0, bottom, width, height - bottom},
+             Part{0, top, left, bottom - top}, Part{right, top, width - right, bottom - top}},
+            true);
+    compose({Part{left, top, right - left, y0 - top}, Part{left, y1, right - left, bottom - y1},
+             Part{left, y0, x0 - left, y1 - y0}, Part{x1, y0, right - x1, y1 - y0}},
+            false);
     copyMiddle(to, picture, {x0, y0, x1 - x0, y1 - y0}, p);
 }
 

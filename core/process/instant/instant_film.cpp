@@ -170,8 +170,7 @@ RGBImage Film::renderInstant(RGBImage light, const DevelopedFilm& film, const Re
         }
         for (std::int64_t y = start; y < end; ++y) {
             float* row = data + y * width * 3;
-            for (std::size_t c = 0; c < 3; ++c)
-                for (std::size_t x = 0; x < layers[c].size(); ++x) layers[c][x] = row[x * 3 + c];
+            split_layers(density, row);
             rows.apply(y, density);
             instant_positive(row, density, reference, look);
         }
@@ -187,7 +186,6 @@ RGBImage Film::renderInstantMono(RGBImage light, const DevelopedFilm& film, cons
     // Weighing the channels and blurring them may change places: one plane is blurred in place of three.
     Plane silver(light.width, light.height);
     dot3(silver, light, normalisedWeights(film.film.spectralWeights.value_or(kWeights)), {});
-    light = {};
     silver = diffuse(std::move(silver), film.film.softenFrac.value_or(0.0), 1);
     silver = emulsionSoften(std::move(silver), film.film, pxUm);
     silver = applyHalation(std::move(silver), film.film.halation, pxUm, options.halationMult);
@@ -208,8 +206,8 @@ RGBImage Film::renderInstantMono(RGBImage light, const DevelopedFilm& film, cons
     params.span = std::max(curve.fSpan, 1e-6f);
     const std::optional<NoiseField> toning = planToning(params, silver.size(), film, options, surface.seed);
     const LookOp look(film.film.look);
-    RGBImage out(silver.width, silver.height);
-    float *data = silver.mutableData(), *to = out.mutableData();
+    // The scene has done its work; its pages take the picture, which fresh ones would cost a pass.
+    float *data = silver.mutableData(), *to = light.mutableData();
     const std::int64_t width = silver.width;
     parallelBands(silver.height, width * 6, [&](std::int64_t start, std::int64_t end) {
         SurfaceRows rows(surface, silver.size(), 1);
@@ -222,7 +220,7 @@ RGBImage Film::renderInstantMono(RGBImage light, const DevelopedFilm& film, cons
                           look);
         }
     });
-    return out;
+    return light;
 }
 
 } // namespace tamlo

@@ -67,11 +67,6 @@ void planFine(Film::ReagentPlan& plan, const TextureParams& texture)
         plan.fineTaps[i] = static_cast<float>(half[i] * unit);
 }
 
-void addRow(std::vector<float>& to, const float* from, float gain)
-{
-    for (std::size_t x = 0; x < to.size(); ++x) to[x] += gain * from[x];
-}
-
 } // namespace
 
 std::uint64_t Film::surfaceSeed(const RenderOptions& options)
@@ -158,20 +153,17 @@ void Film::ReagentRows::apply(std::int64_t y, const DensityRow& density)
     const bool shared = mottle_ || silk_ || !plan_.streaks.empty();
     if (shared) {
         std::fill(common_.begin(), common_.end(), 0.0f);
-        if (mottle_) addRow(common_, mottle_->row(y), plan_.mottleGain);
-        if (!plan_.streaks.empty()) addRow(common_, plan_.streaks.data(), 1.0f);
-        if (silk_) addRow(common_, silk_->row(y), plan_.silkGain);
+        if (mottle_) row_apply(common_.data(), mottle_->row(y), plan_.mottleGain, density.width);
+        if (!plan_.streaks.empty()) row_apply(common_.data(), plan_.streaks.data(), 1.0f, density.width);
+        if (silk_) row_apply(common_.data(), silk_->row(y), plan_.silkGain, density.width);
     }
     for (int layer = 0; layer < density.count; ++layer) {
         const auto c = static_cast<std::size_t>(layer);
         float* to = density.layers[c];
-        if (shared)
-            for (std::size_t x = 0; x < common_.size(); ++x) to[x] += common_[x];
-        if (!layerMottle_.empty()) {
-            const float gain = plan_.layerMottleGain * plan_.layerMottle[c].scale();
-            const float* own = layerMottle_[c].row(y);
-            for (std::size_t x = 0; x < common_.size(); ++x) to[x] += gain * own[x];
-        }
+        if (shared) row_apply(to, common_.data(), 1.0f, density.width);
+        if (!layerMottle_.empty())
+            row_apply(to, layerMottle_[c].row(y), plan_.layerMottleGain * plan_.layerMottle[c].scale(),
+                      density.width);
         if (!fine_.empty()) addFine(y, to, static_cast<std::uint32_t>(layer), fine_[c]);
     }
 }

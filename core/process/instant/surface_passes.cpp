@@ -54,6 +54,31 @@ HWY_INLINE void addTo(D d, float* to, V v, std::size_t n)
     storeRun(d, hn::Add(loadRun(d, to, n), v), to, n);
 }
 
+void rowApply(float* density, const float* row, float gain, std::int64_t width)
+{
+    const hn::ScalableTag<float> d;
+    const auto g = hn::Set(d, gain);
+    eachStep(d, width, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        addTo(d, density + i, hn::Mul(loadRun(d, row + i, n), g), n);
+    });
+}
+
+void splitLayers(const DensityRow& density, const float* pixels)
+{
+    const hn::ScalableTag<float> d;
+    const auto width = static_cast<std::size_t>(density.width);
+    std::size_t i = 0;
+    for (; i + hn::Lanes(d) <= width; i += hn::Lanes(d)) {
+        hn::Vec<decltype(d)> r, g, b;
+        hn::LoadInterleaved3(d, pixels + i * 3, r, g, b);
+        hn::StoreU(r, d, density.layers[0] + i);
+        hn::StoreU(g, d, density.layers[1] + i);
+        hn::StoreU(b, d, density.layers[2] + i);
+    }
+    for (; i < width; ++i)
+        for (std::size_t c = 0; c < 3; ++c) density.layers[c][i] = pixels[i * 3 + c];
+}
+
 void fineRow(float* to, const float* from, std::int64_t width, const FineTaps& taps)
 {
     const hn::ScalableTag<float> d;
@@ -208,6 +233,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tamlo {
 
+HWY_EXPORT(rowApply);
+HWY_EXPORT(splitLayers);
 HWY_EXPORT(fineRow);
 HWY_EXPORT(fineApply);
 HWY_EXPORT(peelChatter);
@@ -215,6 +242,16 @@ HWY_EXPORT(silkLatticeF);
 HWY_EXPORT(silkApply);
 HWY_EXPORT(instantPositive);
 HWY_EXPORT(monoPositive);
+
+void row_apply(float* density, const float* row, float gain, std::int64_t width) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(rowApply)(density, row, gain, width);
+}
+
+void split_layers(const DensityRow& density, const float* pixels) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(splitLayers)(density, pixels);
+}
 
 void fine_row(float* to, const float* from, std::int64_t width, const FineTaps& taps) noexcept
 {

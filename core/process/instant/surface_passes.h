@@ -21,6 +21,11 @@ struct DensityRow {
     std::int64_t width = 0;
 };
 
+/// density += gain × row.
+void row_apply(float* density, const float* row, float gain, std::int64_t width) noexcept;
+/// A row of interleaved density into its layers.
+void split_layers(const DensityRow& density, const float* pixels) noexcept;
+
 /// to = the noise under the taps along the row; `from` begins kFineReach samples ahead of it.
 void fine_row(float* to, const float* from, std::int64_t width, const FineTaps& taps) noexcept;
 /// density += gain × the five rows under the taps, row 2 being the pixel's own.

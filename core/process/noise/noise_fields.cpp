@@ -170,6 +170,21 @@ std::vector<NoiseField::Tap> NoiseField::axisTaps(std::int64_t pixels, std::int6
     return taps;
 }
 
+/// The taps of both axes, and those along the rows as the vector code reads them.
+void NoiseField::layTaps(double pxPerCell)
+{
+    taps_ = axisTaps(size_.width, samples_.width, pxPerCell);
+    rowTaps_ = axisTaps(size_.height, samples_.height, pxPerCell);
+    columns_.resize(taps_.size());
+    shares_.resize(taps_.size());
+    for (std::size_t x = 0; x < taps_.size(); ++x) {
+        // Before the first node both taps are that node, which the repeated one stands for.
+        const bool before = taps_[x].first == taps_[x].second && taps_[x].first == 0 && samples_.width > 1;
+        columns_[x] = before ? 0 : taps_[x].first + 1;
+        shares_[x] = taps_[x].fraction;
+    }
+}
+
 NoiseField NoiseField::fromLattice(Size size, const NoiseLattice& lattice, NoiseKey key)
 {
     const double pxPerCell = lattice.pxUm / lattice.cellUm;
@@ -184,8 +199,7 @@ NoiseField NoiseField::fromLattice(Size size, const NoiseLattice& lattice, Noise
     field.samples_ = lattice.sigmaBUm
                          ? differenceOfGaussians(grid, sigmaA, *lattice.sigmaBUm / lattice.cellUm, key)
                          : gaussianFilter(noisePlane(grid, key), sigmaA, EdgeMode::nearest);
-    field.taps_ = axisTaps(size.width, grid.width, pxPerCell);
-    field.rowTaps_ = axisTaps(size.height, grid.height, pxPerCell);
+    field.layTaps(pxPerCell);
     return field;
 }
 
@@ -276,9 +290,8 @@ NoiseField NoiseField::onNodes(Size size, Plane nodes, double pxPerNode)
 {
     NoiseField field;
     field.size_ = size;
-    field.taps_ = axisTaps(size.width, nodes.width, 1.0 / pxPerNode);
-    field.rowTaps_ = axisTaps(size.height, nodes.height, 1.0 / pxPerNode);
     field.samples_ = std::move(nodes);
+    field.layTaps(1.0 / pxPerNode);
     return field;
 }
 
@@ -290,7 +303,7 @@ NoiseField NoiseField::unitOnNodes(Size size, Plane nodes, double pxPerNode)
 NoiseField::Rows::Rows(const NoiseField& field) : field_(field)
 {
     if (!field.onLattice()) return;
-    nodes_.resize(static_cast<std::size_t>(field.samples_.width));
+    nodes_.resize(static_cast<std::size_t>(field.samples_.width) + 2);
     line_.resize(field.taps_.size());
 }
 
@@ -299,12 +312,12 @@ const float* NoiseField::Rows::row(std::int64_t y)
     if (!field_.onLattice()) return field_.samples_.row(y);
     const Tap down = field_.rowTaps_[static_cast<std::size_t>(y)];
     const float *a = field_.samples_.row(down.first), *b = field_.samples_.row(down.second);
-    for (std::size_t x = 0; x < nodes_.size(); ++x) nodes_[x] = a[x] + (b[x] - a[x]) * down.fraction;
-    for (std::size_t x = 0; x < line_.size(); ++x) {
-        const Tap& tap = field_.taps_[x];
-        const float left = nodes_[static_cast<std::size_t>(tap.first)];
-        line_[x] = left + (nodes_[static_cast<std::size_t>(tap.second)] - left) * tap.fraction;
-    }
+    const std::size_t last = nodes_.size() - 2;
+    for (std::size_t x = 0; x < last; ++x) nodes_[x + 1] = a[x] + (b[x] - a[x]) * down.fraction;
+    nodes_[0] = nodes_[1];
+    nodes_[last + 1] = nodes_[last];
+    lattice_row(line_.data(), nodes_.data(), field_.columns_.data(), field_.shares_.data(),
+                static_cast<std::int64_t>(line_.size()));
     return line_.data();
 }
 

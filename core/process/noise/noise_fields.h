@@ -112,6 +112,7 @@ private:
     };
     static NoiseField onPixels(Plane samples);
     static NoiseField normalised(NoiseField field);
+    void layTaps(double pxPerCell);
     static NoiseField fromLattice(Size size, const NoiseLattice& lattice, NoiseKey key);
     friend Plane latticeNoise(Size, const NoiseLattice&, NoiseKey);
 
@@ -122,6 +123,8 @@ private:
     Plane samples_; // pixels, or nodes of the lattice
     std::vector<Tap> rowTaps_;
     std::vector<Tap> taps_; // along x; empty on pixels
+    std::vector<std::int32_t> columns_; // of the left tap, in a line with its end nodes repeated
+    std::vector<float> shares_;         // of the right one
     float scale_ = 1.0f;
 };
 

@@ -23,6 +23,10 @@ RunSums field_sums(const float* run, std::int64_t count, float shift) noexcept;
 /// to = (a - b) over a run.
 void subtract_run(float* to, const float* a, const float* b, std::int64_t count) noexcept;
 
+/// Nodes of a line read between first and first + 1 at a share: nodes[first] + (the next - it) × share.
+void lattice_row(float* to, const float* nodes, const std::int32_t* first, const float* share,
+                 std::int64_t count) noexcept;
+
 /// values × factor over a run.
 void scale_run(float* values, float factor, std::int64_t count) noexcept;
 
