@@ -201,7 +201,8 @@ void addSurface(std::vector<std::pair<std::string, std::string>>& rows,
     rows.emplace_back(T("cli.measure.surface", {{"density", format("%.2f", surface.density)}}),
                       format("%.1f", kThousandths * surface.whole));
     for (const Sensitometry::SurfacePart& part : surface.parts)
-        rows.emplace_back(T("cli.measure.surface." + part.name), format("%.1f", kThousandths * part.deviation));
+        rows.emplace_back(T("cli.measure.surface." + part.name),
+                          format("%.1f", kThousandths * part.deviation));
 }
 
 /// Screen, tones of a quarter, a half and three quarters, and solid of each ink; the total ink.

@@ -95,8 +95,7 @@ bool hasDataSheetDyes(const Choices& c)
     if (Film::sensitizationMatrix(c.film, true)) return true;
     const bool isPositive = c.film.isSlide() || (c.film.isInstant() && !c.film.isMonoInstant());
     const bool mixes = isColour(c) || isPositive;
-    return mixes && c.film.couplers && c.film.couplers->matrixDs &&
-           (isPositive || !c.film.couplers->matrix);
+    return mixes && c.film.couplers && c.film.couplers->matrixDs && (isPositive || !c.film.couplers->matrix);
 }
 bool hasDataSheetGrain(const Choices& c)
 {

@@ -62,8 +62,7 @@ RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions opt
         GrainRNG rng = Pipeline::instantFrameRNG(film, options);
         image = Pipeline::addInstantFrame(std::move(image), frame, laid, rng);
         options = Pipeline::instantCardOptions(film, std::move(options), picture, image.size());
-        if (onTable)
-            outline = Pipeline::instantFinishMask(film, options.peelSize, picture, image.size());
+        if (onTable) outline = Pipeline::instantFinishMask(film, options.peelSize, picture, image.size());
     }
     if (!Pipeline::hasFinishing(options)) return image;
     const double thicknessMm = frame.thicknessMm.value_or(CardRelief::thicknessMmDefault);

@@ -3,11 +3,11 @@
 #include "core/image/render_profiler.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
-#include "core/profiles/options/peel_size.h"
 #include "core/pipeline/pending_sizes.h"
 #include "core/process/altprint/plate_mark.h"
 #include "core/process/instant/picture_mm.h"
 #include "core/profiles/options/film_format.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <algorithm>
 

@@ -24,7 +24,8 @@ RGBImage positive(RGBImage light, const DevelopedFilm& film, const RenderOptions
 
 Plane densityOf(const RGBImage& picture, int channel)
 {
-    return picture.plane(channel).map([](float v) { return -std::log10(std::clamp(v, kDeepest, 1.0f)) + 0.0f; });
+    return picture.plane(channel).map(
+        [](float v) { return -std::log10(std::clamp(v, kDeepest, 1.0f)) + 0.0f; });
 }
 
 /// A picture of the card's own shape, on a film whose colours are left alone.

@@ -407,8 +407,8 @@ PrintTone measurePrint(const Bench& bench, const PaperProfile& paper)
 Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperProfile* paper,
                                            const RenderOptions& options)
 {
-    const bool isBuilt = film.type == "color" || film.isBW() || film.isCollodion() ||
-                         film.isSlide() || film.isInstant();
+    const bool isBuilt =
+        film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide() || film.isInstant();
     if (!isBuilt) throw TamloError::unsupported("a film of type \"" + film.type + "\" can't be measured yet");
     if (paper)
         if (const auto pending = Film::pendingStage(film, *paper))

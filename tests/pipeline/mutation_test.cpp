@@ -165,9 +165,8 @@ TEST_F(MutationTest, ProfilesThatPassAlsoRender)
 TEST_F(MutationTest, InstantFilmsThatPassGetTheirCard)
 {
     std::vector<std::string> corpus = corpusOf("films/");
-    std::erase_if(corpus, [](const std::string& text) {
-        return !ProfileJSON::decode<FilmProfile>(text).isInstant();
-    });
+    std::erase_if(
+        corpus, [](const std::string& text) { return !ProfileJSON::decode<FilmProfile>(text).isInstant(); });
     const PaperProfile paper = store_->paper("color_scan");
     const std::uint64_t passed = tryMutations(corpus, runs(kUsualRuns), [&](const std::string& text) {
         if (check(text) != Kind::films) return;

@@ -1,10 +1,10 @@
 // The plan of a render against the render itself, and the copies made of a finished picture.
 #include "core/pipeline/output_plan.h"
-#include "core/profiles/options/peel_size.h"
 #include "core/pipeline/pipeline.h"
 #include "core/pipeline/render_size.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/options/film_format.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <gtest/gtest.h>
 
@@ -119,7 +119,8 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
 TEST(OutputPlan, IsTheSizeOfACard)
 {
     std::vector<std::string> films = ProfileStore::shared().list(Kind::films, true);
-    std::erase_if(films, [](const std::string& name) { return !ProfileStore::shared().film(name).isInstant(); });
+    std::erase_if(films,
+                  [](const std::string& name) { return !ProfileStore::shared().film(name).isInstant(); });
     expectThePlanIsTheRender(films, 6);
 }
 

@@ -194,9 +194,9 @@ TEST(Pipeline, OddPicturesGetTheirCard)
                 if (*mount == 'm') darkroom.options.mat = "classic";
                 if (*mount == 't') darkroom.options.table = "linen";
                 const RGBImage out = darkroom(source);
-                EXPECT_EQ(out.size(), Pipeline::outputPlan(size, darkroom.film, darkroom.paper,
-                                                           darkroom.options, 1.0)
-                                          .size());
+                EXPECT_EQ(
+                    out.size(),
+                    Pipeline::outputPlan(size, darkroom.film, darkroom.paper, darkroom.options, 1.0).size());
                 for (const float v : out.data) ASSERT_TRUE(std::isfinite(v));
             }
         }
@@ -223,7 +223,8 @@ TEST(Pipeline, ACardIsTheSameAtEverySize)
             out = pilResize(out, smallest->size(), Resampling::box);
             double difference = 0.0, level = 0.0;
             for (std::size_t i = 0; i < out.data.size(); ++i) {
-                const double d = double{ImageWriter::srgbOf(out.data[i])} - ImageWriter::srgbOf(smallest->data[i]);
+                const double d =
+                    double{ImageWriter::srgbOf(out.data[i])} - ImageWriter::srgbOf(smallest->data[i]);
                 difference += std::abs(d);
                 level += d;
             }

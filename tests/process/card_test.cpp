@@ -1,5 +1,5 @@
-// The card round an instant picture: its millimetres, the body under its light and the torn sheet against slow
-// twins that decide each pixel by itself, and the statistics of a torn edge.
+// The card round an instant picture: its millimetres, the body under its light and the torn sheet against
+// slow twins that decide each pixel by itself, and the statistics of a torn edge.
 #include "core/image/gaussian.h"
 #include "core/image/position_hash.h"
 #include "core/image/tamlo_error.h"
@@ -155,9 +155,12 @@ TEST(Card, TheBodyIsItsDefinition)
         InstantFrameParams frame;
         Size picture;
     };
-    const Case cases[] = {{frameOf("polaroid_sx70"), {300, 300}}, {frameOf("instax_wide"), {62, 99}},
-                          {cut, {90, 140}},                        {cut, {500, 300}},
-                          {frameOf("polaroid_sx70"), {1, 1}},      {frameOf("instax_wide"), {3, 40}}};
+    const Case cases[] = {{frameOf("polaroid_sx70"), {300, 300}},
+                          {frameOf("instax_wide"), {62, 99}},
+                          {cut, {90, 140}},
+                          {cut, {500, 300}},
+                          {frameOf("polaroid_sx70"), {1, 1}},
+                          {frameOf("instax_wide"), {3, 40}}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.picture.width << " x " << c.picture.height);
         const RGBImage picture = noisePicture(c.picture.width, c.picture.height, 3, 2.0f);
@@ -220,7 +223,8 @@ TEST(Card, ShowsLineSkirtLatticeAndRim)
 
     // A line of 0.06 mm at 5 pixels a millimetre: 0.7 pixel wide at 0.43 of its strength.
     GrainRNG rng(1);
-    const CardParams thin = CardRelief::plan(frame, {{500, 600}, {395, 395}, 30, 30, 5.0, false}, {}, {}, rng);
+    const CardParams thin =
+        CardRelief::plan(frame, {{500, 600}, {395, 395}, 30, 30, 5.0, false}, {}, {}, rng);
     EXPECT_NEAR(thin.linePx, 0.7, 1e-9);
     EXPECT_NEAR(thin.lineDev, -0.75 * 0.3 / 0.7, 1e-9);
 }
@@ -304,19 +308,20 @@ RGBImage slowSheet(const RGBImage& picture, const PeelParams& p)
     for (std::int64_t y = 0; y < h; ++y)
         for (std::int64_t x = 0; x < w; ++x) {
             const auto i = static_cast<std::size_t>(x), j = static_cast<std::size_t>(y);
-            mask.mutableData()[y * w + x] = static_cast<float>(
-                clamped(static_cast<double>(y) + 1.0 - p.topEdge[i]) *
-                clamped(p.bottomEdge[i] - static_cast<double>(y)) *
-                clamped(static_cast<double>(x) + 1.0 - p.leftEdge[j]) *
-                clamped(p.rightEdge[j] - static_cast<double>(x)));
+            mask.mutableData()[y * w + x] =
+                static_cast<float>(clamped(static_cast<double>(y) + 1.0 - p.topEdge[i]) *
+                                   clamped(p.bottomEdge[i] - static_cast<double>(y)) *
+                                   clamped(static_cast<double>(x) + 1.0 - p.leftEdge[j]) *
+                                   clamped(p.rightEdge[j] - static_cast<double>(x)));
         }
     if (p.maskSigmaPx > 0.0) mask = gaussianFilter(mask, p.maskSigmaPx, EdgeMode::reflect);
     std::array<Plane, 2> fibre;
     const double strength[] = {0.003, 0.0025};
     for (std::uint32_t k = 0; k < 2; ++k) {
         constexpr std::int64_t kPad = 64;
-        Plane noise = gaussianFilter(noisePlane({w + 2 * kPad, h + 2 * kPad}, {p.seed, 42 + k}, {-kPad, -kPad}),
-                                     p.fibreSigmaPx[k], EdgeMode::nearest);
+        Plane noise =
+            gaussianFilter(noisePlane({w + 2 * kPad, h + 2 * kPad}, {p.seed, 42 + k}, {-kPad, -kPad}),
+                           p.fibreSigmaPx[k], EdgeMode::nearest);
         fibre[k] = Plane(w, h);
         for (std::int64_t y = 0; y < h; ++y)
             std::copy_n(noise.row(y + kPad) + kPad, w, fibre[k].mutableData() + y * w);
@@ -328,16 +333,14 @@ RGBImage slowSheet(const RGBImage& picture, const PeelParams& p)
     RGBImage out(p.turned ? h : w, p.turned ? w : h);
     for (std::int64_t y = 0; y < h; ++y)
         for (std::int64_t x = 0; x < w; ++x) {
-            const double dd =
-                static_cast<double>(std::min({x, y, w - 1 - x, h - 1 - y})) + 0.5;
+            const double dd = static_cast<double>(std::min({x, y, w - 1 - x, h - 1 - y})) + 0.5;
             const double s = clamped(p.yellow * std::exp(-dd / p.ppmm / 2.5) * (1.0 + 0.6 * blot.at(x, y)));
-            const bool inside = x >= p.side && x < p.side + p.picture.width && y >= p.top &&
-                                y < p.top + p.picture.height;
+            const bool inside =
+                x >= p.side && x < p.side + p.picture.width && y >= p.top && y < p.top + p.picture.height;
             const double fib = inside ? 0.0 : fibre[0].at(x, y) + fibre[1].at(x, y);
             const double m = mask.at(x, y);
-            const double e = clamped(p.windowX[static_cast<std::size_t>(x)] *
-                                         p.windowY[static_cast<std::size_t>(y)] -
-                                     m);
+            const double e =
+                clamped(p.windowX[static_cast<std::size_t>(x)] * p.windowY[static_cast<std::size_t>(y)] - m);
             const std::int64_t sx = std::clamp<std::int64_t>(x - p.side, 0, p.picture.width - 1),
                                sy = std::clamp<std::int64_t>(y - p.top, 0, p.picture.height - 1);
             const Vec3f seen = p.turned ? picture.pixel(sy, p.picture.width - 1 - sx) : picture.pixel(sx, sy);
@@ -361,9 +364,9 @@ TEST(PeelCard, TheSheetIsItsDefinition)
         GrainRNG rng(5), same(5);
         const PeelParams params = planPeel(size, frame, "3x4", 1.0, same);
         EXPECT_EQ(params.turned, size.width > size.height);
-        EXPECT_LT(worstDifference(peelFrame(picture, frame, "3x4", 1.0, rng).data,
-                                  slowSheet(picture, params).data),
-                  2e-4f);
+        EXPECT_LT(
+            worstDifference(peelFrame(picture, frame, "3x4", 1.0, rng).data, slowSheet(picture, params).data),
+            2e-4f);
     }
     // A knob of 0 yellows nothing, though the draw is made; no yellowing of the paper draws nothing.
     GrainRNG a(5), b(5), c(5);

@@ -130,7 +130,7 @@ TEST(InstantFilm, TheKnobActsOnce)
     for (const char* name : {"polaroid_sx70", "fp100c", "fp100c_silk", "polaroid_bw_600"}) {
         SCOPED_TRACE(name);
         FilmProfile film = bare(name);
-        film.toneMottle.reset(); // it is no density
+        film.toneMottle.reset();                                             // it is no density
         if (film.texture->chatter) film.texture->chatter->coarseShare = 1.0; // the shares follow the knob too
         const auto deviation = [&](double knob) {
             RenderOptions options;
@@ -184,7 +184,8 @@ std::int64_t halfCorrelated(const Plane& plane, bool alongX)
         std::int64_t count = 0;
         for (std::int64_t y = 0; y + (alongX ? 0 : lag) < plane.height; ++y)
             for (std::int64_t x = 0; x + (alongX ? lag : 0) < plane.width; ++x, ++count)
-                sum += (plane.at(x, y) - mean) * (plane.at(x + (alongX ? lag : 0), y + (alongX ? 0 : lag)) - mean);
+                sum += (plane.at(x, y) - mean) *
+                       (plane.at(x + (alongX ? lag : 0), y + (alongX ? 0 : lag)) - mean);
         if (sum / static_cast<double>(count) < 0.5 * variance) return lag;
     }
     return plane.width / 2;
@@ -284,29 +285,35 @@ TEST(ReagentSurface, ChatterIsItsDefinition)
         p.pasteGain = {0.01f, 0.011f, 0.012f, 0.013f};
         p.d0 = 0.1f, p.dSpan = 0.7f, p.fineFloor = 0.3f, p.coarseFloor = 0.7f;
         p.colourD0 = 0.3f, p.colourSpan = 0.9f, p.r0 = 0.65f, p.rSpan = 0.7f, p.b0 = 1.3f, p.bSpan = -0.4f;
-        const ChatterRow row{fields[0].data(), fields[1].data(), fields[2].data(), fields[3].data(),
+        const ChatterRow row{fields[0].data(),
+                             fields[1].data(),
+                             fields[2].data(),
+                             fields[3].data(),
                              {fields[4].data(), fields[5].data(), fields[6].data(), fields[7].data()}};
         for (const int layers : {1, 3}) {
             std::array<std::vector<float>, 3> before;
             for (auto& layer : before)
                 for (std::size_t i = 0; i < width; ++i) layer.push_back(2.0f * random.next());
             auto after = before;
-            peel_chatter({{after[0].data(), after[1].data(), after[2].data()}, layers,
+            peel_chatter({{after[0].data(), after[1].data(), after[2].data()},
+                          layers,
                           static_cast<std::int64_t>(width)},
                          row, p);
             for (std::size_t i = 0; i < width; ++i) {
-                const double dm = layers == 1 ? before[0][i] : (before[0][i] + before[1][i] + before[2][i]) / 3.0;
+                const double dm =
+                    layers == 1 ? before[0][i] : (before[0][i] + before[1][i] + before[2][i]) / 3.0;
                 const double td = std::clamp((dm - 0.1) / 0.7, 0.0, 1.0);
                 double mix = 0.6 * fields[0][i] * (0.3 + 0.7 * td) + 0.8 * fields[1][i] * (0.7 + 0.3 * td);
                 mix = 2.5 * std::tanh(mix / 2.5);
-                const double base = 0.02 * std::clamp(1.0 + 0.9 * fields[2][i], 0.1, 2.2) * fields[3][i] * mix;
+                const double base =
+                    0.02 * std::clamp(1.0 + 0.9 * fields[2][i], 0.1, 2.2) * fields[3][i] * mix;
                 const double t = std::clamp((dm - 0.3) / 0.9, 0.0, 1.0);
                 const double share[] = {0.65 + 0.7 * t, 1.0, 1.3 - 0.4 * t};
                 for (int c = 0; c < layers; ++c) {
                     const auto k = static_cast<std::size_t>(c);
                     double add = 0.0075 * fields[4][i];
-                    add += layers == 1 ? base
-                                       : base * share[k] + 0.45 * p.pasteGain[k + 1] * fields[5 + k][i];
+                    add +=
+                        layers == 1 ? base : base * share[k] + 0.45 * p.pasteGain[k + 1] * fields[5 + k][i];
                     EXPECT_NEAR(after[k][i] - before[k][i], add, 1e-6);
                 }
             }

@@ -144,7 +144,8 @@ TEST(Sensitometry, InstantFilmShowsItsToneAndItsSurface)
         EXPECT_NEAR(report.surface->density, -std::log10(0.18), 0.02);
         EXPECT_NEAR(report.surface->whole, c.whole, c.tolerance);
         for (const auto& [name, deviation] : c.parts) {
-            const auto found = std::ranges::find(report.surface->parts, name, &Sensitometry::SurfacePart::name);
+            const auto found =
+                std::ranges::find(report.surface->parts, name, &Sensitometry::SurfacePart::name);
             ASSERT_NE(found, report.surface->parts.end()) << name;
             EXPECT_NEAR(found->deviation, deviation, 0.2 * deviation) << name;
         }

@@ -76,8 +76,7 @@ RenderOptions Pipeline::instantCardOptions(const FilmProfile& film, RenderOption
     constexpr double kUmPerMm = 1000.0;
     const InstantFrameParams& frame = cardFrame(film);
     if (isPeel(frame))
-        options.printPxUm =
-            peelSizeCfg(frame, options.peelSize).sheetMm.longMm * kUmPerMm / longSidePx(card);
+        options.printPxUm = peelSizeCfg(frame, options.peelSize).sheetMm.longMm * kUmPerMm / longSidePx(card);
     else if (const double longMm = cardImageLongMm(frame, options.peelSize); longMm > 0.0)
         options.printPxUm = longMm * kUmPerMm / longSidePx(picture);
     const std::array<double, 4> grips = matCardGrips(picture, frame, options);

@@ -17,10 +17,7 @@ namespace tamlo::Pipeline {
 /// White of the card round the picture, pixels.
 struct CardMargins {
     std::int64_t top = 0, bottom = 0, left = 0, right = 0;
-    Size around(Size picture) const
-    {
-        return {picture.width + left + right, picture.height + top + bottom};
-    }
+    Size around(Size picture) const { return {picture.width + left + right, picture.height + top + bottom}; }
 };
 
 /// The frame block of a film, or that of a plain integral card.
@@ -36,8 +33,8 @@ double cardImageLongMm(const InstantFrameParams& frame, const OptText& peelSize)
 /// Errors: none; a card that no memory holds is refused where it is drawn.
 CardMargins instantFrameWhites(Size picture, const InstantFrameParams& frame, const OptText& peelSize);
 
-/// The options of a finished card: the scale is the card's, and a mat grips it so that 3 mm of its margin show
-/// round the picture, hardly off centre.
+/// The options of a finished card: the scale is the card's, and a mat grips it so that 3 mm of its margin
+/// show round the picture, hardly off centre.
 RenderOptions instantCardOptions(const FilmProfile& film, RenderOptions options, Size picture, Size card);
 
 /// Grips of a mat on a card, pixels: top, bottom, left, right. Two draws of the `print` stream.

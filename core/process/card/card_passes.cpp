@@ -112,7 +112,9 @@ public:
     explicit CardRows(const CardParams& p) : p_(p)
     {
         constexpr double kSkirts = 6.0; // beyond so many of its widths the skirt is below a millionth
-        const auto whole = [](double v) { return static_cast<std::int64_t>(std::min(std::ceil(v), 1e9)) + 1; };
+        const auto whole = [](double v) {
+            return static_cast<std::int64_t>(std::min(std::ceil(v), 1e9)) + 1;
+        };
         ringOut_ = whole(p.linePx);
         ringIn_ = whole(p.skirtPx * kSkirts);
         roundPx_ = std::max(std::hypot(CardRelief::edgeRoundEndsMm, CardRelief::edgeRoundSidesMm) * p.pxMm,
@@ -198,15 +200,15 @@ private:
     {
         const double cover = std::clamp(std::min(di + 0.5, p_.linePx) - std::max(di - 0.5, 0.0), 0.0, 1.0);
         double k = 1.0 + cover * p_.lineDev;
-        if (di <= 0.0)
-            k -= p_.skirtDepth * std::exp(-std::pow(std::max(-di - 0.5, 0.0) / p_.skirtPx, 1.6));
+        if (di <= 0.0) k -= p_.skirtDepth * std::exp(-std::pow(std::max(-di - 0.5, 0.0) / p_.skirtPx, 1.6));
         return k;
     }
 
     void lattice(std::int64_t y)
     {
         const std::int64_t width = p_.outline.canvas.width;
-        if (y < p_.top || y >= p_.top + p_.picture.height) return emboss_lattice(factors_.data(), 0, width, y, p_);
+        if (y < p_.top || y >= p_.top + p_.picture.height)
+            return emboss_lattice(factors_.data(), 0, width, y, p_);
         emboss_lattice(factors_.data(), 0, p_.left, y, p_);
         emboss_lattice(factors_.data(), p_.left + p_.picture.width, width, y, p_);
     }

@@ -35,8 +35,7 @@ double distanceToStretch(double x, double y, const std::array<double, 4>& s)
 {
     const double dx = s[2] - s[0], dy = s[3] - s[1];
     const double square = dx * dx + dy * dy;
-    const double t =
-        square > 0.0 ? std::clamp(((x - s[0]) * dx + (y - s[1]) * dy) / square, 0.0, 1.0) : 0.0;
+    const double t = square > 0.0 ? std::clamp(((x - s[0]) * dx + (y - s[1]) * dy) / square, 0.0, 1.0) : 0.0;
     return std::hypot(x - s[0] - t * dx, y - s[1] - t * dy);
 }
 
@@ -46,10 +45,9 @@ double chamferField(double ax, double ay, double halfW, double halfH, const Corn
     const double k = 2.0 - std::numbers::sqrt2;
     const double r = std::clamp(corner.round, 0.0, corner.size / k);
     const double w = halfW - r, h = halfH - r, cut = std::max(corner.size - r * k, 0.0);
-    const double distance =
-        std::min({distanceToStretch(ax, ay, {w, 0.0, w, h - cut}),
-                  distanceToStretch(ax, ay, {w, h - cut, w - cut, h}),
-                  distanceToStretch(ax, ay, {w - cut, h, 0.0, h})});
+    const double distance = std::min({distanceToStretch(ax, ay, {w, 0.0, w, h - cut}),
+                                      distanceToStretch(ax, ay, {w, h - cut, w - cut, h}),
+                                      distanceToStretch(ax, ay, {w - cut, h, 0.0, h})});
     const bool isInside = ax <= w && ay <= h && ax + ay <= w + h - cut;
     return (isInside ? -distance : distance) - r;
 }
@@ -89,8 +87,8 @@ Corners CardRelief::corners(const InstantFrameParams& frame)
         return cornerOf(orElse(own.style, common.style), orElse(own.mm, common.mm),
                         orElse(own.roundMm, common.roundMm));
     };
-    return {corner(common.hasTL, common.tl), corner(common.hasTR, common.tr),
-            corner(common.hasBL, common.bl), corner(common.hasBR, common.br)};
+    return {corner(common.hasTL, common.tl), corner(common.hasTR, common.tr), corner(common.hasBL, common.bl),
+            corner(common.hasBR, common.br)};
 }
 
 Corners CardRelief::displayCorners(const Corners& native, bool turned)
@@ -178,8 +176,7 @@ Plane CardRelief::mask(const Outline& outline)
     parallelBands(out.height, out.width * 4, [&](std::int64_t start, std::int64_t end) {
         for (std::int64_t y = start; y < end; ++y)
             for (std::int64_t x = 0; x < out.width; ++x) {
-                const double d =
-                    sdf(outline, static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5);
+                const double d = sdf(outline, static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5);
                 to[y * out.width + x] = static_cast<float>(std::clamp(0.5 - d, 0.0, 1.0));
             }
     });

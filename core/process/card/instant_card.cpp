@@ -58,8 +58,8 @@ std::optional<Outline> Pipeline::cardOutline(const InstantFrameParams& frame, co
 {
     if (isPeel(frame) || !CardRelief::isCut(frame)) return std::nullopt;
     const Size whole = instantFrameWhites(picture, frame, peelSize).around(picture);
-    const double pxMm = longSidePx(picture) / cardImageLongMm(frame, peelSize) * longSidePx(card) /
-                        longSidePx(whole);
+    const double pxMm =
+        longSidePx(picture) / cardImageLongMm(frame, peelSize) * longSidePx(card) / longSidePx(whole);
     return CardRelief::outline(frame, card, pxMm, isTurnedCard(frame, picture));
 }
 

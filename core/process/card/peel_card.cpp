@@ -57,9 +57,9 @@ void planEdges(PeelParams& p, const Pipeline::PeelSize& sheet, double chips, Gra
         const std::int64_t begin = canvas == p.canvas.width ? p.top : p.side;
         for (std::size_t i = 0; i < offsets.size(); ++i) {
             deepest = std::max(deepest, offsets[i]);
-            line[static_cast<std::size_t>(first) + i] =
-                isFar ? static_cast<float>(begin + across) - offsets[i]
-                      : static_cast<float>(begin) + offsets[i];
+            line[static_cast<std::size_t>(first) + i] = isFar
+                                                            ? static_cast<float>(begin + across) - offsets[i]
+                                                            : static_cast<float>(begin) + offsets[i];
         }
         return line;
     };
@@ -96,13 +96,10 @@ PeelParams Pipeline::planPeel(Size picture, const InstantFrameParams& frame, con
     for (std::size_t c = 0; c < 3; ++c) p.base[c] = static_cast<float>(frame.baseTint.value_or(kBase)[c]);
 
     const double edgeYellow = std::clamp(frame.edgeYellow.value_or(1.0), 0.0, 1e3);
-    if (edgeYellow > 0.0)
-        p.yellow = std::clamp(knob, 0.0, 1.0) * edgeYellow * (0.15 + 0.45 * rng.random());
+    if (edgeYellow > 0.0) p.yellow = std::clamp(knob, 0.0, 1.0) * edgeYellow * (0.15 + 0.45 * rng.random());
     p.seed = static_cast<std::uint32_t>(rng.nextUInt64());
-    if (p.yellow > 0.0)
-        p.blot = Film::mmField(p.canvas, p.ppmm, {kBlotMm, kBlotMm}, {p.seed, kBlotLayer});
-    for (std::size_t k = 0; k < 2; ++k)
-        p.fibreSigmaPx[k] = std::max(kFibreMm[k] * p.ppmm, kLeastFibrePx);
+    if (p.yellow > 0.0) p.blot = Film::mmField(p.canvas, p.ppmm, {kBlotMm, kBlotMm}, {p.seed, kBlotLayer});
+    for (std::size_t k = 0; k < 2; ++k) p.fibreSigmaPx[k] = std::max(kFibreMm[k] * p.ppmm, kLeastFibrePx);
     return p;
 }
 

@@ -25,8 +25,8 @@ struct PeelParams {
     std::vector<float> topEdge, bottomEdge, leftEdge, rightEdge;
     /// The window by itself, along each axis, as soft as its mask.
     std::vector<float> windowX, windowY;
-    double maskSigmaPx = 0.0;  ///< 0 leaves the mask sharp
-    std::int64_t reachPx = 0;  ///< from the window's edge inwards, beyond which all is picture
+    double maskSigmaPx = 0.0; ///< 0 leaves the mask sharp
+    std::int64_t reachPx = 0; ///< from the window's edge inwards, beyond which all is picture
     double fibreSigmaPx[2]{};
     std::uint32_t seed = 0;
     Vec3f base{};

@@ -127,7 +127,8 @@ private:
         const auto at = static_cast<std::size_t>(j * part_.width + i);
         Vec3f base = p_.base;
         if (p_.yellow > 0.0) {
-            const float edge = std::max(yellowX_[static_cast<std::size_t>(i)], yellowY_[static_cast<std::size_t>(j)]);
+            const float edge =
+                std::max(yellowX_[static_cast<std::size_t>(i)], yellowY_[static_cast<std::size_t>(j)]);
             const float s = share(edge * (1.0f + kBlot * p_.blot->scale() * cloud));
             for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - kYellow[c] * s;
         }
@@ -140,14 +141,14 @@ private:
         for (float& v : base) v = std::max(v, 0.0f);
         if (mask_.count() == 0) return base;
         const float m = mask_.data[at];
-        const float window = p_.windowX[static_cast<std::size_t>(x)] * p_.windowY[static_cast<std::size_t>(y)];
+        const float window =
+            p_.windowX[static_cast<std::size_t>(x)] * p_.windowY[static_cast<std::size_t>(y)];
         const float bitten = share(window - m);
         for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - bitten * kCream[c];
         if (m <= 0.0f) return base;
         const std::int64_t sx = std::clamp<std::int64_t>(px, 0, p_.picture.width - 1);
         const std::int64_t sy = std::clamp<std::int64_t>(py, 0, p_.picture.height - 1);
-        const Vec3f seen =
-            p_.turned ? picture.pixel(sy, p_.picture.width - 1 - sx) : picture.pixel(sx, sy);
+        const Vec3f seen = p_.turned ? picture.pixel(sy, p_.picture.width - 1 - sx) : picture.pixel(sx, sy);
         Vec3f out{};
         for (std::size_t c = 0; c < 3; ++c) out[c] = std::max(m * seen[c] + (1.0f - m) * base[c], 0.0f);
         return out;
@@ -166,8 +167,7 @@ void copyMiddle(RGBImage& to, const RGBImage& picture, Part middle, const PeelPa
     if (middle.width <= 0 || middle.height <= 0) return;
     // Of the sheet as it lies.
     Part shown = middle;
-    if (p.turned)
-        shown = {middle.y, p.canvas.width - middle.x - middle.width, middle.height, middle.width};
+    if (p.turned) shown = {middle.y, p.canvas.width - middle.x - middle.width, middle.height, middle.width};
     const std::int64_t left = p.turned ? p.top : p.side;
     const std::int64_t top = p.turned ? p.canvas.width - p.side - p.picture.width : p.top;
     float* out = to.mutableData();

@@ -129,9 +129,8 @@ std::optional<NoiseField> planToning(SilverParams32& to, Size picture, const Dev
     const double amp = std::clamp(toning.amp.value_or(0.0), 0.0, 10.0) * card;
     if (amp <= 0.0 || !toning.warm) return std::nullopt;
     const double pxUm = Film::pictureScale(film.film, options, picture).pxUm;
-    const double sigmaPx =
-        std::max(std::min(toning.scale.value_or(kScale), kMostWidths) * static_cast<double>(picture.width),
-                 kLeastPx);
+    const double sigmaPx = std::max(
+        std::min(toning.scale.value_or(kScale), kMostWidths) * static_cast<double>(picture.width), kLeastPx);
     NoiseField field =
         NoiseField::gaussian(picture, sigmaPx * pxUm, pxUm, {static_cast<std::uint32_t>(seed), kLayer});
     to.toning = static_cast<float>(amp);

@@ -52,8 +52,8 @@ Film::PictureScale Film::pictureScale(const FilmProfile& film, const RenderOptio
         scale.pxUm = scale.longMm * kUmPerMm / longSidePx(picture);
     } else {
         const double widthUm = film.texture ? film.texture->cardUm.value_or(kCardUm) : kCardUm;
-        scale.pxUm = std::clamp(widthUm, kLeastMm * kUmPerMm, kMostMm * kUmPerMm) /
-                     static_cast<double>(picture.width);
+        scale.pxUm =
+            std::clamp(widthUm, kLeastMm * kUmPerMm, kMostMm * kUmPerMm) / static_cast<double>(picture.width);
         scale.longMm = scale.pxUm * longSidePx(picture) / kUmPerMm;
     }
     scale.ppmm = kUmPerMm / scale.pxUm;

@@ -49,10 +49,9 @@ void planSilk(Film::ReagentPlan& plan, Size picture, const TextureParams& textur
     constexpr double kFine = 0.5, kCoarse = 1.6, kAlong = 2.2; // sigmas in the surface's scale
     const double a = strength(texture.silkAmp, devMottle);
     if (a == 0.0) return;
-    const double um =
-        std::max(std::min(texture.silkScaleUm.value_or(kScaleUm), kMostUm), kLeastPx * pxUm);
-    plan.silk = NoiseField::brushed(picture, kFine * um, kCoarse * um, kAlong * um, pxUm,
-                                    {plan.seed, kSilkLayer});
+    const double um = std::max(std::min(texture.silkScaleUm.value_or(kScaleUm), kMostUm), kLeastPx * pxUm);
+    plan.silk =
+        NoiseField::brushed(picture, kFine * um, kCoarse * um, kAlong * um, pxUm, {plan.seed, kSilkLayer});
     plan.silkGain = static_cast<float>(a) * plan.silk->scale();
 }
 
@@ -83,8 +82,7 @@ Film::ReagentPlan Film::instantTexture(Size picture, int layers, const TexturePa
     planMottle(plan, picture, layers, texture, scale.pxUm);
     planFine(plan, texture);
     if (const double a = strength(texture.streaksAmp); a > 0.0) {
-        plan.streaks =
-            streakProfile(picture.width, static_cast<double>(picture.width) * kStreakSigma, seed);
+        plan.streaks = streakProfile(picture.width, static_cast<double>(picture.width) * kStreakSigma, seed);
         for (float& v : plan.streaks) v *= static_cast<float>(a);
     }
     planSilk(plan, picture, texture, scale.pxUm, devMottle);
@@ -100,9 +98,8 @@ std::vector<float> Film::streakProfile(std::int64_t width, double sigmaPx, std::
     Plane line(width, 1);
     float* to = line.mutableData();
     for (std::int64_t i = 0; i < width; ++i) {
-        const double at = (static_cast<double>(i) + 0.5) * static_cast<double>(n) /
-                              static_cast<double>(width) -
-                          0.5;
+        const double at =
+            (static_cast<double>(i) + 0.5) * static_cast<double>(n) / static_cast<double>(width) - 0.5;
         const double below = std::floor(at);
         const auto node = [&](double k) {
             return nodes[static_cast<std::size_t>(std::clamp(k, 0.0, static_cast<double>(n - 1)))];
@@ -143,8 +140,7 @@ void Film::ReagentRows::addFine(std::int64_t y, float* density, std::uint32_t la
         fine_row(slot(fine.next).data(), fine.noise.data(), width, plan_.fineTaps);
     }
     std::array<const float*, 5> rows{};
-    for (std::int64_t k = 0; k < 5; ++k)
-        rows[static_cast<std::size_t>(k)] = slot(y - kFineReach + k).data();
+    for (std::int64_t k = 0; k < 5; ++k) rows[static_cast<std::size_t>(k)] = slot(y - kFineReach + k).data();
     fine_apply(density, rows, width, plan_.fineTaps, plan_.fineGain);
 }
 

@@ -115,8 +115,7 @@ Film::LatticePlan Film::silkLattice(Size picture, const SilkLatticeParams& latti
     plan.gain.dSpan = static_cast<float>(std::max(gain(1) - gain(0), 1e-6));
     plan.gain.floor = static_cast<float>(gain(2));
     if (plan.gain.amp == 0.0f) return plan;
-    plan.pattern =
-        latticePattern(picture, lattice, scale.ppmm, std::clamp(0.5 * knob, 0.0, 1.0), seed);
+    plan.pattern = latticePattern(picture, lattice, scale.ppmm, std::clamp(0.5 * knob, 0.0, 1.0), seed);
     roughen(plan.pattern, std::clamp(held(lattice.grain, 0.38), 0.0, 1.0),
             scale.ppmm * lattice.grainMm.value_or(0.04), {textureSeed, kGrainLayer});
     plan.pattern = normalizePlane(std::move(plan.pattern));

@@ -105,9 +105,9 @@ void fineApply(float* density, const std::array<const float*, 5>& rows, std::int
 
 void peelChatter(const DensityRow& density, const ChatterRow& row, const ChatterParams32& p)
 {
-    constexpr float kCeiling = 2.5f;        // deviations that the mixed field bends towards
-    constexpr float kOwn = 0.45f;           // of a layer's own paste field
-    constexpr float kCommon = 0.75f;        // of the paste that all layers share
+    constexpr float kCeiling = 2.5f;             // deviations that the mixed field bends towards
+    constexpr float kOwn = 0.45f;                // of a layer's own paste field
+    constexpr float kCommon = 0.75f;             // of the paste that all layers share
     constexpr float kLeast = 0.1f, kMost = 2.2f; // of the clumps
     const hn::ScalableTag<float> d;
     using V = hn::Vec<decltype(d)>;
@@ -124,8 +124,8 @@ void peelChatter(const DensityRow& density, const ChatterRow& row, const Chatter
         mix = hn::Mul(hn::Tanh(d, hn::Mul(mix, hn::Set(d, 1.0f / kCeiling))), hn::Set(d, kCeiling));
         const V clumps = scaled(loadRun(d, row.clumps + i, n), hn::Set(d, p.clumpGain), one);
         const V envelope = hn::Clamp(clumps, hn::Set(d, kLeast), hn::Set(d, kMost));
-        const V base = hn::Mul(hn::Mul(hn::Set(d, p.strength), envelope),
-                               hn::Mul(loadRun(d, row.ends + i, n), mix));
+        const V base =
+            hn::Mul(hn::Mul(hn::Set(d, p.strength), envelope), hn::Mul(loadRun(d, row.ends + i, n), mix));
         const auto paste = [&](std::size_t k) HWY_ATTR {
             return hn::Mul(loadRun(d, row.paste[k] + i, n), hn::Set(d, p.pasteGain[k]));
         };
@@ -155,8 +155,7 @@ void silkLatticeF(float* to, const LatticeRow& row, std::int64_t width, const La
     using V = hn::Vec<decltype(d)>;
     eachStep(d, width, [&](std::size_t i, std::size_t n) HWY_ATTR {
         const auto phase = [&](const float* base, const float* wander, float by) HWY_ATTR {
-            return fraction(
-                scaled(loadRun(d, wander + i, n), hn::Set(d, by), loadRun(d, base + i, n)));
+            return fraction(scaled(loadRun(d, wander + i, n), hn::Set(d, by), loadRun(d, base + i, n)));
         };
         const V u = phase(row.u, row.wanderU, p.wanderU), v = phase(row.v, row.wanderV, p.wanderV);
         const V dots = hn::Mul(hn::Mul(cosTurns(d, u), cosTurns(d, v)), hn::Set(d, p.dot));
@@ -205,25 +204,23 @@ void monoPositive(float* out, const float* density, const float* field, std::int
     const hn::ScalableTag<float> d;
     using V = hn::Vec<decltype(d)>;
     const V one = hn::Set(d, 1.0f), half = hn::Set(d, 0.5f);
-    eachTriple(d, out, static_cast<std::size_t>(width),
-               [&](Triple<V>, std::size_t i, std::size_t n) HWY_ATTR {
-                   const V depth = loadRun(d, density + i, n);
-                   const V v = pow10(d, hn::Sub(hn::Set(d, p.reference), depth));
-                   V k = hn::Zero(d);
-                   if (field) {
-                       const V f = hn::Mul(loadRun(d, field + i, n), hn::Set(d, p.toningScale));
-                       const V t = clamp01(d, scaled(f, half, half));
-                       const V thin = hn::Sub(one, ramp(d, depth, p.dmin, p.span));
-                       const V w = scaled(thin, hn::Set(d, p.densityBias),
-                                              hn::Set(d, 1.0f - p.densityBias));
-                       k = hn::Mul(hn::Mul(t, w), hn::Set(d, p.toning));
-                   }
-                   const auto channel = [&](std::size_t c) HWY_ATTR {
-                       return hn::Mul(hn::Mul(v, hn::Set(d, p.tone[c])),
-                                      scaled(k, hn::Set(d, p.warm[c]), one));
-                   };
-                   return shown(d, op, Triple<V>{channel(0), channel(1), channel(2)});
-               });
+    eachTriple(
+        d, out, static_cast<std::size_t>(width), [&](Triple<V>, std::size_t i, std::size_t n) HWY_ATTR {
+            const V depth = loadRun(d, density + i, n);
+            const V v = pow10(d, hn::Sub(hn::Set(d, p.reference), depth));
+            V k = hn::Zero(d);
+            if (field) {
+                const V f = hn::Mul(loadRun(d, field + i, n), hn::Set(d, p.toningScale));
+                const V t = clamp01(d, scaled(f, half, half));
+                const V thin = hn::Sub(one, ramp(d, depth, p.dmin, p.span));
+                const V w = scaled(thin, hn::Set(d, p.densityBias), hn::Set(d, 1.0f - p.densityBias));
+                k = hn::Mul(hn::Mul(t, w), hn::Set(d, p.toning));
+            }
+            const auto channel = [&](std::size_t c) HWY_ATTR {
+                return hn::Mul(hn::Mul(v, hn::Set(d, p.tone[c])), scaled(k, hn::Set(d, p.warm[c]), one));
+            };
+            return shown(d, op, Triple<V>{channel(0), channel(1), channel(2)});
+        });
 }
 
 } // namespace HWY_NAMESPACE

@@ -54,7 +54,8 @@ Plane Film::mmNodes(const MmGrid& grid, MmSigma sigma, NoiseKey key)
     };
     const double sigmaY = inNodes(sigma.y), sigmaX = inNodes(sigma.x);
     const std::int64_t padY = padOf(sigmaY), padX = padOf(sigmaX);
-    Plane noise = noisePlane({grid.nodes.width + 2 * padX, grid.nodes.height + 2 * padY}, key, {-padX, -padY});
+    Plane noise =
+        noisePlane({grid.nodes.width + 2 * padX, grid.nodes.height + 2 * padY}, key, {-padX, -padY});
     noise = gaussianFilter2(std::move(noise), sigmaY, sigmaX, EdgeMode::nearest);
     return normalizePlane(inside(noise, padX, padY));
 }

@@ -122,7 +122,7 @@ private:
     Size size_;
     Plane samples_; // pixels, or nodes of the lattice
     std::vector<Tap> rowTaps_;
-    std::vector<Tap> taps_; // along x; empty on pixels
+    std::vector<Tap> taps_;             // along x; empty on pixels
     std::vector<std::int32_t> columns_; // of the left tap, in a line with its end nodes repeated
     std::vector<float> shares_;         // of the right one
     float scale_ = 1.0f;
