@@ -6,7 +6,6 @@
 #include "core/film/light/emulsion_input.h"
 #include "core/io/image_loader.h"
 #include "core/pipeline/crop_geometry.h"
-#include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/idle_options.h"
 #include "core/profiles/options/film_format.h"
 
@@ -89,9 +88,6 @@ void addChoiceNotes(DevelopChoices& choices)
 {
     for (const Pipeline::IdleOption& idle : Pipeline::idleOptions(choices.render, choices.asked))
         choices.notes.push_back(idleNote(choices, idle));
-    const RenderChoices& render = choices.render;
-    for (const std::string& stage : Film::pendingStages(render.film, render.paper, render.options))
-        choices.notes.push_back(T("cli.stagePending", {{"stage", stage}}));
 }
 
 std::vector<std::string> pictureNotes(const DevelopChoices& choices, const PictureChoices& one,

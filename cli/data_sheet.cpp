@@ -193,6 +193,18 @@ std::string layerTitle(const Sensitometry::Layer& layer)
 
 namespace {
 
+/// Deviation of density of a grey card, of the whole surface and of each of its parts.
+void addSurface(std::vector<std::pair<std::string, std::string>>& rows,
+                const Sensitometry::InstantSurface& surface)
+{
+    constexpr double kThousandths = 1000.0;
+    rows.emplace_back(T("cli.measure.surface", {{"density", format("%.2f", surface.density)}}),
+                      format("%.1f", kThousandths * surface.whole));
+    for (const Sensitometry::SurfacePart& part : surface.parts)
+        rows.emplace_back(T("cli.measure.surface." + part.name),
+                          format("%.1f", kThousandths * part.deviation));
+}
+
 /// Screen, tones of a quarter, a half and three quarters, and solid of each ink; the total ink.
 void addPress(std::vector<std::pair<std::string, std::string>>& rows, const Sensitometry::PressReport& press)
 {
@@ -241,7 +253,9 @@ void addTube(std::vector<std::pair<std::string, std::string>>& rows, const Sensi
 std::vector<std::pair<std::string, std::string>> dataSheetFigures(const Report& report)
 {
     std::vector<std::pair<std::string, std::string>> rows;
-    if (report.granularity) {
+    if (report.surface) {
+        addSurface(rows, *report.surface);
+    } else if (report.granularity) {
         const Sensitometry::Granularity& g = *report.granularity;
         rows.emplace_back(T("cli.measure.granularity"), format("%.1f", g.rms[1]));
         rows.emplace_back(T("cli.measure.selwyn"),

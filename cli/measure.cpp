@@ -69,6 +69,12 @@ ordered_json asJson(const std::string& film, const std::string& paper, const Rep
                                  {"selwyn_um", report.granularity->selwyn}};
     else
         object["granularity"] = nullptr;
+    if (report.surface) {
+        ordered_json parts = ordered_json::object();
+        for (const Sensitometry::SurfacePart& part : report.surface->parts) parts[part.name] = part.deviation;
+        object["surface"] = {
+            {"density", report.surface->density}, {"deviation", report.surface->whole}, {"parts", parts}};
+    }
     object["mtf"] = mtf;
     object["mtf50_cyc_mm"] = orNull(report.mtf50);
     object["adjacency_overshoot"] = report.adjacencyOvershoot;

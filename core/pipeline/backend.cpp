@@ -3,7 +3,10 @@
 #include "core/image/cancellation.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
+#include "core/pipeline/output_plan.h"
 #include "core/pipeline/pipeline.h"
+#include "core/process/card/card_relief.h"
+#include "core/process/card/instant_card.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,7 +29,12 @@ RGBImage RenderBackend::process(RGBImage image, const RenderChoices& choices) co
 
 ReadyImage RenderBackend::processReady(RGBImage image, const RenderChoices& choices) const
 {
-    return ImageWriter::readyImage(process(std::move(image), choices));
+    const Size picture =
+        Pipeline::outputPlan(image.size(), choices.film, choices.paper, choices.options, 1.0).picture;
+    RGBImage out = process(std::move(image), choices);
+    const auto cutOut = Pipeline::cardCutOut(choices.film, choices.options, picture, out.size());
+    if (!cutOut) return ImageWriter::readyImage(out);
+    return ImageWriter::readyImage(CardRelief::unmixed(std::move(out), *cutOut), &*cutOut);
 }
 
 RGBImage CPUBackend::render(RGBImage image, const RenderChoices& choices) const

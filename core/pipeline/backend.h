@@ -36,7 +36,8 @@ public:
     /// shouldCancel is also asked between bands of rows, from several threads at once.
     /// Errors: what a stage throws, cancelled among it; none of them is retried.
     RGBImage process(RGBImage image, const RenderChoices& choices) const;
-    /// The same, encoded to 8-bit sRGB for a view.
+    /// The same, encoded to 8-bit sRGB for a view, with the outline of an instant card as alpha where nothing
+    /// lies outside it.
     ReadyImage processReady(RGBImage image, const RenderChoices& choices) const;
 
     RenderHooks hooks;

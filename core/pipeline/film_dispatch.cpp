@@ -8,10 +8,10 @@
 #include "core/film/print/scan_positive.h"
 #include "core/film/print/slide.h"
 #include "core/image/tamlo_error.h"
-#include "core/pipeline/pending_stages.h"
 #include "core/process/altprint/brushed_coat.h"
 #include "core/process/altprint/render_alt.h"
 #include "core/process/gum/gum_layers.h"
+#include "core/process/instant/instant_film.h"
 #include "core/process/press/repro.h"
 #include "core/process/tricolor/tricolor.h"
 #include "core/text/loc.h"
@@ -49,14 +49,14 @@ RGBImage viewPlate(RGBImage light, const FilmInput& in)
     return Film::renderPlateView(std::move(light), in.film, in.paper, in.options, in.pxUm);
 }
 
-RGBImage renderInstantMono(RGBImage light, const FilmInput&)
+RGBImage renderInstantMono(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderInstantMono(std::move(light));
+    return Film::renderInstantMono(std::move(light), in.film, in.options, in.pxUm);
 }
 
-RGBImage renderInstant(RGBImage light, const FilmInput&)
+RGBImage renderInstant(RGBImage light, const FilmInput& in)
 {
-    return Pending::renderInstant(std::move(light));
+    return Film::renderInstant(std::move(light), in.film, in.options, in.pxUm);
 }
 
 /// The handmade print lays the rebate itself and uses the mask up.
@@ -142,25 +142,6 @@ Size Film::printedSize(Size picture, const FilmProfile& film, const PaperProfile
                        const RenderOptions& options)
 {
     return isByHand(film, paper) ? AltPrint::coatedSize(picture, paper, options) : picture;
-}
-
-std::vector<std::string> Film::pendingStages(const FilmProfile& film, const PaperProfile& paper,
-                                             const RenderOptions& options)
-{
-    std::vector<std::string> stages;
-    for (const Pending::Placeholder* one : Pending::kPlaceholders)
-        if (one->leftOut(film, paper, options)) stages.push_back(T(one->textKey));
-    return stages;
-}
-
-std::optional<std::string> Film::pendingStage(const FilmProfile& film, const PaperProfile& paper)
-{
-    RenderOptions plain;
-    plain.instantFrame = false;
-    plain.plateMark = false;
-    const std::vector<std::string> stages = pendingStages(film, paper, plain);
-    if (stages.empty()) return std::nullopt;
-    return stages.front();
 }
 
 Vec3d Film::printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,

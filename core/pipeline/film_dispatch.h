@@ -29,12 +29,6 @@ RGBImage render(RGBImage light, const FilmInput& input);
 Size printedSize(Size picture, const FilmProfile& film, const PaperProfile& paper,
                  const RenderOptions& options);
 
-/// What the choices ask for and is not built yet, in the language in force, by the table of placeholders.
-std::vector<std::string> pendingStages(const FilmProfile& film, const PaperProfile& paper,
-                                       const RenderOptions& options);
-/// The first of them that lets the picture through unprinted; absent when all stands.
-std::optional<std::string> pendingStage(const FilmProfile& film, const PaperProfile& paper);
-
 /// The darkest that this process reaches on this paper, per channel: an unexposed 8 × 8 frame without grain
 /// and tank pattern, through film, reproduction and scan.
 Vec3d printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const RenderOptions& options,

@@ -3,6 +3,10 @@
 #include "core/film/emulsion/development.h"
 #include "core/film/lens/optics.h"
 #include "core/film/light/emulsion_input.h"
+#include "core/process/card/card_geometry.h"
+#include "core/process/card/card_relief.h"
+#include "core/process/mat/mat_plan.h"
+#include "core/process/mat/table.h"
 #include "core/process/rebate/frame_plan.h"
 #include "core/profiles/options/film_format.h"
 #include "core/profiles/options/option_table.h"
@@ -45,6 +49,14 @@ bool isPeelApart(const Choices& c)
 {
     return c.film.isInstant() && c.film.frame && c.film.frame->style == "peel";
 }
+/// Something is seen beyond the corners of the card.
+bool hasACutCard(const Choices& c)
+{
+    if (!c.film.isInstant() || !c.options.instantFrame) return false;
+    const InstantFrameParams& frame = Pipeline::cardFrame(c.film);
+    const bool onTable = Table::wantsTable(c.options) && !Finishing::wantsMat(c.options);
+    return !Pipeline::isPeel(frame) && CardRelief::isCut(frame) && !onTable;
+}
 bool isTricolor(const Choices& c)
 {
     return c.film.isTricolor();
@@ -82,9 +94,9 @@ bool hasDataSheetDyes(const Choices& c)
 {
     if (c.film.isBW()) return false;
     if (Film::sensitizationMatrix(c.film, true)) return true;
-    const bool mixes = isColour(c) || c.film.isSlide();
-    return mixes && c.film.couplers && c.film.couplers->matrixDs &&
-           (c.film.isSlide() || !c.film.couplers->matrix);
+    const bool isPositive = c.film.isSlide() || (c.film.isInstant() && !c.film.isMonoInstant());
+    const bool mixes = isColour(c) || isPositive;
+    return mixes && c.film.couplers && c.film.couplers->matrixDs && (isPositive || !c.film.couplers->matrix);
 }
 bool hasDataSheetGrain(const Choices& c)
 {
@@ -334,6 +346,10 @@ constexpr Rule kRules[] = {
     {"plate_pour", isPoured, "idle.needs.plate"},
     {"intensify", canBeIntensified, "idle.needs.collodion"},
     {"interlayer", hasDataSheetDyes, "idle.noDataSheetDyes"},
+    {"grain_mult", isNoInstant, "idle.instantGrain"},
+    {"grain_size_mult", isNoInstant, "idle.instantGrain"},
+    {"grain_rms", isNoInstant, "idle.instantGrain"},
+    {"grain_engine", isNoInstant, "idle.instantGrain"},
     {"grain_rms", hasDataSheetGrain, "idle.noDataSheetGrain"},
     {"halation_mult", returnsLight, "idle.noHalation"},
     {"print_ev", isNoInstant, "idle.instantPrint"},
@@ -388,6 +404,7 @@ constexpr Rule kRules[] = {
     {"instant_frame", isInstant, "idle.needs.instant"},
     {"peel_size", isPeelApart, "idle.needs.peelApart"},
     {"card_outside", isInstant, "idle.needs.instant"},
+    {"card_outside", hasACutCard, "idle.needs.cutCard"},
     {"table", hasASheet, "idle.noSheet"},
     {"table_width_cm", hasATable, "idle.needs.table"},
     {"mat", hasASheet, "idle.noSheet"},

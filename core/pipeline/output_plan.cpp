@@ -6,8 +6,8 @@
 #include "core/image/rounding.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
-#include "core/pipeline/pending_sizes.h"
 #include "core/pipeline/render_size.h"
+#include "core/process/card/card_geometry.h"
 #include "core/process/mat/mat_plan.h"
 #include "core/process/mat/table.h"
 #include "core/process/raster/raster_note.h"
@@ -169,7 +169,11 @@ Pipeline::OutputPlan Pipeline::outputPlan(Size input, const FilmProfile& film, c
     plan.picture = {size.width - 2 * plan.coatPx, size.height - 2 * plan.coatPx};
     if (film.isInstant()) {
         options = instantBareOptions(film, std::move(options), size);
-        if (options.instantFrame) size = Pending::withCard(size);
+        if (options.instantFrame) {
+            const Size bare = size;
+            size = instantFrameWhites(bare, cardFrame(film), options.peelSize).around(bare);
+            options = instantCardOptions(film, std::move(options), bare, size);
+        }
     } else {
         const double border =
             resolveBorder(options, paper, {baseLong, longSideOf(size), length.fmtUm}, insets);

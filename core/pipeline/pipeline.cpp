@@ -12,13 +12,15 @@
 #include "core/image/resample.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
-#include "core/pipeline/pending_stages.h"
 #include "core/pipeline/render_size.h"
 #include "core/process/altprint/brushed_coat.h"
 #include "core/process/altprint/paper_base.h"
 #include "core/process/altprint/plate_mark.h"
 #include "core/process/border.h"
+#include "core/process/card/card_relief.h"
+#include "core/process/card/instant_card.h"
 #include "core/process/finishing/finish_sheet.h"
+#include "core/process/mat/mat_plan.h"
 #include "core/process/mat/table.h"
 #include "core/process/plates/plate_view.h"
 #include "core/process/press/repro.h"
@@ -79,11 +81,31 @@ OptList clearStrips(const Pipeline::Rebate& rebate, std::int64_t longSide, const
     for (const double white : whites) out->push_back(white * ratio);
     return out;
 }
-
-double cardThicknessMm(const FilmProfile& film)
 {
-    constexpr double kIntegralMm = 0.45;
-    return film.frame ? film.frame->thicknessMm.value_or(kIntegralMm) : kIntegralMm;
+    if (mask) mask = pilResize(std::move(*mask), size, filter);
+}
+
+/// The card round an instant picture, and what lies over or under it. The scale of both is the card's.
+RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions options)
+{
+    const Size picture = image.size();
+    const InstantFrameParams& frame = Pipeline::cardFrame(film);
+    options = Pipeline::instantBareOptions(film, std::move(options), picture);
+    std::optional<Plane> outline;
+    if (options.instantFrame) {
+        RenderOptions laid = options;
+        // A table shows at the cut corners by their coverage; the card's own colour runs on to it.
+        const bool onTable = Table::wantsTable(options) && !Finishing::wantsMat(options);
+        const Vec3d base = CardRelief::baseTint(frame);
+        if (onTable) laid.cardOutside = std::vector(base.begin(), base.end());
+        GrainRNG rng = Pipeline::instantFrameRNG(film, options);
+        image = Pipeline::addInstantFrame(std::move(image), frame, laid, rng);
+        options = Pipeline::instantCardOptions(film, std::move(options), picture, image.size());
+        if (onTable) outline = Pipeline::instantFinishMask(film, options.peelSize, picture, image.size());
+    }
+    if (!Pipeline::hasFinishing(options)) return image;
+    const double thicknessMm = frame.thicknessMm.value_or(CardRelief::thicknessMmDefault);
+    return Pipeline::finishSheet(std::move(image), options, thicknessMm, outline, false);
 }
 
 } // namespace
@@ -185,10 +207,7 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
     followResolution();
 
     if (isInstant) {
-        options = instantBareOptions(film, std::move(options), image.size());
-        if (options.instantFrame) image = Pending::addInstantFrame(std::move(image));
-        if (hasFinishing(options))
-            image = finishSheet(std::move(image), options, cardThicknessMm(film), std::nullopt, false);
+        image = mountInstant(std::move(image), film, std::move(options));
         hooks.progress("done", 1.0);
         return image;
     }

@@ -3,11 +3,11 @@
 #include "core/image/render_profiler.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
-#include "core/pipeline/peel_size.h"
-#include "core/pipeline/pending_sizes.h"
 #include "core/process/altprint/plate_mark.h"
+#include "core/process/instant/picture_mm.h"
 #include "core/process/raster/tube_geometry.h"
 #include "core/profiles/options/film_format.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <algorithm>
 
@@ -65,8 +65,7 @@ double Pipeline::instantLongUm(const FilmProfile& film, const std::optional<std:
         if (film.frame->style == "peel") return peelSizeCfg(*film.frame, peelSize).imageMm.longMm * 1000.0;
         if (film.frame->imageLongMm.value_or(0.0) > 0.0) return *film.frame->imageLongMm * 1000.0;
     }
-    constexpr double kCardUm = 79'000.0; // the picture on an integral card
-    return film.texture ? film.texture->cardUm.value_or(kCardUm) : kCardUm;
+    return film.texture ? film.texture->cardUm.value_or(Film::kCardUm) : Film::kCardUm;
 }
 
 Pipeline::FilmLength Pipeline::filmLength(const FilmProfile& film, const RenderOptions& options, Size source,

@@ -8,6 +8,7 @@
 #include "core/image/tamlo_error.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/process/press/repro.h"
+#include "core/sensitometry/instant_measure.h"
 #include "core/text/loc.h"
 
 #include <algorithm>
@@ -58,6 +59,7 @@ public:
         light = Film::applyEmulsion(std::move(light), film_.film, options.interlayer, options.wbMode);
         if (film_.film.isBW() || film_.film.isCollodion())
             return {Film::bwNegativeDb(std::move(light), film_, options, pxUm).density};
+        if (film_.film.isInstant()) return instantDensities(std::move(light), film_, options, pxUm);
         RGBImage density;
         Vec3f base{};
         if (isSlide()) {
@@ -291,6 +293,10 @@ std::vector<MTFPoint> measureMTF(const Bench& bench)
     constexpr double kModulation = 0.1; // small enough for a straight piece of curve
     const double coarse = coarseSwing(bench, kModulation);
     std::vector<MTFPoint> points;
+    // The pod of instant film spreads its dyes over tenths of a millimetre.
+    if (bench.film().film.isInstant())
+        for (const double f : {0.25, 0.5, 1.0, 1.5})
+            points.push_back({f, sineSwing(bench, f, kModulation) / coarse});
     for (const double f : {2.5, 5.0, 7.5, 10.0, 12.5, 15.0, 20.0, 25.0, 30.0, 40.0, 50.0, 60.0, 80.0, 100.0,
                            125.0, 150.0, 200.0})
         points.push_back({f, sineSwing(bench, f, kModulation) / coarse});
@@ -408,26 +414,26 @@ PrintTone measurePrint(const Bench& bench, const PaperProfile& paper)
 Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperProfile* paper,
                                            const RenderOptions& options)
 {
-    const bool isBuilt = film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide();
+    const bool isBuilt =
+        film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide() || film.isInstant();
     if (!isBuilt) throw TamloError::unsupported(T("measure.err.filmType", {{"type", film.type}}));
-    if (paper)
-        if (const auto pending = Film::pendingStage(film, *paper))
-            throw TamloError::unsupported(T("measure.err.pending", {{"what", *pending}}));
 
     const Bench bench(film, options);
     Report report;
     report.logExposure = wedge();
     report.layers = measureLayers(bench);
-    report.granularity = measureGranularity(bench);
+    report.surface = measureInstantSurface(bench.film(), bench.options());
+    if (!report.surface) report.granularity = measureGranularity(bench);
     report.mtf = measureMTF(bench);
     report.mtf50 = frequencyOfHalf(report.mtf);
     report.adjacencyOvershoot = measureOvershoot(bench);
     report.halationRadiusUm = measureHalation(bench);
-    // A screen runs the patches of a wedge into each other; its tone is read on even fields.
-    if (paper) report.tube = measureTube(*paper, options);
-    if (paper && !report.tube) report.print = measurePrint(bench, *paper);
-    if (paper) report.press = measurePress(*paper, options);
     report.plate = measurePlate(film, options);
+    if (!paper || film.isInstant()) return report; // an instant picture is its own print
+    // A screen runs the patches of a wedge into each other; its tone is read on even fields.
+    report.tube = measureTube(*paper, options);
+    if (!report.tube) report.print = measurePrint(bench, *paper);
+    report.press = measurePress(*paper, options);
     return report;
 }
 

@@ -8,6 +8,7 @@
 #include "core/profiles/formats/film_profile.h"
 #include "core/profiles/formats/paper_profile.h"
 #include "core/profiles/options/render_options.h"
+#include "core/sensitometry/instant_measure.h"
 #include "core/sensitometry/plate_measure.h"
 #include "core/sensitometry/press_measure.h"
 #include "core/sensitometry/tube_measure.h"
@@ -24,7 +25,7 @@ inline constexpr double kStepLogE = 0.15;
 /// Diameters of the measuring apertures in micrometres; the middle one is that of data sheets.
 inline constexpr std::array<double, 3> kAperturesUm{24.0, 48.0, 96.0};
 
-/// One layer of a film, or its only one.
+/// One layer of a film, or its only one; on instant film a channel of the finished positive.
 struct Layer {
     std::string name;
     std::vector<double> density;      ///< one a step of the wedge
@@ -58,6 +59,7 @@ struct Report {
     std::vector<double> logExposure; ///< of each step of the wedge
     std::vector<Layer> layers;
     std::optional<Granularity> granularity; ///< absent where no net density 1.0 can be reached
+    std::optional<InstantSurface> surface;  ///< of instant film, in place of granularity
     std::vector<MTFPoint> mtf;
     std::optional<double> mtf50;            ///< cycles per mm; absent when it stays above half
     double adjacencyOvershoot = 0.0;        ///< beyond the dense side of an edge, as a share of the step

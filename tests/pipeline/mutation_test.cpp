@@ -192,6 +192,20 @@ TEST_F(MutationTest, PlatesThatPassAlsoRender)
                                   }));
 }
 
+// Every instant film, damaged: what passes the check is developed and laid in its card.
+TEST_F(MutationTest, InstantFilmsThatPassGetTheirCard)
+{
+    std::vector<std::string> corpus = corpusOf("films/");
+    std::erase_if(
+        corpus, [](const std::string& text) { return !ProfileJSON::decode<FilmProfile>(text).isInstant(); });
+    const PaperProfile paper = store_->paper("color_scan");
+    const std::uint64_t passed = tryMutations(corpus, runs(kUsualRuns), [&](const std::string& text) {
+        if (check(text) != Kind::films) return;
+        render(ProfileJSON::decode<FilmProfile>(text), {}, paper, {});
+    });
+    expectSomePassed(passed);
+}
+
 TEST_F(MutationTest, PresetsAreTakenInOrLeaveNothing)
 {
     const std::uint64_t passed =
@@ -235,6 +249,22 @@ TEST_F(MutationTest, AbsurdReachesAreHeld)
         glowing.softenFrac = huge;
         glowing.grain->sizeUm = huge;
         render(glowing, lens, paper, {});
+        for (const char* name : {"polaroid_sx70", "fp100c_silk"}) {
+            FilmProfile instant = store_->film(name);
+            instant.softenFrac = instant.texture->mottleScale = instant.texture->silkScaleUm = huge;
+            instant.texture->silkAmp = instant.texture->streaksAmp = huge;
+            if (instant.texture->chatter) {
+                ChatterParams& chatter = *instant.texture->chatter;
+                chatter.alongMm = chatter.isoMm = chatter.clusterMm = chatter.pasteMm = huge;
+                chatter.amp = chatter.endMm = chatter.clusterMod = chatter.pasteAmp = huge;
+                SilkLatticeParams& lattice = *instant.texture->silkLattice;
+                lattice.amp = lattice.pitchMm = lattice.jitterMm = lattice.modSigmaMm = huge;
+                lattice.grainMm = huge;
+            }
+            instant.frame->imageLongMm = instant.frame->chips = instant.frame->edgeYellow = huge;
+            instant.frame->embossUm = huge;
+            render(instant, lens, paper, {});
+        }
         LensProfile dreamy = lens;
         dreamy.optics.soften = dreamy.optics.bloomSigma2 = dreamy.optics.glowRadius = huge;
         dreamy.optics.glow = 0.5;

@@ -1,10 +1,10 @@
 // The plan of a render against the render itself, and the copies made of a finished picture.
 #include "core/pipeline/output_plan.h"
-#include "core/pipeline/peel_size.h"
 #include "core/pipeline/pipeline.h"
 #include "core/pipeline/render_size.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/options/film_format.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <gtest/gtest.h>
 
@@ -79,25 +79,27 @@ RenderOptions randomOptions(Chance& chance)
     return options;
 }
 
-TEST(OutputPlan, IsTheSizeOfTheRender)
+/// 400 random choices of these films and papers: the plan is the size of the render.
+void expectThePlanIsTheRender(const std::vector<std::string>& films, const std::vector<std::string>& papers,
+                              std::uint32_t seed)
 {
     const ProfileStore& store = ProfileStore::shared();
-    const std::vector<std::string> films = store.list(Kind::films, true);
-    const std::vector<std::string> papers = store.list(Kind::papers, true);
-    // Beside any film on any paper, those of a geometry of their own on what shows them.
-    const std::vector<std::string> plates{"collodion_wet", "dryplate_ortho"},
-        views{"ambrotype", "ferrotype", "albumen", "bw_neutral"};
-    Chance chance(5);
-    for (int round = 0; round < 800; ++round) {
+    Chance chance(seed);
+    for (int round = 0; round < 400; ++round) {
         const Size source{chance.whole(1, 90), chance.whole(1, 90)};
-        const bool isPlate = round >= 400;
-        const std::string filmName = chance.of(isPlate ? plates : films);
-        const std::string paperName = chance.of(isPlate ? views : papers);
+        const std::string filmName = chance.of(films), paperName = chance.of(papers);
         FilmProfile film = store.film(filmName);
         PaperProfile paper = store.paper(paperName);
         // Ceilings that bite at this size: a scanner's, and that of a very soft instant film.
         if (paper.scan && chance.coin()) paper.scan->longPx = static_cast<int>(chance.whole(1, 120));
         if (film.isInstant() && film.mtf && chance.coin()) film.mtf->f50CycMm = chance.real(0.05, 1.0);
+        // Cards that leave the camera either way, or have no size and no block of their own.
+        if (film.isInstant() && film.frame && chance.coin()) {
+            film.frame->nativeOrientation = chance.of(std::array<std::string, 2>{"portrait", "landscape"});
+            film.frame->sideFrac = chance.real(-0.1, 0.4);
+            if (chance.whole(0, 3) == 0) film.frame->imageLongMm.reset();
+            if (chance.whole(0, 7) == 0) film.frame.reset();
+        }
         // Screens and drops coarse enough that a picture of this size grows for them.
         if (paper.offset) paper.offset->lpi = chance.real(1.0, 60.0);
         if (paper.crt) paper.crt->pitchMm = chance.real(0.3, 40.0);
@@ -113,6 +115,20 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
         const Pipeline::OutputPlan plan = Pipeline::outputPlan(source, film, paper, options, scale);
         ASSERT_EQ(plan.size(), image.size());
     }
+}
+
+TEST(OutputPlan, IsTheSizeOfTheRender)
+{
+    const ProfileStore& store = ProfileStore::shared();
+    const std::vector<std::string> films = store.list(Kind::films, true),
+                                   papers = store.list(Kind::papers, true);
+    std::vector<std::string> cards = films;
+    std::erase_if(cards, [&](const std::string& name) { return !store.film(name).isInstant(); });
+    expectThePlanIsTheRender(films, papers, 5);
+    // Those of a geometry of their own, on what shows them.
+    expectThePlanIsTheRender(cards, papers, 6);
+    expectThePlanIsTheRender({"collodion_wet", "dryplate_ortho"},
+                             {"ambrotype", "ferrotype", "albumen", "bw_neutral"}, 7);
 }
 
 // Known frames, by hand: 36 mm of film in 6,000 pixels, a crop of half of it, a sheet with borders.

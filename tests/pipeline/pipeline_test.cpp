@@ -1,6 +1,8 @@
 #include "core/image/resample.h"
 #include "core/io/srgb_encode.h"
+#include "core/pipeline/backend.h"
 #include "core/pipeline/film_dispatch.h"
+#include "core/pipeline/output_plan.h"
 #include "core/pipeline/pipeline.h"
 #include "core/process/border.h"
 #include "core/profiles/catalogue/profile_store.h"
@@ -159,12 +161,12 @@ TEST(Pipeline, EveryReferenceFilmAndPaperRunsThrough)
     float* p = source.mutableData();
     for (std::int64_t i = 0; i < source.pixelCount() * 3; ++i) p[i] *= kSteps[i / 3 % 48 / 16];
     Darkroom darkroom;
+    darkroom.options.instantFrame = false; // the picture alone
     for (const std::string& film : store.list(ProfileStore::Kind::films))
         for (const std::string& paper : store.list(ProfileStore::Kind::papers)) {
             SCOPED_TRACE(film + " on " + paper);
             darkroom.film = store.film(film);
             darkroom.paper = store.paper(paper);
-            if (Film::pendingStage(darkroom.film, darkroom.paper)) continue;
             const RGBImage out = darkroom(source);
             const auto [low, high] = std::ranges::minmax(out.data);
             ASSERT_TRUE(low >= 0.0f && high <= 1.0f) << low << " to " << high;
@@ -177,23 +179,60 @@ TEST(Pipeline, EveryReferenceFilmAndPaperRunsThrough)
     EXPECT_THROW(darkroom(source), TamloError);
 }
 
-TEST(Pipeline, SaysWhatLetsThePictureThrough)
+// Slivers and specks on every kind of card, and under a mat or on a table with it.
+TEST(Pipeline, OddPicturesGetTheirCard)
 {
-    const ProfileStore& store = ProfileStore::shared();
-    const auto pending = [&](const char* film, const char* paper) {
-        return Film::pendingStage(store.film(film), store.paper(paper)).has_value();
-    };
-    EXPECT_FALSE(pending("portra400", "color_ra4"));
-    EXPECT_FALSE(pending("trix400", "bw_neutral"));
-    EXPECT_FALSE(pending("velvia50", "scan_film"));
-    EXPECT_FALSE(pending("collodion_wet", "bw_neutral"));
-    EXPECT_FALSE(pending("collodion_wet", "ambrotype"));
-    EXPECT_TRUE(pending("polaroid_sx70", "color_scan"));
-    EXPECT_FALSE(pending("trix400", "platinum"));
-    EXPECT_FALSE(pending("portra400", "gum_tricolor"));
-    EXPECT_FALSE(pending("portra400", "offset_newsprint"));
-    EXPECT_FALSE(pending("portra400", "crt_tv"));
-    EXPECT_FALSE(pending("three_plates_1909", "color_scan"));
+    Darkroom darkroom;
+    for (const char* film : {"polaroid_sx70", "instax_wide", "fp100c", "polaroid_bw_600"}) {
+        darkroom.film = ProfileStore::shared().film(film);
+        for (const Size size : {Size{1, 1}, Size{2, 2}, Size{1, 30'000}, Size{30'000, 1}}) {
+            SCOPED_TRACE(testing::Message() << film << " " << size.width << " x " << size.height);
+            const RGBImage source(size.width, size.height, Vec3f{0.2f, 0.2f, 0.2f});
+            for (const char* mount : {"", "mat", "table"}) {
+                darkroom.options.mat = darkroom.options.table = std::nullopt;
+                if (*mount == 'm') darkroom.options.mat = "classic";
+                if (*mount == 't') darkroom.options.table = "linen";
+                const RGBImage out = darkroom(source);
+                EXPECT_EQ(
+                    out.size(),
+                    Pipeline::outputPlan(size, darkroom.film, darkroom.paper, darkroom.options, 1.0).size());
+                for (const float v : out.data) ASSERT_TRUE(std::isfinite(v));
+            }
+        }
+    }
+}
+
+// Each instant film at three sizes, brought to one: the same picture.
+TEST(Pipeline, ACardIsTheSameAtEverySize)
+{
+    Darkroom darkroom;
+    const RGBImage scene = pilResize(test::noisePicture(24, 24, 8, 3.0f), 2048, 2048, Resampling::bicubic);
+    for (const char* film : {"polaroid_sx70", "polaroid_600", "instax_wide", "fp100c", "fp3000b"}) {
+        darkroom.film = ProfileStore::shared().film(film);
+        darkroom.film.texture->fineAmp = 0.0; // it is as fine as the pixels
+        const bool isPack = darkroom.film.frame->style == "peel";
+        std::optional<RGBImage> smallest;
+        for (const std::int64_t longPx : {450, 900, 2048}) {
+            SCOPED_TRACE(testing::Message() << film << " " << longPx);
+            RGBImage out = darkroom(resized(RGBImage(scene), longPx));
+            if (!smallest) {
+                smallest = std::move(out);
+                continue;
+            }
+            out = pilResize(out, smallest->size(), Resampling::box);
+            double difference = 0.0, level = 0.0;
+            for (std::size_t i = 0; i < out.data.size(); ++i) {
+                const double d =
+                    double{ImageWriter::srgbOf(out.data[i])} - ImageWriter::srgbOf(smallest->data[i]);
+                difference += std::abs(d);
+                level += d;
+            }
+            difference /= static_cast<double>(out.data.size());
+            level /= static_cast<double>(out.data.size());
+            EXPECT_LT(difference, isPack ? 0.019 : 0.010);
+            EXPECT_LT(std::abs(level), 0.002);
+        }
+    }
 }
 
 /// The same scene at any size: clouds, an edge and a fine grating that no size loses.

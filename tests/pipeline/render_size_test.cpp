@@ -1,5 +1,5 @@
-#include "core/pipeline/peel_size.h"
 #include "core/pipeline/render_size.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <gtest/gtest.h>
 

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <map>
 
 namespace tamlo::test {
 namespace {
@@ -108,7 +110,7 @@ TEST(Sensitometry, GranularityIsThatOfTheDataSheet)
 
 TEST(Sensitometry, SaysWhatCannotBeMeasured)
 {
-    EXPECT_THROW(measure(store().film("fp100c"), nullptr, {}), TamloError);
+    EXPECT_THROW(measure(store().film("three_plates_1909"), nullptr, {}), TamloError);
     PaperProfile tube = store().paper("bw_neutral");
     tube.repro = "crt";
     EXPECT_THROW(measure(store().film("trix400"), &tube, {}), TamloError);
@@ -140,6 +142,47 @@ TEST(Sensitometry, MeasuresThePlate)
     EXPECT_LT(plate("collodion_wet")->unevenness, 1e-3);
 }
 
+// An instant film measures its positive, and its surface part by part.
+TEST(Sensitometry, InstantFilmShowsItsToneAndItsSurface)
+{
+    struct Case {
+        const char* film;
+        double whole, tolerance;
+        std::map<std::string, double> parts;
+    };
+    const Case cases[] = {
+        {"polaroid_sx70", 0.022, 0.002, {{"mottle", 0.0175}, {"fine", 0.006}, {"streaks", 0.012}}},
+        {"polaroid_600", 0.018, 0.002, {{"mottle", 0.014}, {"fine", 0.007}, {"streaks", 0.010}}},
+        {"polaroid_itype", 0.028, 0.003, {{"mottle", 0.0245}, {"fine", 0.008}, {"streaks", 0.012}}},
+        {"instax_square", 0.007, 0.001, {{"mottle", 0.0035}, {"fine", 0.006}, {"streaks", 0.003}}},
+        {"fp100c", 0.0165, 0.004, {{"chatter", 0.0155}, {"fine", 0.006}}},
+        {"fp100c_silk", 0.032, 0.004, {{"silk", 0.012}, {"lattice", 0.0263}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.film);
+        const FilmProfile film = store().film(c.film);
+        const Report report = measure(film, nullptr, {});
+        ASSERT_TRUE(report.surface);
+        EXPECT_FALSE(report.granularity);
+        EXPECT_NEAR(report.surface->density, -std::log10(0.18), 0.02);
+        EXPECT_NEAR(report.surface->whole, c.whole, c.tolerance);
+        for (const auto& [name, deviation] : c.parts) {
+            const auto found =
+                std::ranges::find(report.surface->parts, name, &Sensitometry::SurfacePart::name);
+            ASSERT_NE(found, report.surface->parts.end()) << name;
+            EXPECT_NEAR(found->deviation, deviation, 0.2 * deviation) << name;
+        }
+        ASSERT_EQ(report.layers.size(), 3u);
+        EXPECT_LT(report.layers[0].gamma, -0.9);
+        EXPECT_GT(report.layers[0].dmax - report.layers[0].dmin, 1.4);
+        EXPECT_TRUE(std::ranges::is_sorted(report.layers[1].density, std::greater()));
+    }
+    const Report silver = measure(store().film("fp3000b"), nullptr, {});
+    ASSERT_EQ(silver.layers.size(), 1u);
+    EXPECT_NEAR(silver.layers[0].density[10], -std::log10(0.18), 0.01);
+    EXPECT_LT(*silver.mtf50, 20.0);
+}
+
 TEST(Sensitometry, AHarderPaperHasTheShorterRange)
 {
     const PaperProfile paper = store().paper("bw_neutral");
@@ -165,7 +208,7 @@ std::vector<std::pair<std::string, std::string>> printableCombinations()
         for (const std::string& paper : store().list(Kind::papers, true)) {
             const FilmProfile f = store().film(film);
             const PaperProfile p = store().paper(paper);
-            if (f.isInstant() || f.isTricolor() || Film::pendingStage(f, p)) continue;
+            if (f.isInstant() || f.isTricolor()) continue;
             if (p.isRepro()) continue; // no white paper, and a limit on the ink: the tests of the presses
             if (p.fixedExposure.value_or(false) || (p.isReversal() && !f.isSlide())) continue;
             all.emplace_back(film, paper);

@@ -18,16 +18,6 @@
 namespace tamlo {
 namespace {
 
-/// Weights of r, g, b adding up to 1, in 32-bit floats; unchanged where they add up to nothing.
-Vec3f normalised(const Vec3d& weights)
-{
-    Vec3f w{static_cast<float>(weights[0]), static_cast<float>(weights[1]), static_cast<float>(weights[2])};
-    const float sum = w[0] + w[1] + w[2];
-    if (sum != 0.0f)
-        for (float& v : w) v /= sum;
-    return w;
-}
-
 HDCurve silverCurve(const FilmProfile& film, double intensify)
 {
     const NegativeLayer& n = *film.negative;
@@ -57,6 +47,15 @@ RGBImage printPlane(const Plane& density, float d0, const PaperProfile& paper, c
 
 } // namespace
 
+Vec3f Film::normalisedWeights(const Vec3d& weights)
+{
+    Vec3f w{static_cast<float>(weights[0]), static_cast<float>(weights[1]), static_cast<float>(weights[2])};
+    const float sum = w[0] + w[1] + w[2];
+    if (sum != 0.0f)
+        for (float& v : w) v /= sum;
+    return w;
+}
+
 Film::SilverNegative Film::bwNegativeDb(RGBImage light, const DevelopedFilm& film,
                                         const RenderOptions& options, double pxUm, const PlateExposure& plate)
 {
@@ -64,7 +63,7 @@ Film::SilverNegative Film::bwNegativeDb(RGBImage light, const DevelopedFilm& fil
     const Vec3d own = film.film.spectralWeights.value_or(Vec3d{0.3, 0.36, 0.34});
     Plane y(light.width, light.height);
     RenderProfiler::cpu("emulsion input", light.pixelCount(),
-                        [&] { dot3(y, light, normalised(plate.weights.value_or(own)), {}); });
+                        [&] { dot3(y, light, normalisedWeights(plate.weights.value_or(own)), {}); });
     light = {}; // the silver chain runs on a third of the scene's memory
 
     y = emulsionSoften(std::move(y), film.film, pxUm);
@@ -98,7 +97,7 @@ RGBImage Film::renderColorOnBWPaper(RGBImage light, const DevelopedFilm& film, c
     constexpr Vec3d kPaperWeights{0.1, 0.45, 0.45};
     ColorNegative negative = colorNegativeDb(std::move(light), film, options, pxUm);
     Plane db(negative.db.width, negative.db.height);
-    dot3(db, negative.db, normalised(paper.spectralWeights.value_or(kPaperWeights)), {});
+    dot3(db, negative.db, normalisedWeights(paper.spectralWeights.value_or(kPaperWeights)), {});
     negative.db = {};
     return printPlane(db, 0.0f, paper, options);
 }

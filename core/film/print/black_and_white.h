@@ -15,6 +15,9 @@
 
 namespace tamlo::Film {
 
+/// Weights of r, g, b adding up to 1, in 32-bit floats; unchanged where they add up to nothing.
+Vec3f normalisedWeights(const Vec3d& weights);
+
 /// One silver negative: absolute density and the curve that made it.
 struct SilverNegative {
     Plane density;

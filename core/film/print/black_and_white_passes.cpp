@@ -11,12 +11,13 @@ HWY_BEFORE_NAMESPACE();
 namespace tamlo {
 namespace HWY_NAMESPACE {
 
-void curveBWRun(float* samples, std::size_t count, const HDCurve& curve, float evTerm)
+void curveBWRun(float* samples, std::size_t count, const HDCurve& curve, float evTerm, bool negate)
 {
     const hn::ScalableTag<float> d;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
-        const auto light = loadRun(d, samples + i, count - i);
-        storeRun(d, density(d, curve, logExposure(d, light, evTerm)), samples + i, count - i);
+        auto x = logExposure(d, loadRun(d, samples + i, count - i), evTerm);
+        if (negate) x = hn::Neg(x);
+        storeRun(d, density(d, curve, x), samples + i, count - i);
     }
 }
 
@@ -53,12 +54,13 @@ void dot3(Plane& out, const RGBImage& image, const Vec3f& weights, const Vec3f& 
     });
 }
 
-void curve_bw(Plane& light, const HDCurve& curve, float evTerm)
+void curve_bw(Plane& light, const HDCurve& curve, float evTerm, bool negate)
 {
     float* samples = light.mutableData();
     parallelBands(light.height, light.width, [&](std::int64_t start, std::int64_t end) {
         HWY_DYNAMIC_DISPATCH(curveBWRun)
-        (samples + start * light.width, static_cast<std::size_t>((end - start) * light.width), curve, evTerm);
+        (samples + start * light.width, static_cast<std::size_t>((end - start) * light.width), curve, evTerm,
+         negate);
     });
 }
 

@@ -10,8 +10,8 @@ namespace tamlo {
 /// Sum of weights × (channel - offset) into a plane of the image's size.
 void dot3(Plane& out, const RGBImage& image, const Vec3f& weights, const Vec3f& offsets);
 
-/// Light to absolute density, in place.
-void curve_bw(Plane& light, const HDCurve& curve, float evTerm);
+/// Light to absolute density, in place. negate: a direct positive, the curve at -x.
+void curve_bw(Plane& light, const HDCurve& curve, float evTerm, bool negate = false);
 
 struct PrintBWParams {
     HDCurve curve;

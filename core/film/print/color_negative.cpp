@@ -16,8 +16,6 @@
 namespace tamlo {
 namespace {
 
-constexpr double kSlideToe = 1.2;
-
 HDCurve layerCurve(const NegativeLayer& layer)
 {
     return {layer.dmin, layer.dmax, layer.gamma, layer.toe.value_or(1.5), layer.midDensity.value_or(0.85)};
@@ -43,16 +41,16 @@ PrintColorParams planPrint(const Film::ColorNegative& negative, const DevelopedF
 
 CurvesColorParams Film::planColorCurves(const DevelopedFilm& film, const RenderOptions& options)
 {
-    const bool slide = film.film.isSlide();
+    const bool positive = film.film.isSlide() || film.film.isInstant();
     const ColorLayers& layers = *film.film.layers;
     CurvesColorParams params;
-    params.curves = slide ? positiveCurves(layers, kSlideToe)
-                          : std::array{layerCurve(layers.r), layerCurve(layers.g), layerCurve(layers.b)};
+    params.curves = positive ? positiveCurves(layers, kPositiveToe)
+                             : std::array{layerCurve(layers.r), layerCurve(layers.g), layerCurve(layers.b)};
     params.evTerm = static_cast<float>((options.ev + film.exposureShift) * LOG10_2);
-    params.negate = slide;
-    params.couplers = GPUCouplers(film.film.couplers, slide, !slide, options.interlayer);
+    params.negate = positive;
+    params.couplers = GPUCouplers(film.film.couplers, positive, !positive, options.interlayer);
     params.unevenWeights = DevField::layerWColor;
-    if (slide) {
+    if (positive) {
         // Longer development of a reversal film thins it.
         for (float& weight : params.unevenWeights) weight = -weight;
         return params;

@@ -22,7 +22,7 @@ struct CurvesColorParams {
 
 namespace Film {
 
-/// Curves, couplers and developer of a colour film, negative or slide. The film has `layers`.
+/// Curves, couplers and developer of a colour film: negative, slide or instant. The film has `layers`.
 CurvesColorParams planColorCurves(const DevelopedFilm& film, const RenderOptions& options);
 
 } // namespace Film

@@ -14,6 +14,9 @@
 
 namespace tamlo::Film {
 
+/// Toe of a reversal film's curves where its profile gives none.
+inline constexpr double kPositiveToe = 1.2;
+
 /// Curves of a positive material: a layer without a mid density is anchored where it shows as 0.18.
 std::array<HDCurve, 3> positiveCurves(const ColorLayers& layers, double defaultToe);
 

@@ -101,15 +101,15 @@ Plane normalizePlane(Plane plane)
     return plane;
 }
 
-Plane noisePlane(Size size, NoiseKey key)
+Plane noisePlane(Size size, NoiseKey key, NoisePlace first)
 {
     Plane plane(size.width, size.height);
     float* values = plane.mutableData();
     std::vector<std::uint32_t> columns(static_cast<std::size_t>(size.width));
-    noise_columns(columns, key.seed);
+    noise_columns(columns, key.seed, first.x);
     parallelBands(size.height, size.width * 4, [&](std::int64_t start, std::int64_t end) {
         for (std::int64_t y = start; y < end; ++y)
-            virtual_noise(values + y * size.width, columns, y, key.layer);
+            virtual_noise(values + y * size.width, columns, first.y + y, key.layer);
     });
     return plane;
 }
@@ -168,6 +168,21 @@ std::vector<NoiseField::Tap> NoiseField::axisTaps(std::int64_t pixels, std::int6
     return taps;
 }
 
+/// The taps of both axes, and those along the rows as the vector code reads them.
+void NoiseField::layTaps(double pxPerCell)
+{
+    taps_ = axisTaps(size_.width, samples_.width, pxPerCell);
+    rowTaps_ = axisTaps(size_.height, samples_.height, pxPerCell);
+    columns_.resize(taps_.size());
+    shares_.resize(taps_.size());
+    for (std::size_t x = 0; x < taps_.size(); ++x) {
+        // Before the first node both taps are that node, which the repeated one stands for.
+        const bool before = taps_[x].first == taps_[x].second && taps_[x].first == 0 && samples_.width > 1;
+        columns_[x] = before ? 0 : taps_[x].first + 1;
+        shares_[x] = taps_[x].fraction;
+    }
+}
+
 NoiseField NoiseField::fromLattice(Size size, const NoiseLattice& lattice, NoiseKey key)
 {
     const double pxPerCell = lattice.pxUm / lattice.cellUm;
@@ -182,8 +197,7 @@ NoiseField NoiseField::fromLattice(Size size, const NoiseLattice& lattice, Noise
     field.samples_ = lattice.sigmaBUm
                          ? differenceOfGaussians(grid, sigmaA, *lattice.sigmaBUm / lattice.cellUm, key)
                          : gaussianFilter(noisePlane(grid, key), sigmaA, EdgeMode::nearest);
-    field.taps_ = axisTaps(size.width, grid.width, pxPerCell);
-    field.rowTaps_ = axisTaps(size.height, grid.height, pxPerCell);
+    field.layTaps(pxPerCell);
     return field;
 }
 
@@ -258,10 +272,36 @@ NoiseField NoiseField::difference(Size size, double aUm, double bUm, double pxUm
     return normalised(onPixels(differenceOfGaussians(size, aUm / px, bUm / px, key)));
 }
 
+NoiseField NoiseField::brushed(Size size, double aUm, double bUm, double alongUm, double pxUm, NoiseKey key)
+{
+    const double px = std::max(pxUm, kMinPxUm);
+    const double cell = aUm / kDifferenceCellsPerSigma;
+    const bool lattice = cell > px;
+    NoiseField field = lattice ? fromLattice(size, {px, cell, aUm, bUm}, key)
+                               : onPixels(differenceOfGaussians(size, aUm / px, bUm / px, key));
+    field.samples_ = gaussianFilter1D(std::move(field.samples_), alongUm / (lattice ? cell : px),
+                                      FilterAxis::x, EdgeMode::nearest);
+    return normalised(std::move(field));
+}
+
+NoiseField NoiseField::onNodes(Size size, Plane nodes, double pxPerNode)
+{
+    NoiseField field;
+    field.size_ = size;
+    field.samples_ = std::move(nodes);
+    field.layTaps(1.0 / pxPerNode);
+    return field;
+}
+
+NoiseField NoiseField::unitOnNodes(Size size, Plane nodes, double pxPerNode)
+{
+    return normalised(onNodes(size, std::move(nodes), pxPerNode));
+}
+
 NoiseField::Rows::Rows(const NoiseField& field) : field_(field)
 {
     if (!field.onLattice()) return;
-    nodes_.resize(static_cast<std::size_t>(field.samples_.width));
+    nodes_.resize(static_cast<std::size_t>(field.samples_.width) + 2);
     line_.resize(field.taps_.size());
 }
 
@@ -270,12 +310,12 @@ const float* NoiseField::Rows::row(std::int64_t y)
     if (!field_.onLattice()) return field_.samples_.row(y);
     const Tap down = field_.rowTaps_[static_cast<std::size_t>(y)];
     const float *a = field_.samples_.row(down.first), *b = field_.samples_.row(down.second);
-    for (std::size_t x = 0; x < nodes_.size(); ++x) nodes_[x] = a[x] + (b[x] - a[x]) * down.fraction;
-    for (std::size_t x = 0; x < line_.size(); ++x) {
-        const Tap& tap = field_.taps_[x];
-        const float left = nodes_[static_cast<std::size_t>(tap.first)];
-        line_[x] = left + (nodes_[static_cast<std::size_t>(tap.second)] - left) * tap.fraction;
-    }
+    const std::size_t last = nodes_.size() - 2;
+    for (std::size_t x = 0; x < last; ++x) nodes_[x + 1] = a[x] + (b[x] - a[x]) * down.fraction;
+    nodes_[0] = nodes_[1];
+    nodes_[last + 1] = nodes_[last];
+    lattice_row(line_.data(), nodes_.data(), field_.columns_.data(), field_.shares_.data(),
+                static_cast<std::int64_t>(line_.size()));
     return line_.data();
 }
 

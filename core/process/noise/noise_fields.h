@@ -35,8 +35,14 @@ FieldStats planeStats(const Plane& plane);
 /// The plane at unit standard deviation. The mean stays in it; an even plane stays as it is.
 Plane normalizePlane(Plane plane);
 
-/// Normal noise at each pixel: gaussNoise(x, y, seed, layer).
-Plane noisePlane(Size size, NoiseKey key);
+/// A place in the virtual noise image; coordinates may be negative.
+struct NoisePlace {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+};
+
+/// Normal noise at each pixel: gaussNoise(x, y, seed, layer), from a place of the virtual image on.
+Plane noisePlane(Size size, NoiseKey key, NoisePlace first = {});
 
 /// Noise under a Gaussian of sigmaPx pixels (the shared blur, edges repeated), at unit deviation.
 Plane altField(Size size, double sigmaPx, NoiseKey key);
@@ -72,6 +78,12 @@ public:
     static NoiseField gaussian(Size size, double sigmaUm, double pxUm, NoiseKey key);
     /// Difference of Gaussians of aUm and bUm: a lattice of aUm / 3 where that is above a pixel.
     static NoiseField difference(Size size, double aUm, double bUm, double pxUm, NoiseKey key);
+    /// The same, smeared along the rows by a Gaussian of alongUm: brushed, woven or drawn surfaces.
+    static NoiseField brushed(Size size, double aUm, double bUm, double alongUm, double pxUm, NoiseKey key);
+    /// Nodes that lie pxPerNode pixels apart from the picture's corner, as they are: scale() is 1.
+    static NoiseField onNodes(Size size, Plane nodes, double pxPerNode);
+    /// The same at unit deviation over the pixels.
+    static NoiseField unitOnNodes(Size size, Plane nodes, double pxPerNode);
 
     /// Times this, a sample of a row is a sample of the unit field.
     float scale() const { return scale_; }
@@ -100,6 +112,7 @@ private:
     };
     static NoiseField onPixels(Plane samples);
     static NoiseField normalised(NoiseField field);
+    void layTaps(double pxPerCell);
     static NoiseField fromLattice(Size size, const NoiseLattice& lattice, NoiseKey key);
     friend Plane latticeNoise(Size, const NoiseLattice&, NoiseKey);
 
@@ -109,7 +122,9 @@ private:
     Size size_;
     Plane samples_; // pixels, or nodes of the lattice
     std::vector<Tap> rowTaps_;
-    std::vector<Tap> taps_; // along x; empty on pixels
+    std::vector<Tap> taps_;             // along x; empty on pixels
+    std::vector<std::int32_t> columns_; // of the left tap, in a line with its end nodes repeated
+    std::vector<float> shares_;         // of the right one
     float scale_ = 1.0f;
 };
 

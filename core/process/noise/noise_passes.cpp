@@ -52,6 +52,25 @@ void subtractRun(float* to, const float* a, const float* b, std::int64_t count)
     });
 }
 
+void latticeRow(float* to, const float* nodes, const std::int32_t* first, const float* share,
+                std::int64_t count)
+{
+    const hn::ScalableTag<float> d;
+    const hn::RebindToSigned<decltype(d)> di;
+    const auto lanes = static_cast<std::int64_t>(hn::Lanes(d));
+    std::int64_t i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        const auto at = hn::LoadU(di, first + i);
+        const auto left = hn::GatherIndex(d, nodes, at);
+        const auto right = hn::GatherIndex(d, nodes + 1, at);
+        hn::StoreU(hn::Add(left, hn::Mul(hn::Sub(right, left), hn::LoadU(d, share + i))), d, to + i);
+    }
+    for (; i < count; ++i) {
+        const float left = nodes[first[i]];
+        to[i] = left + (nodes[first[i] + 1] - left) * share[i];
+    }
+}
+
 void scaleRun(float* values, float factor, std::int64_t count)
 {
     const hn::ScalableTag<float> d;
@@ -72,12 +91,14 @@ namespace tamlo {
 HWY_EXPORT(noiseRow);
 HWY_EXPORT(fieldSums);
 HWY_EXPORT(subtractRun);
+HWY_EXPORT(latticeRow);
 HWY_EXPORT(scaleRun);
 
-void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed) noexcept
+void noise_columns(std::span<std::uint32_t> columns, std::uint32_t seed, std::int64_t first) noexcept
 {
+    const auto from = static_cast<std::uint32_t>(first);
     for (std::size_t x = 0; x < columns.size(); ++x)
-        columns[x] = hash32(static_cast<std::uint32_t>(x) * 0x9E3779B1u + seed * 0x2545F491u);
+        columns[x] = hash32((from + static_cast<std::uint32_t>(x)) * 0x9E3779B1u + seed * 0x2545F491u);
 }
 
 void virtual_noise(float* to, std::span<const std::uint32_t> columns, std::int64_t y,
@@ -94,6 +115,12 @@ RunSums field_sums(const float* run, std::int64_t count, float shift) noexcept
 void subtract_run(float* to, const float* a, const float* b, std::int64_t count) noexcept
 {
     HWY_DYNAMIC_DISPATCH(subtractRun)(to, a, b, count);
+}
+
+void lattice_row(float* to, const float* nodes, const std::int32_t* first, const float* share,
+                 std::int64_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(latticeRow)(to, nodes, first, share, count);
 }
 
 void scale_run(float* values, float factor, std::int64_t count) noexcept

@@ -93,7 +93,7 @@ std::span<const Field<TextureParams>> FieldTable<TextureParams>::rows()
         field<&T::silkScaleUm>("silk_scale_um", "µm", "its scale on the card; larger is coarser; absent 90"),
         field<&T::cardUm>("card_um", "µm",
                           "width of the picture on the card, where the frame block gives none; larger makes "
-                          "every structure finer in the picture; absent 73000"),
+                          "every structure finer in the picture; absent 79000"),
         field<&T::chatter>("chatter", "", "marks of the rollers on pack film"),
         field<&T::silkLattice>("silk_lattice", "", "pressed lattice of a silk surface"),
     };
@@ -107,7 +107,8 @@ std::span<const Field<ToneMottleParams>> FieldTable<ToneMottleParams>::rows()
         field<&T::amp>("amp", "share", "strength of the warm clouds; larger shows more"),
         field<&T::scale>("scale", "fraction of the width",
                          "their scale; larger is wider clouds; absent 0.09"),
-        field<&T::warm>("warm", "", "how the clouds tint R, G, B; larger lightens that channel more"),
+        field<&T::warm>("warm", "",
+                        "how the clouds tint R, G, B, below 0 darker; (0.6, 0, -0.9) is a warm silver"),
         field<&T::densityBias>(
             "density_bias", "share",
             "how much more thin silver is toned than dense; larger leaves the blacks alone"),

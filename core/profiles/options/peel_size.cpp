@@ -1,4 +1,4 @@
-#include "core/pipeline/peel_size.h"
+#include "core/profiles/options/peel_size.h"
 
 #include <algorithm>
 
