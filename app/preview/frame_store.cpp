@@ -226,35 +226,51 @@ void FrameStore::loadDetail(const FrameRef& frame, const Detail& detail,
     const bool isRAW = ImageLoader::isRAW(frame->url);
     const std::int64_t longSide =
         ImageLoader::decodeLong(detail.longSide, isRAW ? detail.capLongPx : 0, ImageLoader::rawDecodeMode());
-    cancelDetail();
-    if (auto known = detailInMemory(frame->id, longSide, detail))
+    if (auto known = detailInMemory(frame->id, longSide, detail)) {
+        cancelDetail();
         return complete([known, completion = std::move(completion)] { completion(known); });
-    auto cancelled = std::make_shared<std::atomic<bool>>(false);
-    std::int64_t generation = 0;
+    }
+    auto running = std::make_shared<RunningDetail>();
     {
         const std::lock_guard lock(mutex_);
-        detailCancelled_ = cancelled;
-        generation = generations_[frame->id];
+        const std::int64_t generation = generations_[frame->id];
+        if (detail_ && detail_->id == frame->id && detail_->detail == detail &&
+            detail_->generation == generation) {
+            detail_->completion = std::move(completion);
+            return;
+        }
+        cancelDetailLocked();
+        running->id = frame->id;
+        running->detail = detail;
+        running->generation = generation;
+        running->completion = std::move(completion);
+        detail_ = running;
     }
-    fineQueue_.submit(
-        [this, frame, detail, longSide, cancelled, generation, completion = std::move(completion)] {
-            if (*cancelled) return;
-            std::optional<RGBImage> image;
-            try {
-                const CancellationScope scope([cancelled] { return cancelled->load(); });
-                image = detail.isMaster ? decoders_.full(frame->url, detail.capLongPx, detail.wb)
-                                        : decoders_.detail(frame->url, longSide, detail.wb);
-            } catch (const std::exception&) {
-                // No larger picture: the proxy stays on screen.
-            }
-            {
-                const std::lock_guard lock(mutex_);
-                if (*cancelled) return;
-                if (image && generations_[frame->id] == generation)
-                    keepDetail({frame->id, detail.wb, longSide, detail.isMaster, *image});
-            }
-            complete([image = std::move(image), completion] { completion(image); });
-        });
+    fineQueue_.submit([this, frame, longSide, running] { decodeDetail(frame, longSide, *running); });
+}
+
+void FrameStore::decodeDetail(const FrameRef& frame, std::int64_t longSide, RunningDetail& running)
+{
+    if (running.cancelled) return;
+    const Detail& detail = running.detail;
+    std::optional<RGBImage> image;
+    try {
+        const CancellationScope scope([&running] { return running.cancelled.load(); });
+        image = detail.isMaster ? decoders_.full(frame->url, detail.capLongPx, detail.wb)
+                                : decoders_.detail(frame->url, longSide, detail.wb);
+    } catch (const std::exception&) {
+        // No larger picture: the proxy stays on screen.
+    }
+    DetailTaker completion;
+    {
+        const std::lock_guard lock(mutex_);
+        if (running.cancelled) return;
+        if (image && generations_[frame->id] == running.generation)
+            keepDetail({frame->id, detail.wb, longSide, detail.isMaster, *image});
+        completion = std::move(running.completion);
+        detail_.reset();
+    }
+    complete([image = std::move(image), completion = std::move(completion)] { completion(image); });
 }
 
 void FrameStore::keepDetail(Slot slot)
@@ -272,10 +288,15 @@ void FrameStore::keepDetail(Slot slot)
 
 void FrameStore::cancelDetail()
 {
-    fineQueue_.dropPending();
     const std::lock_guard lock(mutex_);
-    if (detailCancelled_) *detailCancelled_ = true;
-    detailCancelled_.reset();
+    cancelDetailLocked();
+}
+
+void FrameStore::cancelDetailLocked()
+{
+    fineQueue_.dropPending();
+    if (detail_) detail_->cancelled = true;
+    detail_.reset();
 }
 
 std::optional<SourceExposure::Stats> FrameStore::exportStats(const Frame& frame, WBMode wb,
@@ -300,6 +321,7 @@ void FrameStore::evict(const FrameID& id)
     std::erase_if(sources_, [&](const auto& entry) { return entry.first == id; });
     std::erase_if(fine_, [&](const Slot& slot) { return slot.id == id; });
     if (big_ && big_->id == id) big_.reset();
+    if (detail_ && detail_->id == id) cancelDetailLocked();
 }
 
 void FrameStore::dropBigDetail(const std::optional<FrameID>& keeping)

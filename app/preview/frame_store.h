@@ -66,9 +66,10 @@ public:
         std::int64_t capLongPx = 0; ///< of the source; 0 for none
         bool isMaster = false;      ///< decoded as for an export
         WBMode wb = WBMode::film;
+        bool operator==(const Detail&) const = default;
     };
     /// A picture of at least that long side. The completion gets none after a failure, and is dropped where
-    /// a later request takes its place.
+    /// a later request takes its place; one for the same picture goes on with the decode that is under way.
     void loadDetail(const FrameRef& frame, const Detail& detail,
                     std::function<void(std::optional<RGBImage>)> completion);
     /// Forgets the detail that is being decoded, if any.
@@ -103,6 +104,14 @@ private:
         std::shared_ptr<std::atomic<bool>> cancelled = std::make_shared<std::atomic<bool>>(false);
         std::vector<std::function<void(Loaded)>> completions;
     };
+    using DetailTaker = std::function<void(std::optional<RGBImage>)>;
+    struct RunningDetail {
+        FrameID id;
+        Detail detail;
+        std::int64_t generation = 0;
+        std::atomic<bool> cancelled{false};
+        DetailTaker completion; ///< under the store's lock
+    };
     using LoadKey = std::tuple<FrameID, std::int64_t, WBMode, bool>; ///< frame, generation, wb, cache only
 
     void beginLoad(const FrameRef& frame, WBMode wb, bool cacheOnly, std::function<void(Loaded)> completion);
@@ -113,6 +122,8 @@ private:
     void keep(const FrameID& id, const SourceRef& source);
     void trimToCap(const FrameID& keeping);
     void keepDetail(Slot slot);
+    void decodeDetail(const FrameRef& frame, std::int64_t longSide, RunningDetail& running);
+    void cancelDetailLocked();
     std::optional<RGBImage> detailInMemory(const FrameID& id, std::int64_t longSide, const Detail& detail);
     void complete(std::function<void()> completion);
 
@@ -130,7 +141,7 @@ private:
     std::map<LoadKey, Running> running_;
     std::list<Slot> fine_; ///< the first is the next to go
     std::optional<Slot> big_;
-    std::shared_ptr<std::atomic<bool>> detailCancelled_;
+    std::shared_ptr<RunningDetail> detail_; ///< the latest that was asked for and is not there yet
 
     platform::JobQueue loadQueue_;
     platform::SerialQueue fineQueue_; // last: joined before the rest goes
