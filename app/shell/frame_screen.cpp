@@ -286,6 +286,7 @@ void FrameScreen::frameEnded(std::int64_t ticket, bool isFast, Outcome outcome)
     const auto now = situation();
     if (!now || !now->source) return;
     if (const auto* failure = std::get_if<Failure>(&outcome)) {
+        shown_(now->frame->id, std::nullopt, nullptr);
         if (failure->abort) return noteFault(*failure->abort, "P", ProxyFile::kProxyLong);
         return model_->tellFailure(failure->text);
     }

@@ -30,7 +30,7 @@ struct GPUFault {
 class FrameScreen {
 public:
     using Image = std::shared_ptr<const ReadyImage>;
-    /// A whole print of a frame was shown: frame, the process that made it, the print.
+    /// A whole print of a frame was shown: frame, the process that made it, the print; null where it failed.
     using Shown = std::function<void(const FrameID&, const std::optional<ProcessSettings>&, const Image&)>;
 
     FrameScreen(Previews& previews, SourceLoads& loads, Shown shown);

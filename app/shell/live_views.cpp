@@ -4,6 +4,9 @@
 #include "core/image/tamlo_error.h"
 #include "platform/memory.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace tamlo {
 namespace {
 
@@ -23,7 +26,9 @@ LiveViews::LiveViews(Previews::Config config)
       tiles_(previews_, loads_),
       screen_(previews_, loads_,
               [this](const FrameID& id, const std::optional<ProcessSettings>& process,
-                     const FrameScreen::Image& image) { tiles_.adopt(id, process, image); }),
+                     const FrameScreen::Image& image) {
+                  image ? tiles_.adopt(id, process, image) : tiles_.giveUp(id);
+              }),
       housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility)
 {
     previews_.onGrown = [this] { trimLater(); };
@@ -98,12 +103,15 @@ void LiveViews::openedFrame(const FrameID& id)
 {
     previews_.frames.dropBigDetail(id);
     previews_.frames.cancelDetail();
+    if (const auto left = std::exchange(onScreen_, id); left && *left != id)
+        tiles_.render({*left}); // its print may not have come
     renderCurrent(kOpenDelaySeconds);
 }
 
 void LiveViews::backToGrid()
 {
     screen_.clear();
+    onScreen_.reset();
     previews_.frames.dropBigDetail(std::nullopt);
     tiles_.renderAll();
 }
@@ -155,6 +163,7 @@ void LiveViews::clear()
     loads_.clear();
     previews_.frames.clear();
     visibleTiles_.clear();
+    onScreen_.reset();
 }
 
 } // namespace tamlo

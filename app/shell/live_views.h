@@ -55,6 +55,7 @@ private:
     Tiles tiles_;
     FrameScreen screen_;
     std::vector<FrameID> visibleTiles_;
+    std::optional<FrameID> onScreen_;
     platform::Timer daily_;
     Background housekeeping_; // last: joined before the rest goes
 };

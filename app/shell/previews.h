@@ -30,12 +30,12 @@ struct Previews {
     platform::MainLoop& loop;
     ProfileStore& store;
     std::string build;
+    std::function<void()> onGrown; ///< the cache wants to be trimmed; on the main thread
+    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
     ProxyCache cache;
     ThumbCache thumbs;
     FrameStore frames;
     KeyedRenderer renderer;
-    std::function<void()> onGrown; ///< the cache wants to be trimmed; on the main thread
-    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
 };
 
 } // namespace tamlo

@@ -61,6 +61,12 @@ bool Tiles::mayPersist(const FrameID& id) const
     return frame && frame->fingerprint && model_->linker.state(id) != FileState::changed;
 }
 
+bool Tiles::isOnScreen(const FrameID& id) const
+{
+    const Selection& selection = model_->selection;
+    return !showsOriginals_ && selection.screen() == Screen::develop && selection.cursor() == id;
+}
+
 bool Tiles::isWanted(const FrameID& id, const std::string& key) const
 {
     const auto found = wanted_.find(id);
@@ -112,7 +118,9 @@ void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
             return {stale ? std::make_shared<const ReadyImage>(std::move(*stale)) : nullptr, true, true};
         },
         [this, id, key](Found found) {
-            if (!isWanted(id, key)) return;
+            const auto shown = shown_.find(id);
+            const bool isThere = shown != shown_.end() && shown->second == key && !stubs_[id];
+            if (!isWanted(id, key) || isThere) return; // the develop screen was quicker
             if (found.image) show(id, key, std::move(found.image), found.isStub);
             if (found.image && !found.isStale) {
                 persisted_[id] = key;
@@ -127,7 +135,7 @@ void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
 void Tiles::renderFromSource(const FrameID& id, const std::string& key)
 {
     const FrameRef frame = model_->project().frame(id);
-    if (!frame) return;
+    if (!frame || isOnScreen(id)) return; // the print that is being made there is its tile too
     if (const FrameStore::SourceRef source = previews_.frames.source(id)) return submit(frame, source, key);
     if (model_->linker.state(id) == FileState::unreadable) return void(pending_.erase(id));
     if (loads_.isLoading(id)) return; // its arrival comes back here
@@ -197,6 +205,7 @@ void Tiles::adopt(const FrameID& id, const std::optional<ProcessSettings>& proce
     prints_.push_back({*key, print});
     if (prints_.size() > kMostPrints) prints_.pop_front();
     wanted_[id] = *key;
+    previews_.renderer.cancel("thumb:" + id.text());
     reduceAndKeep(id, *key, print, Raster::p);
 }
 
@@ -206,6 +215,7 @@ void Tiles::reduceAndKeep(const FrameID& id, const std::string& key, const Image
               [this, id, key, raster](Image tile) {
                   if (!isWanted(id, key)) return;
                   show(id, key, tile, false);
+                  if (raster == Raster::p) previews_.renderer.cancel("thumb:" + id.text());
                   pending_.erase(id);
                   persist(id, key, std::move(tile), raster);
               });

@@ -44,6 +44,8 @@ public:
     void sourceArrived(const FrameID& id);
     /// The print that the develop screen shows of a frame under a process is its tile too.
     void adopt(const FrameID& id, const std::optional<ProcessSettings>& process, const Image& print);
+    /// No such print can be made.
+    void giveUp(const FrameID& id) { pending_.erase(id); }
     void forget(const FrameID& id);
     void clear();
 
@@ -68,6 +70,7 @@ private:
     };
 
     void renderOne(const FrameID& id);
+    bool isOnScreen(const FrameID& id) const;
     bool isWanted(const FrameID& id, const std::string& key) const;
     void lookOnDisk(const FrameID& id, const std::string& key);
     void renderFromSource(const FrameID& id, const std::string& key);
