@@ -43,13 +43,15 @@ public:
             const CancellationScope scope(shouldCancel);
             pause();
             if (key == "frame") std::this_thread::sleep_for(std::chrono::milliseconds(frameMs));
-            const auto grade = static_cast<std::uint8_t>(request.process ? request.process->options.grade * 10 : 255);
+            const auto grade =
+                static_cast<std::uint8_t>(request.process ? request.process->options.grade * 10 : 255);
             {
                 const std::lock_guard lock(mutex);
                 rendered.push_back(key.substr(0, 5));
             }
             const std::int64_t width = std::min(request.inputLong.value_or(2048), std::int64_t{64});
-            return ReadyImage{width, 2, std::vector<std::uint8_t>(static_cast<std::size_t>(width * 8), grade)};
+            return ReadyImage{width, 2,
+                              std::vector<std::uint8_t>(static_cast<std::size_t>(width * 8), grade)};
         };
     }
     void pause() const
@@ -96,8 +98,8 @@ protected:
         views_.reset();
         views_.emplace(Previews::Config{loop_, store_, &registry_, folder_ / "cache", "1.0",
                                         std::int64_t{8} << 30, sources_.decoders(), sources_.render()});
-        model_.emplace(AppSeams{loop_, store_, questions_, *views_, clipboard_, volumes_, preferences_,
-                                &registry_});
+        model_.emplace(
+            AppSeams{loop_, store_, questions_, *views_, clipboard_, volumes_, preferences_, &registry_});
         views_->attach(*model_);
         views_->screen().setFit({3000, 2000}, 1);
     }
