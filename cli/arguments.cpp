@@ -255,6 +255,7 @@ struct CommandLine {
     ExportArguments exported;
     HelpArguments help;
     CompletionArguments completion;
+    CacheArguments cache;
     ProjectCommand project;
 
     CommandLine()
@@ -271,6 +272,7 @@ struct CommandLine {
         auto* completionCommand = app.add_subcommand("completion", T("cli.help.completion"));
         addArgument(*completionCommand, "SHELL", completion.shell, T("cli.help.shell"));
         describeProject(app, project);
+        describeCache(*app.add_subcommand("cache", T("cli.help.cache")), cache);
         app.add_option("--lang")->description(T("cli.help.lang"))->type_name("LANG");
         for (CLI::App* command : app.get_subcommands(nullptr)) {
             command->fallthrough();
@@ -299,6 +301,7 @@ struct CommandLine {
         if (name == "import") return import;
         if (name == "completion") return completion;
         if (name == "project") return project;
+        if (name == "cache") return cache;
         return exported;
     }
 };

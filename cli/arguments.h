@@ -2,6 +2,7 @@
 // checked by whoever uses it.
 #pragma once
 
+#include "cli/cache.h"
 #include "cli/project_arguments.h"
 #include "core/profiles/catalogue/preset_library.h"
 
@@ -106,8 +107,8 @@ struct Answer {
 };
 
 using Command = std::variant<DevelopArguments, PlanArguments, MeasureArguments, ListArguments, ShowArguments,
-                             CheckArguments, ImportArguments, ExportArguments, ProjectCommand, HelpArguments,
-                             CompletionArguments, Answer>;
+                             CheckArguments, ImportArguments, ExportArguments, ProjectCommand, CacheArguments,
+                             HelpArguments, CompletionArguments, Answer>;
 
 /// Chooses the language of the run where --lang names one, before anything is said.
 /// Errors: UsageError with one sentence.

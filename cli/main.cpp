@@ -12,6 +12,7 @@
 #include "cli/plan.h"
 #include "cli/project.h"
 #include "cli/recipe.h"
+#include "cli/service.h"
 #include "cli/usage_error.h"
 #include "core/text/error_words.h"
 
@@ -54,6 +55,7 @@ struct Runner {
         return 0;
     }
     int operator()(const ProjectCommand& command) const { return runProject(command, std::cout); }
+    int operator()(const CacheArguments& arguments) const { return runCache(arguments, std::cout); }
     int operator()(const HelpArguments& arguments) const
     {
         helpOnOption(arguments, std::cout);
@@ -76,7 +78,9 @@ struct Runner {
 int main(int argc, char** argv)
 {
     try {
-        const int status = std::visit(Runner{}, parseArguments({argv + 1, argv + argc}));
+        std::vector<std::string> arguments{argv + 1, argv + argc};
+        if (const std::optional<int> status = serviceRun(arguments)) return *status;
+        const int status = std::visit(Runner{}, parseArguments(arguments));
         if (!std::cout.flush()) {
             tell(T("cli.outputFailed"));
             return 1;

@@ -125,7 +125,8 @@ std::string examples()
 std::string environment()
 {
     std::string out;
-    for (const char* name : {"TAMLO_USER_DIR", "TAMLO_PROFILES", "TAMLO_PROFILE"})
+    for (const char* name : {"TAMLO_USER_DIR", "TAMLO_PROXY_DIR", "TAMLO_PROFILES", "TAMLO_PROFILE",
+                             "TAMLO_SERVICE", "TAMLO_TIER_DEBUG", "TAMLO_DUMP_FRAME"})
         out += entry(bold(name), T(std::string("cli.man.environment.") + name));
     return out;
 }

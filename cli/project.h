@@ -14,7 +14,7 @@ namespace tamlo::cli {
 int runProject(const ProjectCommand& command, std::ostream& results);
 
 // The verbs, by file: project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp,
-// project_files.cpp.
+// project_files.cpp, project_preview.cpp.
 int run(const ProjectAddArguments& arguments, std::ostream& results);
 int run(const ProjectShowArguments& arguments, std::ostream& results);
 int run(const ProjectCheckArguments& arguments, std::ostream& results);
@@ -31,5 +31,6 @@ int run(const ProjectLocateArguments& arguments, std::ostream& results);
 int run(const ProjectBackupsArguments& arguments, std::ostream& results);
 int run(const ProjectRestoreArguments& arguments, std::ostream& results);
 int run(const ProjectRecentArguments& arguments, std::ostream& results);
+int run(const ProjectPreviewArguments& arguments, std::ostream& results);
 
 } // namespace tamlo::cli

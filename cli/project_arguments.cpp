@@ -124,6 +124,19 @@ void describeCopying(CLI::App& project, ProjectCommand& into)
            {"empty", "every"});
 }
 
+void describePreview(CLI::App& project, ProjectCommand& into)
+{
+    const auto preview =
+        addVerb<ProjectPreviewArguments>(project, "preview", "cli.help.project.preview", into);
+    takeFrame(*preview.app, *preview.arguments);
+    preview.app->add_option("-o", preview.arguments->output, T("cli.help.project.previewOutput"))
+        ->required()
+        ->type_name("OUT.png");
+    choice(preview.app->add_option("--tier", preview.arguments->tier, T("cli.help.project.tier")),
+           {"proxy", "screen", "master"});
+    preview.app->add_option("--fit", preview.arguments->fit, T("cli.help.project.fit"))->type_name("WxH");
+}
+
 void describeFiles(CLI::App& project, ProjectCommand& into)
 {
     const auto locate = addVerb<ProjectLocateArguments>(project, "locate", "cli.help.project.locate", into);
@@ -163,6 +176,7 @@ void describeProject(CLI::App& app, ProjectCommand& into)
     describeReading(*project, into);
     describeEdits(*project, into);
     describeCopying(*project, into);
+    describePreview(*project, into);
     describeFiles(*project, into);
     for (CLI::App* verb : project->get_subcommands(nullptr)) {
         verb->fallthrough();

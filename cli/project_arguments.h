@@ -68,6 +68,11 @@ struct ProjectRestoreArguments : RollArguments {
     std::string stamp;
     std::filesystem::path output;
 };
+struct ProjectPreviewArguments : RollArguments {
+    std::filesystem::path output;
+    std::string tier = "master";
+    std::optional<std::string> fit; ///< "1600x1000"
+};
 struct ProjectRecentArguments {
     bool json = false;
     bool clear = false;
@@ -78,7 +83,7 @@ using ProjectCommand =
                  ProjectSetArguments, ProjectPresetArguments, ProjectMarkArguments, ProjectTurnArguments,
                  ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
                  ProjectRemoveArguments, ProjectLocateArguments, ProjectBackupsArguments,
-                 ProjectRestoreArguments, ProjectRecentArguments>;
+                 ProjectRestoreArguments, ProjectRecentArguments, ProjectPreviewArguments>;
 
 /// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
 void describeProject(CLI::App& app, ProjectCommand& into);

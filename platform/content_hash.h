@@ -1,9 +1,11 @@
-// XXH64: the fast 64-bit hash by which files are told apart. Not for what an enemy may choose.
+// Hashes of content. XXH64: the fast 64-bit hash by which files are told apart, not for what an enemy may
+// choose. SHA-256: by which what is derived from many choices gets a name of its own.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tamlo::platform {
@@ -28,5 +30,8 @@ private:
 
 /// Of all bytes at once.
 std::uint64_t xxHash64(std::string_view bytes);
+
+/// SHA-256 (FIPS 180-4) as 64 lowercase hexadecimal digits. Errors: PlatformError.
+std::string sha256(std::string_view bytes);
 
 } // namespace tamlo::platform

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
 
 namespace tamlo::platform {
 
@@ -15,5 +18,12 @@ void unmapPages(void* base, std::size_t byteCount) noexcept;
 
 /// Physical memory of the machine in GiB (bytes / 2^30).
 double physicalMemoryGB();
+
+/// Bytes that this process may use at most: the machine's, or the limit of the control group that it runs in
+/// where that is less.
+std::int64_t memoryLimitBytes();
+
+/// Bytes that may still be written to the volume of a folder; absent where the system does not say.
+std::optional<std::int64_t> freeBytes(const std::filesystem::path& folder);
 
 } // namespace tamlo::platform

@@ -9,6 +9,7 @@
 #include <exception>
 #include <utility>
 
+#include <dlfcn.h>
 #include <libraw/libraw.h>
 
 namespace tamlo::platform {
@@ -203,6 +204,14 @@ std::array<double, 4> gainsOf(const float (&multipliers)[4])
 }
 
 } // namespace
+
+void useOneRawThread()
+{
+    // The engine's own threads are OpenMP's where it was built with them; the setting is the caller's own.
+    using SetThreads = void (*)(int);
+    static const auto set = reinterpret_cast<SetThreads>(::dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
+    if (set) set(1);
+}
 
 RawHead readRawHead(const std::string& path)
 {

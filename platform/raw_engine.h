@@ -36,6 +36,10 @@ struct RawHead {
     RawColour colour;
 };
 
+/// From now on the engine works on this thread alone when this thread calls it: for queues that develop
+/// several frames at a time.
+void useOneRawThread();
+
 /// Reads the head of a camera file. Errors: PlatformError with the reason.
 RawHead readRawHead(const std::string& path);
 

@@ -43,6 +43,8 @@ public:
     /// the change; recorded before anything changes. now: seconds of a clock that only goes forward.
     void record(Change change, const Project& before, double now);
     void endGesture() { openKey_.reset(); }
+    /// The last change may go on.
+    bool gestureIsOpen() const { return openKey_.has_value(); }
     /// Takes the top of the undo stack, leaving its opposite for redo; none when there is nothing to undo.
     std::optional<Step> undo(const Project& current, double now);
     std::optional<Step> redo(const Project& current, double now);

@@ -34,6 +34,9 @@ public:
         });
     }
 
+    /// Waits until the work that was given is done; its results are still to be taken.
+    void drain() { queue_.drain(); }
+
 private:
     platform::MainLoop& loop_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

@@ -20,6 +20,12 @@ struct FrameViews {
     /// The frame's source is to be read, or forgotten.
     virtual void load(const FrameID&) {}
     virtual void evict(const FrameID&) {}
+    /// A frame was opened on the develop screen, or the grid has come back.
+    virtual void openedFrame(const FrameID&) {}
+    virtual void backToGrid() {}
+    /// The open project has a file from now on, or is about to be left.
+    virtual void openedProject() {}
+    virtual void closingProject() {}
     /// All that is known of the frames of a project belongs to another one now.
     virtual void clear() {}
 };

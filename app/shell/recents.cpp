@@ -25,12 +25,14 @@ void Recents::registerOpenedProject()
     }
     const auto frames = static_cast<std::int64_t>(model_.project().frames.size());
     seams.registry->opened(*model_.projectURL(), frames, seams.loop.date());
+    seams.views.openedProject();
 }
 
 void Recents::registerClosedProject()
 {
     const AppSeams& seams = model_.seams();
     if (!seams.registry || !model_.projectURL()) return;
+    seams.views.closingProject();
     const auto frames = static_cast<std::int64_t>(model_.project().frames.size());
     seams.registry->closed(*model_.projectURL(), frames, projectIsSettled(), seams.loop.date());
 }

@@ -64,6 +64,13 @@ void Selection::openFrame(const FrameID& id)
     if (!model_.project().frame(id)) return;
     setCursor(id);
     screen_ = Screen::develop;
+    model_.seams().views.openedFrame(id);
+}
+
+void Selection::backToGrid()
+{
+    screen_ = Screen::grid;
+    model_.seams().views.backToGrid();
 }
 
 void Selection::setCursor(std::optional<FrameID> id)

@@ -36,7 +36,7 @@ public:
     /// A new roll: the grid, the cursor on its first visible frame.
     void begin();
     void openFrame(const FrameID& id);
-    void backToGrid() { screen_ = Screen::grid; }
+    void backToGrid();
     void setCursor(std::optional<FrameID> id);
     void select(const FrameIDs& ids);
     /// The project's filter. No undo step.

@@ -1,0 +1,169 @@
+#include "app/shell/live_views.h"
+
+#include "app/shell/app_model.h"
+#include "core/image/tamlo_error.h"
+#include "platform/memory.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tamlo {
+namespace {
+
+constexpr double kDaySeconds = 86'400;
+constexpr const char* kCapPreference = "proxyCacheCapGB";
+constexpr double kOpenDelaySeconds = 0.25;
+
+} // namespace
+
+LiveViews::LiveViews(Previews::Config config)
+    : previews_(std::move(config)),
+      loads_(previews_,
+             [this](const FrameID& id) {
+                 tiles_.sourceArrived(id);
+                 if (previews_.frames.source(id)) screen_.sourceArrived(id);
+             }),
+      tiles_(previews_, loads_),
+      screen_(previews_, loads_,
+              [this](const FrameID& id, const std::optional<ProcessSettings>& process,
+                     const FrameScreen::Image& image) {
+                  image ? tiles_.adopt(id, process, image) : tiles_.giveUp(id);
+              }),
+      housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility)
+{
+    previews_.onGrown = [this] { trimLater(); };
+}
+
+LiveViews::~LiveViews()
+{
+    screen_.clear();
+    previews_.renderer.cancel("");
+    tiles_.flush(true);
+}
+
+void LiveViews::attach(AppModel& model)
+{
+    model_ = &model;
+    loads_.attach(model);
+    tiles_.attach(model);
+    screen_.attach(model);
+    daily_ = previews_.loop.every(kDaySeconds, [this] { trimLater(); });
+}
+
+void LiveViews::trimLater()
+{
+    const auto cap = ProxyCache::capBytes(model_->seams().preferences.number(kCapPreference));
+    housekeeping_.run(
+        [&cache = previews_.cache, cap, now = previews_.loop.date()] {
+            cache.trim(cap, platform::freeBytes(cache.directory()), now);
+            return 0;
+        },
+        [](int) {});
+}
+
+bool LiveViews::isSettled() const
+{
+    return !screen_.isBusy() && tiles_.pendingCount() == 0 && loads_.loadingCount() == 0;
+}
+
+void LiveViews::renderCurrent(double delaySeconds)
+{
+    screen_.renderCurrent(delaySeconds);
+    syncPins();
+}
+
+void LiveViews::setVisibleTiles(std::vector<FrameID> ids)
+{
+    visibleTiles_ = std::move(ids);
+    syncPins();
+}
+
+void LiveViews::syncPins()
+{
+    std::set<FrameID> pins(visibleTiles_.begin(), visibleTiles_.end());
+    if (const auto& cursor = model_->selection.cursor()) {
+        const auto visible = model_->selection.visibleIDs();
+        const auto at = std::ranges::find(visible, *cursor);
+        pins.insert(*cursor);
+        if (at != visible.end() && at != visible.begin()) pins.insert(*(at - 1));
+        if (at != visible.end() && at + 1 != visible.end()) pins.insert(*(at + 1));
+    }
+    previews_.frames.setPins(std::move(pins));
+}
+
+void LiveViews::evict(const FrameID& id)
+{
+    previews_.frames.evict(id);
+    loads_.forget(id);
+    tiles_.forget(id);
+    screen_.forget(id);
+}
+
+void LiveViews::openedFrame(const FrameID& id)
+{
+    previews_.frames.dropBigDetail(id);
+    previews_.frames.cancelDetail();
+    if (const auto left = std::exchange(onScreen_, id); left && *left != id)
+        tiles_.render({*left}); // its print may not have come
+    renderCurrent(kOpenDelaySeconds);
+}
+
+void LiveViews::backToGrid()
+{
+    screen_.clear();
+    onScreen_.reset();
+    previews_.frames.dropBigDetail(std::nullopt);
+    tiles_.renderAll();
+}
+
+std::vector<std::string> LiveViews::projectKeys() const
+{
+    std::vector<std::string> keys;
+    for (const Frame& frame : model_->project().frames) {
+        if (frame.fingerprint)
+            keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
+        for (const bool originals : {false, true})
+            if (const auto key = tiles_.viewKey(frame, originals))
+                for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
+                    keys.push_back(ThumbCache::path(*key, raster));
+    }
+    return keys;
+}
+
+void LiveViews::openedProject()
+{
+    const AppSeams& seams = model_->seams();
+    if (!seams.registry || !model_->projectURL()) return;
+    try {
+        const auto exists = [](const std::string& path) {
+            std::error_code ignored;
+            return std::filesystem::exists(path, ignored);
+        };
+        previews_.cache.setOpenProject(
+            ProjectRegistry::idFor(seams.registry->load(), *model_->projectURL(), exists));
+    } catch (const TamloError&) {
+        return; // a registry that can't be read: the files are nobody's for now
+    }
+    previews_.cache.bindToOpenProject(projectKeys());
+    trimLater();
+}
+
+void LiveViews::closingProject()
+{
+    tiles_.flush(true);
+    previews_.cache.bindToOpenProject(projectKeys());
+    previews_.cache.setOpenProject(std::nullopt);
+    trimLater();
+}
+
+void LiveViews::clear()
+{
+    screen_.clear();
+    tiles_.clear();
+    loads_.clear();
+    previews_.frames.clear();
+    visibleTiles_.clear();
+    onScreen_.reset();
+}
+
+} // namespace tamlo

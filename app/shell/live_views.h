@@ -1,0 +1,63 @@
+// LiveViews: the frames as a session with pictures shows them: the develop screen, the grid, the loads that
+// feed both, and the caches behind them, joined to the session's edits. Made before the session and attached
+// to it; the session must be gone, or at rest, before it goes.
+#pragma once
+
+#include "app/shell/frame_screen.h"
+#include "app/shell/frame_views.h"
+#include "app/shell/previews.h"
+#include "app/shell/source_loads.h"
+#include "app/shell/tiles.h"
+
+namespace tamlo {
+
+class LiveViews final : public FrameViews {
+public:
+    explicit LiveViews(Previews::Config config);
+    ~LiveViews() override;
+
+    /// Begins the daily housekeeping too.
+    void attach(AppModel& model);
+
+    FrameScreen& screen() { return screen_; }
+    const FrameScreen& screen() const { return screen_; }
+    Tiles& tiles() { return tiles_; }
+    SourceLoads& loads() { return loads_; }
+    Previews& previews() { return previews_; }
+
+    /// Tiles that can be seen: their sources stay in memory.
+    void setVisibleTiles(std::vector<FrameID> ids);
+    /// Nothing is under way or planned.
+    bool isSettled() const;
+
+    void renderThumbs(const std::vector<FrameID>& ids) override { tiles_.render(ids); }
+    void renderAllThumbs() override { tiles_.renderAll(); }
+    void renderCurrent(double delaySeconds) override;
+    void cancelPendingRenders() override { screen_.cancelPending(); }
+    void load(const FrameID& id) override { loads_.load(id); }
+    void evict(const FrameID& id) override;
+    void openedFrame(const FrameID& id) override;
+    void backToGrid() override;
+    void openedProject() override;
+    void closingProject() override;
+    void clear() override;
+
+    /// Keys of the open project's proxies and tiles, by their paths in the cache.
+    std::vector<std::string> projectKeys() const;
+
+private:
+    void syncPins();
+    void trimLater();
+
+    Previews previews_;
+    AppModel* model_ = nullptr;
+    SourceLoads loads_;
+    Tiles tiles_;
+    FrameScreen screen_;
+    std::vector<FrameID> visibleTiles_;
+    std::optional<FrameID> onScreen_;
+    platform::Timer daily_;
+    Background housekeeping_; // last: joined before the rest goes
+};
+
+} // namespace tamlo
