@@ -33,7 +33,7 @@ TEST(PresetSchema, HoldsEveryKeyOnceAndTheTablesAreWhole)
         for (std::string_view key : keys(block)) all.emplace_back(key);
     std::ranges::sort(all);
     EXPECT_EQ(std::ranges::adjacent_find(all), all.end()) << "one key in two blocks";
-    EXPECT_EQ(all.size(), 83u);
+    EXPECT_EQ(all.size(), 85u);
     for (const std::string& key : all) {
         EXPECT_FALSE(isNever(key)) << key;
         const OptionRow* row = findOption(key);
@@ -47,7 +47,7 @@ TEST(PresetSchema, HoldsEveryKeyOnceAndTheTablesAreWhole)
     }
     EXPECT_EQ(profiles, 3);
     EXPECT_EQ(ranges, 48);
-    EXPECT_EQ(booleans, 8);
+    EXPECT_EQ(booleans, 9);
     EXPECT_EQ(choices, 17);
     // What no preset stores is all that is left of the options.
     for (const OptionRow& row : optionTable())
