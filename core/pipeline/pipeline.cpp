@@ -81,9 +81,6 @@ OptList clearStrips(const Pipeline::Rebate& rebate, std::int64_t longSide, const
     for (const double white : whites) out->push_back(white * ratio);
     return out;
 }
-{
-    if (mask) mask = pilResize(std::move(*mask), size, filter);
-}
 
 /// The card round an instant picture, and what lies over or under it. The scale of both is the card's.
 RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions options)
