@@ -34,14 +34,14 @@ TEST(VideoSignal, TheBandIsAGaussianAtAnyReach)
     float* values = line.mutableData();
     const RGBImage noise = noisePicture(kWidth, 1, 11, 1.0f);
     for (std::int64_t x = 0; x < kWidth; ++x) values[x] = noise.pixel(x, 0)[0] + (x > 350 ? 1.0f : 0.0f);
-    for (const double sigma : {0.2, 0.31, 1.0, 3.99, 4.01, 12.9, 64.6, 340.0}) {
+    for (const double sigma : {0.2, 0.31, 1.0, 3.99, 12.9, 16.1, 64.6, 340.0}) {
         Plane fast = line;
         RowBlur::Scratch scratch;
         RowBlur(sigma, kWidth).apply(fast.mutableData(), scratch);
         const Plane slow =
             sigma < 0.3 ? line : gaussianFilter1D(line, sigma, FilterAxis::x, EdgeMode::nearest, 6.0);
         for (std::int64_t x = 0; x < kWidth; ++x)
-            ASSERT_NEAR(fast.at(x, 0), slow.at(x, 0), sigma < 4.0 ? 2e-4 : 2e-5) << sigma << " " << x;
+            ASSERT_NEAR(fast.at(x, 0), slow.at(x, 0), sigma < 16.0 ? 2e-4 : 2e-5) << sigma << " " << x;
     }
     // The last cycle of a band keeps 0.3 of its swing.
     constexpr double kCycles = 40.0;

@@ -7,6 +7,8 @@
 #include "core/image/vector_pixels-inl.h"
 #include "core/process/crt/video_signal.h"
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace tamlo {
 namespace HWY_NAMESPACE {
@@ -29,6 +31,23 @@ void addRun(float* to, const float* from, float weight, std::size_t count)
     eachRun(d, to, count, [&](std::size_t i, std::size_t n) HWY_ATTR {
         return hn::Add(loadRun(d, to + i, n), hn::Mul(w, loadRun(d, from + i, n)));
     });
+}
+
+void spreadNodes(float* to, std::size_t count, const NodeSpread& s)
+{
+    const hn::ScalableTag<float> d;
+    const auto step = static_cast<std::size_t>(s.step), taps = static_cast<std::size_t>(2 * s.reach + 1);
+    for (std::size_t start = 0, j = 0; start < count; start += step, ++j) {
+        const std::size_t run = std::min(step, count - start);
+        const float* nodes = s.nodes.data() + j;
+        eachRun(d, to + start, run, [&](std::size_t i, std::size_t n) HWY_ATTR {
+            auto sum = hn::Zero(d);
+            for (std::size_t m = 0; m < taps; ++m)
+                sum = hn::Add(sum,
+                              hn::Mul(hn::Set(d, nodes[m]), loadRun(d, s.weights.data() + m * step + i, n)));
+            return sum;
+        });
+    }
 }
 
 void multiplyRun(float* to, const float* by, float factor, std::size_t count)
@@ -162,6 +181,7 @@ namespace tamlo {
 
 HWY_EXPORT(dotRun);
 HWY_EXPORT(addRun);
+HWY_EXPORT(spreadNodes);
 HWY_EXPORT(multiplyRun);
 HWY_EXPORT(encodeRun);
 HWY_EXPORT(decodeRun);
@@ -178,6 +198,11 @@ float dot_run(const float* a, const float* b, std::int64_t count) noexcept
 void add_run(float* to, const float* from, float weight, std::int64_t count) noexcept
 {
     HWY_DYNAMIC_DISPATCH(addRun)(to, from, weight, static_cast<std::size_t>(count));
+}
+
+void spread_nodes(float* to, std::int64_t count, const NodeSpread& spread) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(spreadNodes)(to, static_cast<std::size_t>(count), spread);
 }
 
 void multiply_run(float* to, const float* by, float factor, std::int64_t count) noexcept

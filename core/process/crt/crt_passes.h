@@ -13,6 +13,13 @@ namespace tamlo {
 float dot_run(const float* a, const float* b, std::int64_t count) noexcept;
 /// to += weight × from.
 void add_run(float* to, const float* from, float weight, std::int64_t count) noexcept;
+/// Nodes `step` pixels apart carried to the pixels between: weights[(m + reach) × step + p] is that of node
+/// j + m on pixel j × step + p; the first `reach` nodes lie ahead of the row.
+struct NodeSpread {
+    std::span<const float> nodes, weights;
+    std::int64_t step = 1, reach = 0;
+};
+void spread_nodes(float* to, std::int64_t count, const NodeSpread& spread) noexcept;
 /// to ×= by × factor.
 void multiply_run(float* to, const float* by, float factor, std::int64_t count) noexcept;
 

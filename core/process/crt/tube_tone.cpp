@@ -124,12 +124,13 @@ void drawTile(std::vector<Plane>& planes, const Tube& tube, Structure structure,
     parallelBands(height, width * 4, [&](std::int64_t start, std::int64_t end) {
         ShadowMask::Scratch scratch;
         for (std::int64_t y = start; y < end; ++y) {
-            double light = 0.0;
-            for (const float weight : lines.row(y).weights) light += static_cast<double>(weight);
+            double light = structure.lines ? 0.0 : 1.0;
+            if (structure.lines)
+                for (const float weight : lines.row(y).weights) light += static_cast<double>(weight);
             std::array<float*, 3> rows{};
             for (std::size_t c = 0; c < planes.size(); ++c) {
                 rows[c] = data[c] + y * width;
-                std::fill_n(rows[c], width, structure.lines ? static_cast<float>(light) : 1.0f);
+                std::fill_n(rows[c], width, static_cast<float>(light));
             }
             if (structure.mask) mask.apply(rows, y, 1.0f, scratch);
         }

@@ -13,7 +13,7 @@ namespace {
 using namespace CRTScreen;
 
 constexpr double kLeastSigmaPx = 0.3;   // a blur below this is none
-constexpr double kDirectSigmaPx = 4.0;  // up to this every pixel is a node
+constexpr double kDirectSigmaPx = 16.0; // up to this every pixel is a node
 constexpr double kTruncate = 4.5;       // of each of the two halves of a wide blur
 constexpr double kWidestRows = 4.0;     // row widths: any wider is as even
 constexpr double kNodesPerSigma = 0.85; // sigma / √2 over this many nodes: aliases of 1e-12
@@ -114,13 +114,7 @@ void RowBlur::apply(float* row, Scratch& scratch) const
     for (std::int64_t j = 0; j < nodes_; ++j)
         nodes[static_cast<std::size_t>(j)] =
             dot_run(collect_.data(), padded.data() + pad_ + (firstNode_ + j) * step_ - taps / 2, taps);
-    for (std::int64_t start = 0, j = reach_; start < width_; start += step_, ++j) {
-        const std::int64_t count = std::min(step_, width_ - start);
-        std::fill_n(row + start, count, 0.0f);
-        for (std::int64_t m = -reach_; m <= reach_; ++m)
-            add_run(row + start, spread_.data() + (m + reach_) * step_,
-                    nodes[static_cast<std::size_t>(j + m)], count);
-    }
+    spread_nodes(row, width_, {nodes, spread_, step_, reach_});
 }
 
 std::vector<Plane> CRTScreen::throughVideo(std::vector<Plane> planes, double lumaCycles, double chromaCycles,

@@ -9,8 +9,8 @@
 
 namespace tamlo::ReproPrint {
 
-/// The sentence for a press or a tube; nothing for other papers. Units: pxUm micrometres of print a pixel of a picture
-/// of that size, before it grows.
+/// The sentence for a press or a tube; nothing for other papers. Units: pxUm micrometres of print a pixel of
+/// a picture of that size, before it grows.
 std::optional<std::string> rasterNote(const PaperProfile& paper, const RenderOptions& options, double pxUm,
                                       Size size);
 
