@@ -56,8 +56,7 @@ std::optional<Crop> madeCrop(const ProjectSession& session, const Frame& frame,
     std::optional<CropDraft> draft = session.model().cropping.draftOf(frame);
     if (!draft) throw std::runtime_error(T("cli.project.noSize", {{"file", frame.url}}));
     if (ratio && !draft->isEnabled(*ratio))
-        throw UsageError(
-            T("cli.project.noFormatRatio", {{"label", session.project().label(frame.id)}}));
+        throw UsageError(T("cli.project.noFormatRatio", {{"label", session.project().label(frame.id)}}));
     if (level) draft->setAngle(*level);
     if (ratio) {
         draft->setAspect(*ratio);
@@ -73,8 +72,7 @@ int run(const ProjectOrderArguments& arguments, std::ostream& results)
     const std::map<std::string, SortMode> modes{{"name", SortMode::name}, {"shot", SortMode::shot}};
     const std::string& word = arguments.frames;
     const bool isMove = arguments.before || arguments.after;
-    if (!isMove && word != "reverse" && !modes.contains(word))
-        throw UsageError(T("cli.project.badOrder"));
+    if (!isMove && word != "reverse" && !modes.contains(word)) throw UsageError(T("cli.project.badOrder"));
     const auto session = ProjectSession::open(arguments.roll, Access::write);
     Ordering& ordering = session->model().ordering;
     const Project before = session->project();
@@ -100,7 +98,8 @@ int run(const ProjectCropArguments& arguments, std::ostream& results)
     const bool isMade = arguments.ratio || arguments.levelDegrees;
     if (isMade != arguments.crop.empty()) throw UsageError(T("cli.project.noCrop"));
     const auto ratio = arguments.ratio ? std::optional(ratioNamed(*arguments.ratio)) : std::nullopt;
-    const auto crop = isMade || arguments.crop == "none" ? std::nullopt : std::optional(cropNamed(arguments.crop));
+    const auto crop =
+        isMade || arguments.crop == "none" ? std::nullopt : std::optional(cropNamed(arguments.crop));
     const auto session = ProjectSession::open(arguments.roll, Access::write);
     const auto ids = session->frames(arguments.frames);
     const std::size_t changed = session->model().cropping.setCrops(ids, [&](const Frame& frame) {

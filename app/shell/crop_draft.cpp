@@ -49,8 +49,8 @@ CropDraft::CropDraft(const Picture& picture, const std::optional<Crop>& crop) : 
     const RectPx whole = defaultRect();
     portraitLabels_ = whole.h > whole.w;
     if (crop) {
-        const Crop shown = Pipeline::orientRect(*crop, static_cast<int>(picture.orient.rot) * 90,
-                                                picture.orient.mirror);
+        const Crop shown =
+            Pipeline::orientRect(*crop, static_cast<int>(picture.orient.rot) * 90, picture.orient.mirror);
         setRect(pixels(shown));
         angle_ = std::clamp(shown.angle, -kMostDegrees, kMostDegrees);
     } else {
@@ -172,8 +172,8 @@ void CropDraft::swapAspect()
 void CropDraft::expandToMax()
 {
     const double own = rect_.w / rect_.h;
-    const Crop open = Pipeline::expandCrop(unit(rect_, angle_), picture_.size,
-                                           aspectOf(aspectKind_).value_or(own), angle_);
+    const Crop open =
+        Pipeline::expandCrop(unit(rect_, angle_), picture_.size, aspectOf(aspectKind_).value_or(own), angle_);
     setRect(fitted(pixels(open), angle_));
 }
 
@@ -216,8 +216,8 @@ double CropDraft::greatestScale(const RectPx& rect, double degrees) const
     const double w = width(picture_.size), h = height(picture_.size);
     const double upright = std::min({2 * rect.centreX() / rect.w, 2 * (w - rect.centreX()) / rect.w,
                                      2 * rect.centreY() / rect.h, 2 * (h - rect.centreY()) / rect.h});
-    return std::max(
-        std::min(upright, Pipeline::maxCropScale(unit(rect, degrees), degrees, picture_.size)), 0.0);
+    return std::max(std::min(upright, Pipeline::maxCropScale(unit(rect, degrees), degrees, picture_.size)),
+                    0.0);
 }
 
 bool CropDraft::fits(const RectPx& rect, double degrees) const

@@ -87,8 +87,8 @@ RectPx CropGeometry::moved(const RectPx& rect, double dx, double dy, Size bounds
 RectPx CropGeometry::transposed(const RectPx& rect, Size bounds, double minSide)
 {
     if (!(rect.w > 0 && rect.h > 0)) return clamped(rect, bounds, minSide);
-    const double most = std::min(static_cast<double>(bounds.width) / rect.h,
-                                 static_cast<double>(bounds.height) / rect.w);
+    const double most =
+        std::min(static_cast<double>(bounds.width) / rect.h, static_cast<double>(bounds.height) / rect.w);
     const double scale = within(1.0, minSide / std::min(rect.w, rect.h), most);
     const double w = rect.h * std::min(scale, most), h = rect.w * std::min(scale, most);
     return clamped({rect.centreX() - w / 2, rect.centreY() - h / 2, w, h}, bounds, minSide);

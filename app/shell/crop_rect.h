@@ -24,8 +24,8 @@ namespace CropGeometry {
 RectPx clamped(const RectPx& rect, Size bounds, double minSide);
 /// The same size in another place.
 RectPx moved(const RectPx& rect, double dx, double dy, Size bounds);
-/// Width and height exchanged round the centre; shrunk as a whole where the bounds are too narrow, so that the
-/// ratio stays.
+/// Width and height exchanged round the centre; shrunk as a whole where the bounds are too narrow, so that
+/// the ratio stays.
 RectPx transposed(const RectPx& rect, Size bounds, double minSide);
 /// The handle's edge or corner follows an offset. aspect: width / height to be kept, the narrower way out;
 /// fromCentre: the centre stays, else the opposite edge or corner. Where the bounds leave less than minSide,

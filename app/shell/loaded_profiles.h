@@ -1,5 +1,5 @@
-// The profiles that settings name, where they load: what is offered and how a crop follows must not fail for a
-// profile that somebody deleted.
+// The profiles that settings name, where they load: what is offered and how a crop follows must not fail for
+// a profile that somebody deleted.
 #pragma once
 
 #include "core/profiles/formats/film_profile.h"

@@ -84,8 +84,7 @@ bool RackVisibility::isSoftFocus() const
 std::vector<std::string> wbPositions(bool isRAW, const FilmProfile& film, const std::string& stored)
 {
     constexpr double kDaylightK = 5500, kNothingK = 1;
-    const double balanceK =
-        film.balance ? film.balance->illuminantK.value_or(kDaylightK) : kDaylightK;
+    const double balanceK = film.balance ? film.balance->illuminantK.value_or(kDaylightK) : kDaylightK;
     std::vector<std::string> out;
     if (isRAW) out.push_back("asshot");
     out.push_back("film");

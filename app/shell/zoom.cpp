@@ -82,8 +82,8 @@ void Zoom::stepZoom(int direction)
         const auto next = std::ranges::find_if(rungs, [&](double r) { return r > now * (1 + kNextRung); });
         if (next != rungs.end()) setZoomPercent(*next);
     } else {
-        const auto last = std::find_if(rungs.rbegin(), rungs.rend(),
-                                       [&](double r) { return r < now * (1 - kNextRung); });
+        const auto last =
+            std::find_if(rungs.rbegin(), rungs.rend(), [&](double r) { return r < now * (1 - kNextRung); });
         if (last != rungs.rend()) setZoomPercent(*last);
     }
 }

@@ -129,8 +129,8 @@ TEST(CropDrafts, ATiltGivesBackWhatItTook)
     EXPECT_NEAR(draft.angle(), -std::atan(0.1) * 180 / 3.14159265358979, 1e-9) << "upright";
 }
 
-// Whatever is done, the rectangle lies in the picture and its corners in the source, and the stored crop comes
-// back as it was, however the frame is turned.
+// Whatever is done, the rectangle lies in the picture and its corners in the source, and the stored crop
+// comes back as it was, however the frame is turned.
 TEST(CropDrafts, AnyGestureStaysWithinThePicture)
 {
     std::mt19937 random(5);
@@ -208,7 +208,8 @@ TEST_F(CropSessionTest, ASessionIsOneStepOrNone)
     cropping.enterCropMode();
     cropping.change([](CropDraft& draft) { draft.setAngle(4); });
     model_.undo();
-    EXPECT_EQ(cropping.draft()->angle(), roll()[1].crop ? roll()[1].crop->angle : 0) << "what the frame says now";
+    EXPECT_EQ(cropping.draft()->angle(), roll()[1].crop ? roll()[1].crop->angle : 0)
+        << "what the frame says now";
     cropping.leaveCropMode();
     model_.sides.enterAB();
     EXPECT_FALSE(cropping.cropKeyEnabled());

@@ -18,7 +18,7 @@ using Names = std::set<std::string>;
 const Names kPlates{"ambrotype", "ferrotype"};
 const Names kNoGrade{"ambrotype", "ferrotype", "bw_graded3", "projector"};
 const Names kNoBlackWhite{"ambrotype", "ferrotype", "projector"};
-const Names kNoSheet{"color_scan",  "projector", "scan_film",   "scan_flatbed",
+const Names kNoSheet{"color_scan",   "projector", "scan_film",     "scan_flatbed",
                      "scan_minilab", "crt_mono",  "crt_trinitron", "crt_tv"};
 
 TEST(RackVisibilityRules, HoldForEveryFilmOnEveryPaper)
@@ -116,8 +116,17 @@ TEST(KnobRows, TurnGesturesIntoValues)
         const char* typed;
         std::optional<double> value;
     };
-    const Case cases[] = {{"1,5", 1.5},  {"\xE2\x88\x92" "2", -2}, {"abc", {}}, {" +0.50 EV", 0.5}, {"9", 5},
-                          {"1.2.3", {}}, {"", {}},      {"-", {}},   {"3 stops", 3}};
+    const Case cases[] = {{"1,5", 1.5},
+                          {"\xE2\x88\x92"
+                           "2",
+                           -2},
+                          {"abc", {}},
+                          {" +0.50 EV", 0.5},
+                          {"9", 5},
+                          {"1.2.3", {}},
+                          {"", {}},
+                          {"-", {}},
+                          {"3 stops", 3}};
     for (const Case& c : cases) {
         const auto entered = row.entered(c.typed);
         ASSERT_EQ(entered.has_value(), c.value.has_value()) << c.typed;
