@@ -14,7 +14,7 @@ namespace tamlo::cli {
 int runProject(const ProjectCommand& command, std::ostream& results);
 
 // The verbs, by file: project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp,
-// project_files.cpp, project_preview.cpp.
+// project_arrange.cpp, project_files.cpp, project_preview.cpp.
 int run(const ProjectAddArguments& arguments, std::ostream& results);
 int run(const ProjectShowArguments& arguments, std::ostream& results);
 int run(const ProjectCheckArguments& arguments, std::ostream& results);
@@ -27,6 +27,9 @@ int run(const ProjectPasteArguments& arguments, std::ostream& results);
 int run(const ProjectApplyArguments& arguments, std::ostream& results);
 int run(const ProjectResetArguments& arguments, std::ostream& results);
 int run(const ProjectRemoveArguments& arguments, std::ostream& results);
+int run(const ProjectOrderArguments& arguments, std::ostream& results);
+int run(const ProjectCropArguments& arguments, std::ostream& results);
+int run(const ProjectRerollArguments& arguments, std::ostream& results);
 int run(const ProjectLocateArguments& arguments, std::ostream& results);
 int run(const ProjectBackupsArguments& arguments, std::ostream& results);
 int run(const ProjectRestoreArguments& arguments, std::ostream& results);

@@ -1,5 +1,6 @@
 #include "cli/project_arguments.h"
 
+#include "app/shell/crop_draft.h"
 #include "core/text/loc.h"
 
 #include <CLI/CLI.hpp>
@@ -110,6 +111,32 @@ void describeEdits(CLI::App& project, ProjectCommand& into)
     takeFrames(*remove.app, *remove.arguments);
 }
 
+void describeArranging(CLI::App& project, ProjectCommand& into)
+{
+    const auto order = addVerb<ProjectOrderArguments>(project, "order", "cli.help.project.order", into);
+    takeRoll(*order.app, *order.arguments);
+    place(*order.app, "ORDER|FRAMES", order.arguments->frames, "cli.help.project.orderWord");
+    CLI::Option* before =
+        order.app->add_option("--before", order.arguments->before, T("cli.help.project.before"));
+    CLI::Option* after =
+        order.app->add_option("--after", order.arguments->after, T("cli.help.project.after"));
+    before->type_name("FRAME")->excludes(after);
+    after->type_name("FRAME");
+    const auto crop = addVerb<ProjectCropArguments>(project, "crop", "cli.help.project.crop", into);
+    takeFrames(*crop.app, *crop.arguments);
+    place(*crop.app, "CROP", crop.arguments->crop, "cli.help.project.cropWord")->required(false);
+    crop.app->add_option("--ratio", crop.arguments->ratio, T("cli.help.project.ratio"))
+        ->type_name("W:H|format");
+    crop.app->add_option("--level", crop.arguments->levelDegrees, T("cli.help.project.level"))
+        ->check(CLI::Range(-CropDraft::kMostDegrees, CropDraft::kMostDegrees))
+        ->type_name("DEG")
+        ->option_text("DEG");
+    const auto reroll = addVerb<ProjectRerollArguments>(project, "reroll", "cli.help.project.reroll", into);
+    takeFrames(*reroll.app, *reroll.arguments);
+    choice(place(*reroll.app, "STREAM", reroll.arguments->stream, "cli.help.project.stream"),
+           {"film", "frame", "print", "table", "develop"});
+}
+
 void describeCopying(CLI::App& project, ProjectCommand& into)
 {
     const auto copy = addVerb<ProjectCopyArguments>(project, "copy", "cli.help.project.copy", into);
@@ -175,6 +202,7 @@ void describeProject(CLI::App& app, ProjectCommand& into)
     describeIntake(*project, into);
     describeReading(*project, into);
     describeEdits(*project, into);
+    describeArranging(*project, into);
     describeCopying(*project, into);
     describePreview(*project, into);
     describeFiles(*project, into);

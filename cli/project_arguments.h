@@ -55,6 +55,19 @@ struct ProjectResetArguments : RollArguments {
     std::optional<std::string> block;
 };
 struct ProjectRemoveArguments : RollArguments {};
+/// order ROLL name|shot|reverse, order ROLL FRAMES --before|--after FRAME
+struct ProjectOrderArguments : RollArguments {
+    std::optional<std::string> before, after;
+};
+/// crop ROLL FRAMES X,Y,W,H[,ANGLE]|none, crop ROLL FRAMES [--ratio R] [--level DEG]
+struct ProjectCropArguments : RollArguments {
+    std::string crop;
+    std::optional<std::string> ratio;
+    std::optional<double> levelDegrees;
+};
+struct ProjectRerollArguments : RollArguments {
+    std::string stream;
+};
 /// locate ROLL FOLDER, locate ROLL FRAME FILE
 struct ProjectLocateArguments : RollArguments {
     std::optional<std::filesystem::path> file; ///< absent: `frames` is a folder
@@ -82,8 +95,9 @@ using ProjectCommand =
     std::variant<std::monostate, ProjectAddArguments, ProjectShowArguments, ProjectCheckArguments,
                  ProjectSetArguments, ProjectPresetArguments, ProjectMarkArguments, ProjectTurnArguments,
                  ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
-                 ProjectRemoveArguments, ProjectLocateArguments, ProjectBackupsArguments,
-                 ProjectRestoreArguments, ProjectRecentArguments, ProjectPreviewArguments>;
+                 ProjectRemoveArguments, ProjectOrderArguments, ProjectCropArguments, ProjectRerollArguments,
+                 ProjectLocateArguments, ProjectBackupsArguments, ProjectRestoreArguments,
+                 ProjectRecentArguments, ProjectPreviewArguments>;
 
 /// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
 void describeProject(CLI::App& app, ProjectCommand& into);

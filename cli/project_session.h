@@ -31,6 +31,7 @@ public:
     static std::unique_ptr<ProjectSession> fresh(const Path& named);
 
     AppModel& model() { return model_; }
+    const AppModel& model() const { return model_; }
     const Project& project() const { return model_.project(); }
     HeadlessQuestions& questions() { return questions_; }
     const Path& roll() const { return roll_; }

@@ -1,9 +1,8 @@
 #include "app/project/process_rules.h"
 
-#include "core/image/tamlo_error.h"
+#include "app/project/loaded.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/formats/json_codec.h"
-#include "core/profiles/formats/profile_error.h"
 #include "core/text/loc.h"
 
 #include <algorithm>
@@ -12,19 +11,6 @@
 namespace tamlo {
 
 namespace {
-
-/// What `load` gives, or nothing for a profile that does not load.
-template <typename Load>
-auto loaded(Load&& load) -> std::optional<decltype(load())>
-{
-    try {
-        return load();
-    } catch (const ProfileError&) {
-        return std::nullopt;
-    } catch (const TamloError&) {
-        return std::nullopt;
-    }
-}
 
 void copyOption(RenderOptions& to, const RenderOptions& from, const OptionRow& row)
 {

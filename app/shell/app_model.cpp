@@ -101,6 +101,11 @@ bool AppModel::redo()
     return apply(history_.redo(project_, seams_.loop.now()));
 }
 
+void AppModel::undoTo(std::size_t stepsLeft)
+{
+    while (history_.undoStack().size() > stepsLeft && undo()) {}
+}
+
 bool AppModel::apply(std::optional<History::Step> step)
 {
     if (!step) return false;
@@ -120,6 +125,7 @@ void AppModel::applySnapshot(const History::Step& step)
     for (const Frame& frame : project_.frames)
         if (!here.contains(frame.id)) seams_.views.load(frame.id);
     selection.normalize();
+    cropping.refreshCropSession();
     seams_.views.renderAllThumbs();
     if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
 }
@@ -132,6 +138,8 @@ void AppModel::stayOpen()
 
 void AppModel::adopt(Project project, std::optional<Path> url)
 {
+    cropping.leaveCropMode();
+    sides.exitAB();
     seams_.views.clear();
     project_ = std::move(project);
     projectURL_ = std::move(url);

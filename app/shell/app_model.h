@@ -5,10 +5,12 @@
 
 #include "app/project/history.h"
 #include "app/shell/copying.h"
+#include "app/shell/cropping.h"
 #include "app/shell/frame_views.h"
 #include "app/shell/importer.h"
 #include "app/shell/linker.h"
 #include "app/shell/marks.h"
+#include "app/shell/ordering.h"
 #include "app/shell/presets.h"
 #include "app/shell/questions.h"
 #include "app/shell/rack.h"
@@ -16,8 +18,10 @@
 #include "app/shell/removal.h"
 #include "app/shell/saver.h"
 #include "app/shell/selection.h"
+#include "app/shell/sides.h"
 #include "app/shell/spreading.h"
 #include "app/shell/turns.h"
+#include "app/shell/zoom.h"
 
 #include "platform/clipboard.h"
 #include "platform/preferences.h"
@@ -84,6 +88,8 @@ public:
 
     bool undo();
     bool redo();
+    /// Undoes until so many steps are left, for a list on screen.
+    void undoTo(std::size_t stepsLeft);
 
     /// From now on as a session does that stays open: saves by itself and keeps watch over the sources.
     void stayOpen();
@@ -115,6 +121,10 @@ public:
     Copying copying{*this};
     Spreading spreading{*this};
     Turns turns{*this};
+    Ordering ordering{*this};
+    Cropping cropping{*this};
+    Sides sides{*this};
+    Zoom zoom{*this};
     Removal removal{*this};
     Linker linker{*this};
     Importer importer{*this};

@@ -1,10 +1,9 @@
 #include "app/shell/format_follow.h"
 
-#include "core/image/tamlo_error.h"
+#include "app/shell/crop_aspect.h"
+#include "app/shell/loaded_profiles.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/render_size.h"
-#include "core/profiles/catalogue/profile_store.h"
-#include "core/profiles/formats/profile_error.h"
 #include "core/profiles/options/film_format.h"
 
 #include <algorithm>
@@ -13,17 +12,6 @@
 namespace tamlo {
 
 namespace {
-
-std::optional<FilmProfile> filmOf(const ProcessSettings& settings, const ProfileStore& store)
-{
-    try {
-        return store.film(settings.stock);
-    } catch (const ProfileError&) {
-        return std::nullopt;
-    } catch (const TamloError&) {
-        return std::nullopt;
-    }
-}
 
 bool isMadeIn(const FilmProfile& film, const std::string& format)
 {
@@ -45,14 +33,6 @@ std::optional<double> windowAspect(const ProcessSettings& settings, Size source,
     const auto result = Formats::formatWindow(*film, options, {source, source});
     if (!(result.windowShortPx > 0)) return std::nullopt;
     return result.windowLongPx / result.windowShortPx;
-}
-
-/// The tolerance by which a rectangle on screen is told to have a ratio.
-bool hasAspect(double ratio, double aspect)
-{
-    constexpr double kTolerance = 0.006;
-    if (ratio >= 1) return std::abs(ratio - aspect) < aspect * kTolerance;
-    return std::abs(ratio - 1 / aspect) < kTolerance;
 }
 
 bool liesWithin(const Crop& crop, Size source)

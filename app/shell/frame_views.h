@@ -17,6 +17,9 @@ struct FrameViews {
     /// The frame on the screen is to be rendered, its first tier after a delay.
     virtual void renderCurrent(double /*delaySeconds*/) {}
     virtual void cancelPendingRenders() {}
+    /// Another process is to be shown beside that of the frame on the screen, or no longer.
+    virtual void renderAB(const ProcessSettings&) {}
+    virtual void dropAB() {}
     /// The frame's source is to be read, or forgotten.
     virtual void load(const FrameID&) {}
     virtual void evict(const FrameID&) {}

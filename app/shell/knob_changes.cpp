@@ -1,9 +1,7 @@
 #include "app/shell/knob_changes.h"
 
-#include "core/image/tamlo_error.h"
-#include "core/profiles/catalogue/profile_store.h"
+#include "app/shell/loaded_profiles.h"
 #include "core/profiles/formats/json_codec.h"
-#include "core/profiles/formats/profile_error.h"
 #include "core/profiles/options/option_table.h"
 #include "core/text/loc.h"
 
@@ -110,17 +108,6 @@ bool differs(const RenderOptions& a, const RenderOptions& b, const char* option)
     row.write(a, before);
     row.write(b, after);
     return before != after;
-}
-
-std::optional<LensProfile> lensOf(const ProcessSettings& settings, const ProfileStore& store)
-{
-    try {
-        return store.lens(settings.lens);
-    } catch (const ProfileError&) {
-        return std::nullopt;
-    } catch (const TamloError&) {
-        return std::nullopt;
-    }
 }
 
 bool same(double a, double b)

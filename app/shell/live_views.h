@@ -34,6 +34,8 @@ public:
     void renderAllThumbs() override { tiles_.renderAll(); }
     void renderCurrent(double delaySeconds) override;
     void cancelPendingRenders() override { screen_.cancelPending(); }
+    void renderAB(const ProcessSettings& process) override { screen_.setSideB(process); }
+    void dropAB() override { screen_.setSideB(std::nullopt); }
     void load(const FrameID& id) override { loads_.load(id); }
     void evict(const FrameID& id) override;
     void openedFrame(const FrameID& id) override;

@@ -9,6 +9,9 @@ namespace tamlo {
 
 namespace {
 
+/// A preference: after a mark the cursor goes on.
+constexpr const char* kAdvanceKey = "advanceAfterMark";
+
 std::string nameOf(Mark mark)
 {
     if (mark == Mark::none) return T("mark.clear");
@@ -26,7 +29,13 @@ void Marks::setMark(const FrameID& id, Mark mark)
 void Marks::markCurrent(Mark mark)
 {
     const std::vector<FrameID> targets = model_.selection.actionTargets();
-    if (targets.size() == 1) return setMark(targets.front(), mark);
+    if (targets.size() == 1) {
+        const auto before = model_.selection.cursor();
+        setMark(targets.front(), mark);
+        const bool stayed = before && model_.selection.cursor() == before;
+        if (stayed && model_.seams().preferences.flag(kAdvanceKey).value_or(false)) model_.selection.step(1);
+        return;
+    }
     const bool allBearIt = std::ranges::all_of(
         targets, [&](const FrameID& id) { return model_.project().frame(id)->mark == mark; });
     assign(targets, allBearIt ? Mark::none : mark);

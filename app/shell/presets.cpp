@@ -35,4 +35,15 @@ std::size_t Presets::apply(const std::vector<FrameID>& ids, const Preset& preset
     return changed;
 }
 
+void Presets::applyToTargets(const Preset& preset, const std::string& name)
+{
+    if (!model_.sides.editsB()) {
+        apply(model_.selection.actionTargets(), preset, name);
+        return;
+    }
+    ProcessSettings settings = *model_.sides.abB();
+    applyPreset(settings, preset, name, model_.store());
+    model_.sides.setB(settings);
+}
+
 } // namespace tamlo

@@ -17,6 +17,8 @@ public:
     /// Stamps the preset's blocks on the frames as one step. name: shown where the preset has none. Returns
     /// how many frames changed.
     std::size_t apply(const std::vector<FrameID>& ids, const Preset& preset, const std::string& name);
+    /// The same for the targets of the rack, or for side B of two, which leaves no step.
+    void applyToTargets(const Preset& preset, const std::string& name);
 
 private:
     AppModel& model_;

@@ -16,6 +16,18 @@ ProcessSettings settingsOf(const Frame& frame)
     return frame.process ? *frame.process : ProcessSettings::fresh();
 }
 
+std::string streamTitle(Seeds::SeedStream stream)
+{
+    return T("seedStream." + std::string(Seeds::rawText(stream)));
+}
+
+void rolled(ProcessSettings& settings, Seeds::SeedStream stream)
+{
+    SeedVariants variants = settings.options.seedVariants.value_or(SeedVariants());
+    ++variants[std::string(Seeds::rawText(stream))];
+    settings.options.seedVariants = std::move(variants);
+}
+
 /// Works a change out once for all frames that share a process, so that they share the new one too.
 class SharedChange {
 public:
@@ -40,6 +52,7 @@ private:
 
 ProcessSettings Rack::rackSettings() const
 {
+    if (model_.sides.editsB()) return *model_.sides.abB();
     return model_.selection.screen() == Screen::develop ? model_.selection.currentProcess()
                                                         : ProcessSettings::fresh();
 }
@@ -65,6 +78,12 @@ void Rack::give(Frame& frame, Shared<ProcessSettings> process, Refit refit) cons
 }
 
 void Rack::setRackSettings(const ProcessSettings& to)
+{
+    if (model_.sides.editsB()) return model_.sides.setB(turned(*model_.sides.abB(), to));
+    takeSettings(to);
+}
+
+void Rack::takeSettings(const ProcessSettings& to)
 {
     const FrameRef frame = model_.selection.currentFrame();
     if (!frame || model_.selection.screen() != Screen::develop) return;
@@ -122,6 +141,44 @@ std::size_t Rack::resetBlock(const FrameIDs& ids, const std::string& title,
                         if (frame.process) give(frame, after(frame));
                     })
         .size();
+}
+
+void Rack::resetRackBlock(const std::string& title, const PresetSchema::Blocks& blocks)
+{
+    if (!model_.sides.editsB()) {
+        resetBlock(model_.selection.actionTargets(), title, blocks);
+        return;
+    }
+    ProcessSettings settings = *model_.sides.abB();
+    resetBlocks(settings, blocks);
+    model_.sides.setB(turned(*model_.sides.abB(), std::move(settings)));
+}
+
+std::size_t Rack::reroll(const FrameIDs& ids, Seeds::SeedStream stream)
+{
+    model_.endGesture();
+    const std::string title = streamTitle(stream);
+    const std::size_t changed = model_
+                                    .editFrames({T("undo.reroll", {{"stream", title}})}, ids,
+                                                [&](Frame& frame) {
+                                                    ProcessSettings settings = settingsOf(frame);
+                                                    rolled(settings, stream);
+                                                    give(frame, std::move(settings));
+                                                })
+                                    .size();
+    if (changed > 0) model_.tell(T("status.rerolled", {{"stream", title}}));
+    return changed;
+}
+
+void Rack::rerollRack(Seeds::SeedStream stream)
+{
+    if (!model_.sides.editsB()) {
+        if (const FrameRef frame = model_.selection.currentFrame()) reroll({frame->id}, stream);
+        return;
+    }
+    ProcessSettings settings = *model_.sides.abB();
+    rolled(settings, stream);
+    model_.sides.setB(settings);
 }
 
 std::size_t Rack::resetSettings(const FrameIDs& ids)

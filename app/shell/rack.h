@@ -4,6 +4,7 @@
 
 #include "app/project/frame.h"
 #include "app/shell/format_follow.h"
+#include "core/profiles/options/seed_stream.h"
 
 #include <functional>
 #include <string>
@@ -22,14 +23,22 @@ public:
 
     /// What the rack shows: the process of the frame on the develop screen, else a fresh one.
     ProcessSettings rackSettings() const;
-    /// A knob was turned: one step a gesture. Only on the develop screen.
+    /// A knob was turned: one step a gesture. Only on the develop screen; on side B of two, without a step.
     void setRackSettings(const ProcessSettings& to);
+    /// Settings for the frame on the develop screen, named by what they change.
+    void takeSettings(const ProcessSettings& to);
 
     /// Changes the process of frames as one step; a frame without one starts from a fresh one. Returns how
     /// many frames changed.
     std::size_t change(const FrameIDs& ids, const Change& change);
     /// Puts a block back to neutral on frames that have a process.
     std::size_t resetBlock(const FrameIDs& ids, const std::string& title, const PresetSchema::Blocks& blocks);
+    /// Puts a block of what the rack edits back to neutral.
+    void resetRackBlock(const std::string& title, const PresetSchema::Blocks& blocks);
+    /// Rolls one source of chance anew; returns how many frames changed.
+    std::size_t reroll(const FrameIDs& ids, Seeds::SeedStream stream);
+    /// The same for what the rack edits.
+    void rerollRack(Seeds::SeedStream stream);
     /// Makes originals of frames.
     std::size_t resetSettings(const FrameIDs& ids);
 

@@ -58,6 +58,10 @@ void Removal::take(const FrameIDs& ids)
         project.frames.arrange(places);
     });
     if (!changed) return;
+    if (cursor != selection.cursor()) {
+        model_.cropping.leaveCropMode();
+        model_.sides.exitAB();
+    }
     for (const FrameID& id : ids) model_.seams().views.evict(id);
     selection.setCursor(cursor);
     selection.normalize();

@@ -3,6 +3,8 @@
 #include "app/shell/app_model.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace tamlo {
 
@@ -62,15 +64,13 @@ void Selection::begin()
 void Selection::openFrame(const FrameID& id)
 {
     if (!model_.project().frame(id)) return;
+    if (id != cursor_) {
+        model_.cropping.applyCropAndExit();
+        model_.sides.exitAB();
+    }
     setCursor(id);
     screen_ = Screen::develop;
     model_.seams().views.openedFrame(id);
-}
-
-void Selection::backToGrid()
-{
-    screen_ = Screen::grid;
-    model_.seams().views.backToGrid();
 }
 
 void Selection::setCursor(std::optional<FrameID> id)
@@ -132,6 +132,79 @@ std::optional<FrameID> Selection::nextVisibleID(const FrameID& id, const FrameID
     return nearestFrom(project.frames, *place, [&](const Frame& frame) {
         return frame.id != id && !out.contains(frame.id) && includes(project.filter, frame.mark);
     });
+}
+
+void Selection::goTo(std::ptrdiff_t visibleIndex, bool extend)
+{
+    const FrameIDs visible = visibleIDs();
+    if (visibleIndex < 0 || visibleIndex >= std::ssize(visible)) return;
+    const FrameID id = visible[static_cast<std::size_t>(visibleIndex)];
+    if (extend && screen_ == Screen::grid) return extendSelection(id);
+    if (screen_ == Screen::develop) openFrame(id);
+    select({id});
+}
+
+void Selection::step(int delta, bool extend)
+{
+    const FrameIDs visible = visibleIDs();
+    const auto at = cursor_ ? std::ranges::find(visible, *cursor_) : visible.end();
+    if (at != visible.end()) goTo(at - visible.begin() + delta, extend);
+}
+
+void Selection::stepRow(int delta, bool extend)
+{
+    const FrameIDs visible = visibleIDs();
+    const auto at = cursor_ ? std::ranges::find(visible, *cursor_) : visible.end();
+    if (at == visible.end()) return;
+    const std::ptrdiff_t to = at - visible.begin() + std::ptrdiff_t{delta} * gridColumns_;
+    goTo(std::clamp<std::ptrdiff_t>(to, 0, std::ssize(visible) - 1), extend);
+}
+
+void Selection::moveCursorToEdge(bool first, bool extend)
+{
+    goTo(first ? 0 : std::ssize(visibleIDs()) - 1, extend);
+}
+
+void Selection::extendSelection(const FrameID& to)
+{
+    const FrameIDs visible = visibleIDs();
+    const FrameID from = anchor_ ? *anchor_ : cursor_.value_or(to);
+    auto a = std::ranges::find(visible, from), b = std::ranges::find(visible, to);
+    if (a == visible.end() || b == visible.end()) return;
+    if (b < a) std::swap(a, b);
+    selected_ = {a, b + 1};
+    anchor_ = from;
+    setCursor(to);
+}
+
+void Selection::toggleSelection(const FrameID& id)
+{
+    if (selected_.erase(id) == 0) selected_.insert(id);
+    anchor_ = id;
+    setCursor(id);
+    normalize();
+}
+
+void Selection::selectAllVisible()
+{
+    const FrameIDs visible = visibleIDs();
+    selected_ = {visible.begin(), visible.end()};
+}
+
+void Selection::selectMarquee(const FrameIDs& base, const FrameIDs& ids)
+{
+    selected_ = {base.begin(), base.end()};
+    selected_.insert(ids.begin(), ids.end());
+    normalize();
+}
+
+void Selection::backToGrid()
+{
+    model_.cropping.applyCropAndExit();
+    model_.sides.exitAB();
+    screen_ = Screen::grid;
+    normalize();
+    model_.seams().views.backToGrid();
 }
 
 } // namespace tamlo

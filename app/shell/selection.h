@@ -39,6 +39,23 @@ public:
     void backToGrid();
     void setCursor(std::optional<FrameID> id);
     void select(const FrameIDs& ids);
+
+    // Moving through the visible frames. Nothing happens beyond the ends.
+
+    /// To a neighbour: on the grid it is selected, on the develop screen opened. extend: the selection
+    /// reaches from its anchor to there.
+    void step(int delta, bool extend = false);
+    /// By rows of the grid.
+    void stepRow(int delta, bool extend = false);
+    void moveCursorToEdge(bool first, bool extend = false);
+    void extendSelection(const FrameID& to);
+    void toggleSelection(const FrameID& id);
+    void selectAllVisible();
+    /// What was selected before and what the rubber band touches.
+    void selectMarquee(const FrameIDs& base, const FrameIDs& ids);
+    int gridColumns() const { return gridColumns_; }
+    void setGridColumns(int columns) { gridColumns_ = columns < 1 ? 1 : columns; }
+
     /// The project's filter. No undo step.
     void setFilter(GridFilter filter);
 
@@ -50,7 +67,10 @@ public:
     std::optional<FrameID> nextVisibleID(const FrameID& id, const FrameIDs& leaving) const;
 
 private:
+    void goTo(std::ptrdiff_t visibleIndex, bool extend);
+
     AppModel& model_;
+    int gridColumns_ = 6;
     Screen screen_ = Screen::grid;
     std::optional<FrameID> cursor_, anchor_;
     std::unordered_set<FrameID> selected_;

@@ -176,6 +176,36 @@ TEST_F(ProjectTest, EditsReachTheirFramesAndNoOthers)
     EXPECT_TRUE(fs::exists(scratch_ / "photos" / "img1.jpg")) << "files stay";
 }
 
+TEST_F(ProjectTest, FramesAreOrderedCutAndRerolled)
+{
+    make();
+    const auto first = [&] { return fs::path(frames("1")[0]["file"].get<std::string>()).filename(); };
+    expectChanged({"order", "roll", "reverse"}, 4);
+    EXPECT_EQ(first(), "img10.jpg");
+    expectChanged({"order", "roll", "img2.jpg", "--before", "1"}, 2);
+    EXPECT_EQ(first(), "img2.jpg");
+    expectChanged({"order", "roll", "1,2", "--after", "4"}, 4);
+    expectChanged({"order", "roll", "name"}, 2);
+    expectRefused({"order", "roll", "2"}, 2, "--before");
+    expectRefused({"order", "roll", "1-2", "--after", "3-4"}, 2, "must mean one frame");
+
+    expectChanged({"crop", "roll", "1-3", "0.1,0.1,0.5,0.5"}, 3);
+    expectChanged({"crop", "roll", "all", "--ratio", "1:1"}, 4);
+    const Json square = frames("4")[0]["crop"];
+    EXPECT_NEAR(square[1].get<double>(), 0, 1e-9);
+    expectChanged({"crop", "roll", "4", "--level", "-3"}, 1);
+    EXPECT_EQ(frames("4")[0]["crop"][4], -3);
+    expectChanged({"crop", "roll", "all", "none"}, 4);
+    expectRefused({"crop", "roll", "1", "0.5,0.5,0.6,0.6"}, 2, "is no crop");
+    expectRefused({"crop", "roll", "1", "--ratio", "wide"}, 2, "is no ratio");
+    expectRefused({"crop", "roll", "1"}, 2, "--ratio");
+    expectRefused({"crop", "roll", "1", "--level", "60"}, 2, "45");
+
+    expectChanged({"reroll", "roll", "1,2", "film"}, 2);
+    EXPECT_EQ(frames("1")[0]["process"]["options"]["seed_variants"]["film"], 1);
+    expectRefused({"reroll", "roll", "1", "roof"}, 2, "STREAM");
+}
+
 TEST_F(ProjectTest, LostFilesAreFoundAgain)
 {
     make();

@@ -18,7 +18,8 @@ namespace tamlo::test {
 struct RecordingViews : FrameViews {
     void renderThumbs(const std::vector<FrameID>& ids) override { rendered += ids.size(); }
     void load(const FrameID&) override { ++loaded; }
-    std::size_t rendered = 0, loaded = 0;
+    void renderAB(const ProcessSettings&) override { ++renderedB; }
+    std::size_t rendered = 0, loaded = 0, renderedB = 0;
 };
 
 class SessionTest : public testing::Test {
