@@ -111,9 +111,6 @@ TEST(Sensitometry, GranularityIsThatOfTheDataSheet)
 TEST(Sensitometry, SaysWhatCannotBeMeasured)
 {
     EXPECT_THROW(measure(store().film("three_plates_1909"), nullptr, {}), TamloError);
-    PaperProfile tube = store().paper("bw_neutral");
-    tube.repro = "crt";
-    EXPECT_THROW(measure(store().film("trix400"), &tube, {}), TamloError);
     FilmProfile bare;
     bare.type = "bw";
     EXPECT_THROW(measure(bare, nullptr, {}), ProfileError);
