@@ -97,7 +97,10 @@ private:
     platform::SerialQueue queue_;                ///< last: joined before the rest goes
 };
 
-/// The real renders: on the CPU, the view's in the arena that goes first, tiles behind it.
-KeyedRenderer::Render viewRender(const ProfileStore& store);
+class CalibrationCache;
+
+/// The real renders: on the CPU, the view's in the arena that goes first, tiles behind it. calibrations: null
+/// for none that outlive the process.
+KeyedRenderer::Render viewRender(const ProfileStore& store, CalibrationCache* calibrations = nullptr);
 
 } // namespace tamlo

@@ -2,6 +2,8 @@
 
 #include "app/shell/app_model.h"
 #include "core/image/tamlo_error.h"
+#include "core/pipeline/pipeline.h"
+#include "core/profiles/catalogue/profile_store.h"
 #include "platform/memory.h"
 
 #include <algorithm>
@@ -29,7 +31,8 @@ LiveViews::LiveViews(Previews::Config config)
                      const FrameScreen::Image& image) {
                   image ? tiles_.adopt(id, process, image) : tiles_.giveUp(id);
               }),
-      housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility)
+      housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility),
+      preparation_(previews_.loop, "tamlo.grain")
 {
     previews_.onGrown = [this] { trimLater(); };
 }
@@ -99,8 +102,35 @@ void LiveViews::evict(const FrameID& id)
     screen_.forget(id);
 }
 
+/// While a frame's source is read, the calibration that its render will ask for is looked up, or solved.
+void LiveViews::prepareGrain(const FrameID& id)
+{
+    const FrameRef frame = model_->project().frame(id);
+    if (!frame || !frame->process || previews_.isScripted || previews_.frames.source(id)) return;
+    std::optional<Size> known;
+    if (const auto shape = loads_.shape(id)) known = Size{shape->fullWidth, shape->fullHeight};
+    preparation_.run(
+        [&previews = previews_, known, frame,
+         process = renderProcess(*frame->process, *frame, std::nullopt, model_->project().cropGate)] {
+            try {
+                const auto size = known ? known : SourceDecode::fullPixelSize(frame->url);
+                if (!size) return 0;
+                const RenderChoices choices = choicesOf(process, previews.store);
+                previews.calibrations.during(previews.store.data(ProfileKind::films, process.stock), [&] {
+                    Pipeline::prepareGrain(resizedSize(*size, ProxyFile::kProxyLong), choices.film,
+                                           choices.paper, choices.options);
+                });
+            } catch (const std::exception&) {
+                // The render tells of it.
+            }
+            return 0;
+        },
+        [](int) {});
+}
+
 void LiveViews::openedFrame(const FrameID& id)
 {
+    prepareGrain(id);
     previews_.frames.dropBigDetail(id);
     previews_.frames.cancelDetail();
     if (const auto left = std::exchange(onScreen_, id); left && *left != id)

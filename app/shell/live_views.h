@@ -48,6 +48,7 @@ public:
 private:
     void syncPins();
     void trimLater();
+    void prepareGrain(const FrameID& id);
 
     Previews previews_;
     AppModel* model_ = nullptr;
@@ -57,7 +58,7 @@ private:
     std::vector<FrameID> visibleTiles_;
     std::optional<FrameID> onScreen_;
     platform::Timer daily_;
-    Background housekeeping_; // last: joined before the rest goes
+    Background housekeeping_, preparation_; // last: joined before the rest goes
 };
 
 } // namespace tamlo
