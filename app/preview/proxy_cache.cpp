@@ -83,11 +83,6 @@ std::optional<std::string> ProxyCache::openProject() const
     return open_;
 }
 
-void ProxyCache::bindToOpenProject(const std::vector<std::string>& keys)
-{
-    if (const auto open = openProject()) index_.bind(keys, *open);
-}
-
 void ProxyCache::store(const FrameSource& source, const std::string& key)
 {
     const std::string name = ProxyFile::name(key);

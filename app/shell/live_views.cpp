@@ -16,6 +16,21 @@ constexpr double kDaySeconds = 86'400;
 constexpr const char* kCapPreference = "proxyCacheCapGB";
 constexpr double kOpenDelaySeconds = 0.25;
 
+/// Keys of a project's proxies and tiles, by their paths in the cache.
+std::vector<std::string> keysOf(const Project& project, const Previews& previews)
+{
+    std::vector<std::string> keys;
+    for (const Frame& frame : project.frames) {
+        if (frame.fingerprint)
+            keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
+        for (const bool originals : {false, true})
+            if (const auto key = Tiles::viewKey(frame, project.cropGate, originals, previews))
+                for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
+                    keys.push_back(ThumbCache::path(*key, raster));
+    }
+    return keys;
+}
+
 } // namespace
 
 LiveViews::LiveViews(Previews::Config config)
@@ -42,6 +57,8 @@ LiveViews::~LiveViews()
     screen_.clear();
     previews_.renderer.cancel("");
     tiles_.flush(true);
+    ends_ = true;
+    housekeeping_.drain(); // whose files they are is written down
 }
 
 void LiveViews::attach(AppModel& model)
@@ -57,8 +74,8 @@ void LiveViews::trimLater()
 {
     const auto cap = ProxyCache::capBytes(model_->seams().preferences.number(kCapPreference));
     housekeeping_.run(
-        [&cache = previews_.cache, cap, now = previews_.loop.date()] {
-            cache.trim(cap, platform::freeBytes(cache.directory()), now);
+        [&cache = previews_.cache, &ends = ends_, cap, now = previews_.loop.date()] {
+            if (!ends) cache.trim(cap, platform::freeBytes(cache.directory()), now);
             return 0;
         },
         [](int) {});
@@ -146,42 +163,39 @@ void LiveViews::backToGrid()
     tiles_.renderAll();
 }
 
-std::vector<std::string> LiveViews::projectKeys() const
+void LiveViews::bindLater(const std::string& id)
 {
-    std::vector<std::string> keys;
-    for (const Frame& frame : model_->project().frames) {
-        if (frame.fingerprint)
-            keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
-        for (const bool originals : {false, true})
-            if (const auto key = tiles_.viewKey(frame, originals))
-                for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
-                    keys.push_back(ThumbCache::path(*key, raster));
-    }
-    return keys;
+    housekeeping_.run(
+        [&previews = previews_, id, project = model_->project()] {
+            previews.cache.index().bind(keysOf(project, previews), id);
+            return 0;
+        },
+        [](int) {});
 }
 
 void LiveViews::openedProject()
 {
     const AppSeams& seams = model_->seams();
     if (!seams.registry || !model_->projectURL()) return;
+    std::optional<std::string> id;
     try {
         const auto exists = [](const std::string& path) {
             std::error_code ignored;
             return std::filesystem::exists(path, ignored);
         };
-        previews_.cache.setOpenProject(
-            ProjectRegistry::idFor(seams.registry->load(), *model_->projectURL(), exists));
+        id = ProjectRegistry::idFor(seams.registry->load(), *model_->projectURL(), exists);
     } catch (const TamloError&) {
         return; // a registry that can't be read: the files are nobody's for now
     }
-    previews_.cache.bindToOpenProject(projectKeys());
+    previews_.cache.setOpenProject(id);
+    if (id) bindLater(*id);
     trimLater();
 }
 
 void LiveViews::closingProject()
 {
     tiles_.flush(true);
-    previews_.cache.bindToOpenProject(projectKeys());
+    if (const auto id = previews_.cache.openProject()) bindLater(*id);
     previews_.cache.setOpenProject(std::nullopt);
     trimLater();
 }

@@ -62,6 +62,7 @@ void Selection::begin()
 void Selection::openFrame(const FrameID& id)
 {
     if (!model_.project().frame(id)) return;
+    model_.beginAction();
     setCursor(id);
     screen_ = Screen::develop;
     model_.seams().views.openedFrame(id);
@@ -69,6 +70,7 @@ void Selection::openFrame(const FrameID& id)
 
 void Selection::backToGrid()
 {
+    model_.beginAction();
     screen_ = Screen::grid;
     model_.seams().views.backToGrid();
 }

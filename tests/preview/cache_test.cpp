@@ -168,7 +168,7 @@ TEST_F(Cache, TheIndexOutlivesTheProgramAndTakesOthersNewsIn)
     cache_->flush();
     other.setOpenProject("theirs");
     other.store(sourceOf(30, 20, true), keyNumber(2));
-    other.bindToOpenProject({name});
+    other.index().bind({name}, "theirs");
     other.flush();
     cache_->index().touch(name, now_ = now_ + 4000);
     cache_->flush();
