@@ -126,7 +126,7 @@ void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
             const auto shown = shown_.find(id);
             const bool isThere = shown != shown_.end() && shown->second == key && !stubs_[id];
             if (!isWanted(id, key) || isThere) return; // the develop screen was quicker
-            if (found.image) show(id, key, std::move(found.image), found.isStub);
+            if (found.image) show(id, key, found.image, found.isStub);
             if (found.image && !found.isStale) {
                 persisted_[id] = key;
                 pending_.erase(id);

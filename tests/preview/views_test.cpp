@@ -188,6 +188,7 @@ TEST_F(Views, TheTiersComeOneAfterTheOther)
 TEST_F(Views, ASmallPhotographHasNoTiers)
 {
     sources_.fullLong = 1800;
+    sources_.frameMs = 20; // however late its proxy comes
     open({"a.jpg"});
     model_->selection.openFrame(id(0));
     settleAll();
@@ -262,6 +263,7 @@ TEST_F(Views, TilesComeFromTheCacheAndNoSourceIsOpened)
     begin();
     model_->saver.adopt(changed);
     settleAll();
+    EXPECT_EQ(views_->previews().frames.sourceBytes(), 0) << "not even from the cache";
     EXPECT_NEAR(views_->tiles().tile(id(0))->rgba[0], 40, 1);
     EXPECT_EQ(sources_.proxies, 0);
     EXPECT_EQ(sources_.count("thumb"), 3u);
