@@ -24,7 +24,13 @@ public:
     static std::string view(int n) { return std::string(63, 'a') + std::to_string(n) + "-1.0"; }
     static FrameSource source(int n)
     {
-        return {RGBImage(60, 40, {static_cast<float>(n), 0.5f, 0.25f}), {}, 6000, 4000, false, WBMode::film, true};
+        return {RGBImage(60, 40, {static_cast<float>(n), 0.5f, 0.25f}),
+                {},
+                6000,
+                4000,
+                false,
+                WBMode::film,
+                true};
     }
     static ReadyImage tile() { return {48, 32, std::vector<std::uint8_t>(48 * 32 * 4, 90)}; }
 
