@@ -32,9 +32,10 @@ constexpr double kMost = 1.0;
 struct Choice {
     const char *film, *paper;
 };
-constexpr Choice kChoices[] = {{"portra400", "color_ra4"},   {"gold200", "color_ra4"}, {"cinestill800t", "color_ra4"},
-                               {"trix400", "bw_neutral"},    {"hp5", "bw_fb_warm"},    {"delta3200", "bw_neutral"},
-                               {"velvia50", "cibachrome"}, {"provia100f", "projector"}};
+constexpr Choice kChoices[] = {{"portra400", "color_ra4"},     {"gold200", "color_ra4"},
+                               {"cinestill800t", "color_ra4"}, {"trix400", "bw_neutral"},
+                               {"hp5", "bw_fb_warm"},          {"delta3200", "bw_neutral"},
+                               {"velvia50", "cibachrome"},     {"provia100f", "projector"}};
 
 /// CIE L*a*b* of display-linear sRGB under D65.
 Vec3d labOf(const float* rgb)
@@ -54,7 +55,9 @@ Vec3d labOf(const float* rgb)
 double ciede2000(const Vec3d& one, const Vec3d& two)
 {
     constexpr double kPi = std::numbers::pi, kDegree = kPi / 180.0;
-    const auto pow7 = [](double c) { return std::sqrt(std::pow(c, 7.0) / (std::pow(c, 7.0) + std::pow(25.0, 7.0))); };
+    const auto pow7 = [](double c) {
+        return std::sqrt(std::pow(c, 7.0) / (std::pow(c, 7.0) + std::pow(25.0, 7.0)));
+    };
     const double meanC = (std::hypot(one[1], one[2]) + std::hypot(two[1], two[2])) / 2.0;
     const double stretch = 1.5 - 0.5 * pow7(meanC);
     const double a1 = one[1] * stretch, a2 = two[1] * stretch;
@@ -76,7 +79,8 @@ double ciede2000(const Vec3d& one, const Vec3d& two)
     const double t = 1.0 - 0.17 * std::cos(h - 30.0 * kDegree) + 0.24 * std::cos(2.0 * h) +
                      0.32 * std::cos(3.0 * h + 6.0 * kDegree) - 0.20 * std::cos(4.0 * h - 63.0 * kDegree);
     const double turn = 30.0 * kDegree * std::exp(-std::pow((h / kDegree - 275.0) / 25.0, 2.0));
-    const double sl = 1.0 + 0.015 * l * l / std::sqrt(20.0 + l * l), sc = 1.0 + 0.045 * c, sh = 1.0 + 0.015 * c * t;
+    const double sl = 1.0 + 0.015 * l * l / std::sqrt(20.0 + l * l), sc = 1.0 + 0.045 * c,
+                 sh = 1.0 + 0.015 * c * t;
     const double lp = dL / sl, cp = dC / sc, hp = dH / sh;
     return std::sqrt(lp * lp + cp * cp + hp * hp - std::sin(2.0 * turn) * 2.0 * pow7(c) * cp * hp);
 }
@@ -91,8 +95,7 @@ RGBImage blockMeans(const RGBImage& image)
             for (std::int64_t c = 0; c < 3; ++c) {
                 double sum = 0.0;
                 for (std::int64_t i = 0; i < kBlock * kBlock; ++i) {
-                    const std::int64_t at =
-                        (y * kBlock + i / kBlock) * image.width + x * kBlock + i % kBlock;
+                    const std::int64_t at = (y * kBlock + i / kBlock) * image.width + x * kBlock + i % kBlock;
                     sum += image.data.data()[at * 3 + c];
                 }
                 *to++ = static_cast<float>(sum / (kBlock * kBlock));
@@ -132,7 +135,8 @@ struct Photo {
 
 Photo photoOf(const std::filesystem::path& file)
 {
-    return {file.stem().string(), SourceDecode::proxy(file, WBMode::film), SourceDecode::full(file, 0, WBMode::film)};
+    return {file.stem().string(), SourceDecode::proxy(file, WBMode::film),
+            SourceDecode::full(file, 0, WBMode::film)};
 }
 
 std::array<RGBImage, 3> prints(const Photo& photo, const RenderChoices& choices)
@@ -146,7 +150,8 @@ std::array<RGBImage, 3> prints(const Photo& photo, const RenderChoices& choices)
                                 print(resized(photo.whole, whole))};
     // All to one size: a short side that rounds the other way would lay the pictures a pixel apart.
     const Size size = resizedSize(out[2].size(), kComparedLong);
-    for (RGBImage& tier : out) tier = pilResize(std::move(tier), size.width, size.height, Resampling::lanczos);
+    for (RGBImage& tier : out)
+        tier = pilResize(std::move(tier), size.width, size.height, Resampling::lanczos);
     return out;
 }
 
@@ -171,8 +176,8 @@ bool compare(const Photo& photo, const Choice& choice)
             figures[(grain ? 2 : 0) + i] = grain ? mean(all) : percentile95(all);
         }
     }
-    std::printf("| %s | %s | %s | %.2f | %.2f | %.2f | %.2f |\n", choice.film, choice.paper, photo.name.c_str(),
-                figures[0], figures[1], figures[2], figures[3]);
+    std::printf("| %s | %s | %s | %.2f | %.2f | %.2f | %.2f |\n", choice.film, choice.paper,
+                photo.name.c_str(), figures[0], figures[1], figures[2], figures[3]);
     std::fflush(stdout);
     return std::ranges::all_of(figures, [](double figure) { return figure <= kMost; });
 }
@@ -188,7 +193,8 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        std::printf("| film | paper | photograph | proxy, p95 without grain | screen, p95 without grain | proxy, mean "
+        std::printf("| film | paper | photograph | proxy, p95 without grain | screen, p95 without grain | "
+                    "proxy, mean "
                     "with grain | screen, mean with grain |\n|---|---|---|---|---|---|---|\n");
         bool holds = true;
         for (int i = 1; i < argc; ++i) {
