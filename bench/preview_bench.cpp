@@ -1,6 +1,6 @@
-// How quickly a picture answers and how little it costs to see a roll again, each beside the bare operation in
-// the same run. Times are wall times of the fastest round, with the processor's time beside them, which is what
-// counts on a busy machine; E_ms is one E of a proxy's samples in this run.
+// How quickly a picture answers and how little it costs to see a roll again, each beside the bare operation
+// in the same run. Times are wall times of the fastest round, with the processor's time beside them, which is
+// what counts on a busy machine; E_ms is one E of a proxy's samples in this run.
 //   TAMLO_SOAK_SECONDS=3600 preview_bench --benchmark_filter=soak     an hour of a session, for growth
 #include "bench/bench_picture.h"
 #include "bench/unit_e.h"
@@ -74,7 +74,8 @@ void bareProxy(benchmark::State& state)
     const CPUBackend backend;
     const RenderChoices choices = choicesOf(negative(), ProfileStore::shared());
     backend.processReady(proxy(), choices); // the film's calibration
-    inE(state, proxy().pixelCount() * 3, [&] { benchmark::DoNotOptimize(backend.processReady(proxy(), choices)); });
+    inE(state, proxy().pixelCount() * 3,
+        [&] { benchmark::DoNotOptimize(backend.processReady(proxy(), choices)); });
 }
 BENCHMARK(bareProxy)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 
@@ -136,8 +137,7 @@ void knobBesideAnExport(benchmark::State& state)
         platform::runIn(platform::WorkArena::background, [&] {
             try {
                 while (!ends) benchmark::DoNotOptimize(backend.process(master, choices));
-            } catch (const TamloError&) {
-            }
+            } catch (const TamloError&) {}
         });
     });
     Session session;
@@ -193,11 +193,15 @@ struct Cached {
     ProxyCache cache{{folder / "cache", [] { return 1.8e9; }}};
     ThumbCache thumbs{cache};
 
-    static std::string key(int n) { return ProxyFile::key({n, 0, static_cast<std::uint64_t>(n)}, WBMode::film); }
+    static std::string key(int n)
+    {
+        return ProxyFile::key({n, 0, static_cast<std::uint64_t>(n)}, WBMode::film);
+    }
     static std::string view(int n) { return key(n) + "-1.0"; }
     static FrameSource source()
     {
-        return {proxy(), SourceExposure::Stats{0.01, 0.2, 0.9, 4000, 6000}, 6000, 4000, true, WBMode::film, true};
+        return {proxy(), SourceExposure::Stats{0.01, 0.2, 0.9, 4000, 6000}, 6000, 4000, true, WBMode::film,
+                true};
     }
     static ReadyImage tile() { return ImageWriter::readyImage(resized(proxy(), 1024)); }
 };

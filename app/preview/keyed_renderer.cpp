@@ -140,7 +140,7 @@ KeyedRenderer::Outcome KeyedRenderer::outcomeOf(Job& job)
 void KeyedRenderer::answer(Completion completion, Outcome outcome)
 {
     if (!completion) return;
-    loop_.post([alive = std::weak_ptr<bool>(alive_), completion = std::move(completion),
+    loop_.post([alive = isAlive_, completion = std::move(completion),
                 outcome = std::make_shared<Outcome>(std::move(outcome))] {
         if (!alive.expired()) completion(std::move(*outcome));
     });

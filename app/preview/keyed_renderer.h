@@ -90,6 +90,7 @@ private:
     Render render_;
     std::shared_ptr<std::atomic<std::int64_t>> ticket_ = std::make_shared<std::atomic<std::int64_t>>(0);
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); ///< completions are dropped with us
+    const std::weak_ptr<bool> isAlive_ = alive_; ///< the same for other threads, which never see it change
     mutable std::mutex mutex_;
     std::list<Job> pending_; ///< in order of arrival; a replaced one keeps its place
     std::string runningKey_;
