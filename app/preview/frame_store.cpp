@@ -74,7 +74,7 @@ FrameStore::~FrameStore()
 
 void FrameStore::complete(std::function<void()> completion)
 {
-    loop_.post([alive = std::weak_ptr<bool>(alive_), completion = std::move(completion)] {
+    loop_.post([alive = isAlive_, completion = std::move(completion)] {
         if (!alive.expired()) completion();
     });
 }

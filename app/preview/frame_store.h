@@ -133,6 +133,7 @@ private:
     std::int64_t capBytes_;
     std::size_t concurrency_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    const std::weak_ptr<bool> isAlive_ = alive_; ///< the same for other threads, which never see it change
 
     mutable std::mutex mutex_;                         ///< of everything below but the queues
     std::list<std::pair<FrameID, SourceRef>> sources_; ///< the first is the next to go

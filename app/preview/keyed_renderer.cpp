@@ -1,9 +1,10 @@
 #include "app/preview/keyed_renderer.h"
 
+#include "app/preview/calibration_cache.h"
 #include "core/image/cancellation.h"
 #include "core/image/orient.h"
 #include "core/pipeline/crop_geometry.h"
-#include "core/profiles/formats/profile_error.h"
+#include "core/profiles/catalogue/profile_store.h"
 #include "platform/work_arena.h"
 
 #include <algorithm>
@@ -139,16 +140,33 @@ KeyedRenderer::Outcome KeyedRenderer::outcomeOf(Job& job)
 void KeyedRenderer::answer(Completion completion, Outcome outcome)
 {
     if (!completion) return;
-    loop_.post([alive = std::weak_ptr<bool>(alive_), completion = std::move(completion),
+    loop_.post([alive = isAlive_, completion = std::move(completion),
                 outcome = std::make_shared<Outcome>(std::move(outcome))] {
         if (!alive.expired()) completion(std::move(*outcome));
     });
 }
 
-KeyedRenderer::Render viewRender(const ProfileStore& store)
+namespace {
+
+ReadyImage print(RGBImage image, const ProcessSettings& process, const ProfileStore& store,
+                 CalibrationCache* calibrations, const std::function<bool()>& shouldCancel)
 {
-    return [&store](const std::string& key, KeyedRenderer::Request request,
-                    const std::function<bool()>& shouldCancel) {
+    CPUBackend backend;
+    backend.hooks.shouldCancel = shouldCancel;
+    const RenderChoices choices = choicesOf(process, store);
+    if (!calibrations) return backend.processReady(std::move(image), choices);
+    ReadyImage out;
+    calibrations->during(store.data(ProfileKind::films, process.stock),
+                         [&] { out = backend.processReady(std::move(image), choices); });
+    return out;
+}
+
+} // namespace
+
+KeyedRenderer::Render viewRender(const ProfileStore& store, CalibrationCache* calibrations)
+{
+    return [&store, calibrations](const std::string& key, KeyedRenderer::Request request,
+                                  const std::function<bool()>& shouldCancel) {
         ReadyImage out;
         const bool isTile = key.starts_with("thumb:");
         platform::runIn(isTile ? platform::WorkArena::background : platform::WorkArena::view, [&] {
@@ -160,9 +178,7 @@ KeyedRenderer::Render viewRender(const ProfileStore& store)
                 out = originalPicture(std::move(image), request);
                 return;
             }
-            CPUBackend backend;
-            backend.hooks.shouldCancel = shouldCancel;
-            out = backend.processReady(std::move(image), choicesOf(*request.process, store));
+            out = print(std::move(image), *request.process, store, calibrations, shouldCancel);
         });
         return out;
     };

@@ -90,6 +90,7 @@ private:
     Render render_;
     std::shared_ptr<std::atomic<std::int64_t>> ticket_ = std::make_shared<std::atomic<std::int64_t>>(0);
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); ///< completions are dropped with us
+    const std::weak_ptr<bool> isAlive_ = alive_; ///< the same for other threads, which never see it change
     mutable std::mutex mutex_;
     std::list<Job> pending_; ///< in order of arrival; a replaced one keeps its place
     std::string runningKey_;
@@ -97,7 +98,10 @@ private:
     platform::SerialQueue queue_;                ///< last: joined before the rest goes
 };
 
-/// The real renders: on the CPU, the view's in the arena that goes first, tiles behind it.
-KeyedRenderer::Render viewRender(const ProfileStore& store);
+class CalibrationCache;
+
+/// The real renders: on the CPU, the view's in the arena that goes first, tiles behind it. calibrations: null
+/// for none that outlive the process.
+KeyedRenderer::Render viewRender(const ProfileStore& store, CalibrationCache* calibrations = nullptr);
 
 } // namespace tamlo

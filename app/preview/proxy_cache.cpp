@@ -83,11 +83,6 @@ std::optional<std::string> ProxyCache::openProject() const
     return open_;
 }
 
-void ProxyCache::bindToOpenProject(const std::vector<std::string>& keys)
-{
-    if (const auto open = openProject()) index_.bind(keys, *open);
-}
-
 void ProxyCache::store(const FrameSource& source, const std::string& key)
 {
     const std::string name = ProxyFile::name(key);
@@ -125,11 +120,14 @@ std::optional<SourceShape> ProxyCache::readShape(const std::string& key) const
 {
     try {
         std::array<std::uint8_t, ProxyFile::kHeaderBytes> bytes{};
-        const platform::InputFile input((config_.folder / ProxyFile::name(key)).string());
+        const fs::path file = config_.folder / ProxyFile::name(key);
+        const platform::InputFile input(file.string());
         if (input.readHead({reinterpret_cast<char*>(bytes.data()), bytes.size()}) != bytes.size())
             return std::nullopt;
         const auto header = ProxyFile::header(bytes);
-        return header ? std::optional(header->shape) : std::nullopt;
+        const auto info = platform::fileInfo(file);
+        const bool isWhole = header && info && info->size == header->fileBytes();
+        return isWhole ? std::optional(header->shape) : std::nullopt;
     } catch (const platform::PlatformError&) {
         return std::nullopt;
     }

@@ -41,8 +41,6 @@ public:
     /// Files that are stored from now on belong to this project.
     void setOpenProject(std::optional<std::string> id);
     std::optional<std::string> openProject() const;
-    /// These proxies and tiles belong to the open project, by their paths in the cache.
-    void bindToOpenProject(const std::vector<std::string>& keys);
 
     // Proxies, by ProxyFile::key.
 

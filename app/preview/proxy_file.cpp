@@ -5,6 +5,7 @@
 #include "core/pipeline/crop_geometry.h"
 #include "platform/content_hash.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -17,6 +18,7 @@ constexpr std::uint32_t kMagic = 0x5450'5258; // "XRPT"
 /// No camera comes near; a damaged header must not ask for the machine's memory.
 constexpr std::int64_t kLongestSide = 1 << 20;
 constexpr std::string_view kExtension = ".tproxy";
+constexpr std::size_t kStatsAt = 40;
 
 static_assert(std::endian::native == std::endian::little, "the file's byte order is copied as it stands");
 
@@ -57,7 +59,7 @@ std::uint32_t u32(std::int64_t value)
 std::optional<SourceExposure::Stats> statsAt(std::span<const std::uint8_t> bytes)
 {
     SourceExposure::Stats stats;
-    stats.p10 = fieldAt<double>(bytes, 40);
+    stats.p10 = fieldAt<double>(bytes, kStatsAt);
     stats.p50 = fieldAt<double>(bytes, 48);
     stats.p995 = fieldAt<double>(bytes, 56);
     stats.height = fieldAt<std::uint32_t>(bytes, 64);
@@ -65,6 +67,38 @@ std::optional<SourceExposure::Stats> statsAt(std::span<const std::uint8_t> bytes
     const bool isSound = stats.p10 >= 0 && stats.p50 >= stats.p10 && stats.p995 >= stats.p50 &&
                          std::isfinite(stats.p995) && stats.width > 0 && stats.height > 0;
     return isSound ? std::optional(stats) : std::nullopt;
+}
+
+/// Two sizes of one picture, whichever way up: a decode may leave out a few pixels at the edges, and a small
+/// side rounds.
+bool areAlike(Size a, Size b)
+{
+    constexpr double kTolerance = 0.1;
+    const auto ratio = [](Size size) {
+        return static_cast<double>(std::max(size.width, size.height)) /
+               static_cast<double>(std::min(size.width, size.height));
+    };
+    const double pixel = 2.0 / static_cast<double>(std::min({a.width, a.height, b.width, b.height}));
+    return std::abs(ratio(a) / ratio(b) - 1.0) <= kTolerance + pixel;
+}
+
+/// Whether the numbers of a header can be those of one picture. A damaged one mostly can't.
+bool isPlausible(const ProxyFile::Header& head)
+{
+    // Light is measured in a linear picture whose white is 1; what lies above it is a few stops.
+    constexpr double kMostLight = 1024;
+    const SourceShape& shape = head.shape;
+    const Size proxy{head.width, head.height}, full{shape.fullWidth, shape.fullHeight};
+    if (shape.isRAW != shape.stats.has_value() || (!shape.isRAW && shape.wb != WBMode::film)) return false;
+    constexpr double kLeastShare = 0.9; // a proxy is never larger than its source but for a few edge pixels
+    if (static_cast<double>(std::max(full.width, full.height)) <
+        kLeastShare * static_cast<double>(std::max(proxy.width, proxy.height)))
+        return false;
+    if (!areAlike(proxy, full) || (proxy.width > proxy.height && full.width < full.height) ||
+        (proxy.width < proxy.height && full.width > full.height))
+        return false;
+    return !shape.stats ||
+           (shape.stats->p995 <= kMostLight && areAlike(full, {shape.stats->width, shape.stats->height}));
 }
 
 template <typename Integer>
@@ -147,7 +181,7 @@ std::vector<std::uint8_t> ProxyFile::encode(const FrameSource& source)
                                   source.stats.has_value()};
     fields.put(0, head);
     const double percentiles[] = {stats.p10, stats.p50, stats.p995};
-    fields.put(40, percentiles);
+    fields.put(kStatsAt, percentiles);
     fields.put(64, u32(stats.height));
     fields.put(68, u32(stats.width));
     if (source.halfPrecision) {
@@ -182,7 +216,11 @@ std::optional<ProxyFile::Header> ProxyFile::header(std::span<const std::uint8_t>
     if (*hasStats) {
         head.shape.stats = statsAt(bytes);
         if (!head.shape.stats) return std::nullopt;
+    } else if (std::ranges::any_of(bytes.subspan(kStatsAt, kHeaderBytes - kStatsAt),
+                                   [](std::uint8_t byte) { return byte != 0; })) {
+        return std::nullopt;
     }
+    if (!isPlausible(head)) return std::nullopt;
     return head;
 }
 

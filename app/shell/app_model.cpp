@@ -58,6 +58,7 @@ void AppModel::touch(const FrameIDs& ids)
 AppModel::FrameIDs AppModel::editFrames(History::Change step, const FrameIDs& targets,
                                         const std::function<void(Frame&)>& change)
 {
+    beginAction();
     const auto places = project_.frames.places();
     std::vector<std::pair<std::size_t, FrameRef>> changed;
     FrameIDs ids;
@@ -81,6 +82,7 @@ AppModel::FrameIDs AppModel::editFrames(History::Change step, const FrameIDs& ta
 
 bool AppModel::editProject(History::Change step, const std::function<void(Project&)>& change)
 {
+    beginAction();
     Project after = project_;
     change(after);
     if (after == project_) return false;
@@ -109,6 +111,7 @@ void AppModel::undoTo(std::size_t stepsLeft)
 bool AppModel::apply(std::optional<History::Step> step)
 {
     if (!step) return false;
+    beginAction();
     if (step->action) step->action();
     applySnapshot(*step);
     tell(T("status.undone", {{"name", step->name}}));

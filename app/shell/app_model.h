@@ -68,6 +68,8 @@ public:
     bool lastActionFailed() const { return lastActionFailed_; }
     void tell(std::string text);
     void tellFailure(std::string text);
+    /// The user does something: what failed before is no longer the last action.
+    void beginAction() { lastActionFailed_ = false; }
 
     /// Goes up with each change of a frame, and of the project as a whole.
     std::int64_t frameGen(const FrameID& id) const;

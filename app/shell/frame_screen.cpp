@@ -342,8 +342,10 @@ void FrameScreen::scheduleDetail(double delaySeconds)
 
 bool FrameScreen::isFullShown() const
 {
-    const std::int64_t full = fullDetailLong();
-    return full == 0 || (shownTicket_ == ticket_ && detailLong_ >= full);
+    const auto now = situation();
+    if (!now || !now->source) return true;
+    if (Tiers::proxyLong(now->source->fullSize()) >= now->full) return true; // the proxy is all there is
+    return shownTicket_ == ticket_ && detailLong_ >= now->full;
 }
 
 void FrameScreen::scheduleMaster(std::int64_t ticket, double delaySeconds)

@@ -2,6 +2,8 @@
 
 #include "app/shell/app_model.h"
 #include "core/image/tamlo_error.h"
+#include "core/pipeline/pipeline.h"
+#include "core/profiles/catalogue/profile_store.h"
 #include "platform/memory.h"
 
 #include <algorithm>
@@ -13,6 +15,21 @@ namespace {
 constexpr double kDaySeconds = 86'400;
 constexpr const char* kCapPreference = "proxyCacheCapGB";
 constexpr double kOpenDelaySeconds = 0.25;
+
+/// Keys of a project's proxies and tiles, by their paths in the cache.
+std::vector<std::string> keysOf(const Project& project, const Previews& previews)
+{
+    std::vector<std::string> keys;
+    for (const Frame& frame : project.frames) {
+        if (frame.fingerprint)
+            keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
+        for (const bool originals : {false, true})
+            if (const auto key = Tiles::viewKey(frame, project.cropGate, originals, previews))
+                for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
+                    keys.push_back(ThumbCache::path(*key, raster));
+    }
+    return keys;
+}
 
 } // namespace
 
@@ -29,7 +46,8 @@ LiveViews::LiveViews(Previews::Config config)
                      const FrameScreen::Image& image) {
                   image ? tiles_.adopt(id, process, image) : tiles_.giveUp(id);
               }),
-      housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility)
+      housekeeping_(previews_.loop, "tamlo.cache", platform::Niceness::utility),
+      preparation_(previews_.loop, "tamlo.grain")
 {
     previews_.onGrown = [this] { trimLater(); };
 }
@@ -39,6 +57,8 @@ LiveViews::~LiveViews()
     screen_.clear();
     previews_.renderer.cancel("");
     tiles_.flush(true);
+    ends_ = true;
+    housekeeping_.drain(); // whose files they are is written down
 }
 
 void LiveViews::attach(AppModel& model)
@@ -54,8 +74,8 @@ void LiveViews::trimLater()
 {
     const auto cap = ProxyCache::capBytes(model_->seams().preferences.number(kCapPreference));
     housekeeping_.run(
-        [&cache = previews_.cache, cap, now = previews_.loop.date()] {
-            cache.trim(cap, platform::freeBytes(cache.directory()), now);
+        [&cache = previews_.cache, &ends = ends_, cap, now = previews_.loop.date()] {
+            if (!ends) cache.trim(cap, platform::freeBytes(cache.directory()), now);
             return 0;
         },
         [](int) {});
@@ -99,8 +119,35 @@ void LiveViews::evict(const FrameID& id)
     screen_.forget(id);
 }
 
+/// While a frame's source is read, the calibration that its render will ask for is looked up, or solved.
+void LiveViews::prepareGrain(const FrameID& id)
+{
+    const FrameRef frame = model_->project().frame(id);
+    if (!frame || !frame->process || previews_.isScripted || previews_.frames.source(id)) return;
+    std::optional<Size> known;
+    if (const auto shape = loads_.shape(id)) known = Size{shape->fullWidth, shape->fullHeight};
+    preparation_.run(
+        [&previews = previews_, known, frame,
+         process = renderProcess(*frame->process, *frame, std::nullopt, model_->project().cropGate)] {
+            try {
+                const auto size = known ? known : SourceDecode::fullPixelSize(frame->url);
+                if (!size) return 0;
+                const RenderChoices choices = choicesOf(process, previews.store);
+                previews.calibrations.during(previews.store.data(ProfileKind::films, process.stock), [&] {
+                    Pipeline::prepareGrain(resizedSize(*size, ProxyFile::kProxyLong), choices.film,
+                                           choices.paper, choices.options);
+                });
+            } catch (const std::exception&) {
+                // The render tells of it.
+            }
+            return 0;
+        },
+        [](int) {});
+}
+
 void LiveViews::openedFrame(const FrameID& id)
 {
+    prepareGrain(id);
     previews_.frames.dropBigDetail(id);
     previews_.frames.cancelDetail();
     if (const auto left = std::exchange(onScreen_, id); left && *left != id)
@@ -116,42 +163,39 @@ void LiveViews::backToGrid()
     tiles_.renderAll();
 }
 
-std::vector<std::string> LiveViews::projectKeys() const
+void LiveViews::bindLater(const std::string& id)
 {
-    std::vector<std::string> keys;
-    for (const Frame& frame : model_->project().frames) {
-        if (frame.fingerprint)
-            keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
-        for (const bool originals : {false, true})
-            if (const auto key = tiles_.viewKey(frame, originals))
-                for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
-                    keys.push_back(ThumbCache::path(*key, raster));
-    }
-    return keys;
+    housekeeping_.run(
+        [&previews = previews_, id, project = model_->project()] {
+            previews.cache.index().bind(keysOf(project, previews), id);
+            return 0;
+        },
+        [](int) {});
 }
 
 void LiveViews::openedProject()
 {
     const AppSeams& seams = model_->seams();
     if (!seams.registry || !model_->projectURL()) return;
+    std::optional<std::string> id;
     try {
         const auto exists = [](const std::string& path) {
             std::error_code ignored;
             return std::filesystem::exists(path, ignored);
         };
-        previews_.cache.setOpenProject(
-            ProjectRegistry::idFor(seams.registry->load(), *model_->projectURL(), exists));
+        id = ProjectRegistry::idFor(seams.registry->load(), *model_->projectURL(), exists);
     } catch (const TamloError&) {
         return; // a registry that can't be read: the files are nobody's for now
     }
-    previews_.cache.bindToOpenProject(projectKeys());
+    previews_.cache.setOpenProject(id);
+    if (id) bindLater(*id);
     trimLater();
 }
 
 void LiveViews::closingProject()
 {
     tiles_.flush(true);
-    previews_.cache.bindToOpenProject(projectKeys());
+    if (const auto id = previews_.cache.openProject()) bindLater(*id);
     previews_.cache.setOpenProject(std::nullopt);
     trimLater();
 }

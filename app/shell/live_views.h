@@ -9,6 +9,8 @@
 #include "app/shell/source_loads.h"
 #include "app/shell/tiles.h"
 
+#include <atomic>
+
 namespace tamlo {
 
 class LiveViews final : public FrameViews {
@@ -44,12 +46,12 @@ public:
     void closingProject() override;
     void clear() override;
 
-    /// Keys of the open project's proxies and tiles, by their paths in the cache.
-    std::vector<std::string> projectKeys() const;
-
 private:
     void syncPins();
     void trimLater();
+    /// Notes, ahead of the next trim, that the open project's files are of this project.
+    void bindLater(const std::string& id);
+    void prepareGrain(const FrameID& id);
 
     Previews previews_;
     AppModel* model_ = nullptr;
@@ -59,7 +61,8 @@ private:
     std::vector<FrameID> visibleTiles_;
     std::optional<FrameID> onScreen_;
     platform::Timer daily_;
-    Background housekeeping_; // last: joined before the rest goes
+    std::atomic<bool> ends_{false};
+    Background housekeeping_, preparation_; // last: joined before the rest goes
 };
 
 } // namespace tamlo

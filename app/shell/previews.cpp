@@ -15,9 +15,11 @@ Previews::Previews(Config config)
                  });
              }}),
       thumbs(cache),
+      calibrations(cache.directory() / "calibrations", build),
+      isScripted(static_cast<bool>(config.render)),
       frames(loop, &cache, config.memoryBytes > 0 ? config.memoryBytes : platform::memoryLimitBytes(),
              std::move(config.decoders)),
-      renderer(loop, config.render ? std::move(config.render) : viewRender(config.store))
+      renderer(loop, config.render ? std::move(config.render) : viewRender(config.store, &calibrations))
 {}
 
 } // namespace tamlo

@@ -2,6 +2,7 @@
 // place and in the order in which they stand on each other.
 #pragma once
 
+#include "app/preview/calibration_cache.h"
 #include "app/preview/frame_store.h"
 #include "app/preview/keyed_renderer.h"
 #include "app/preview/thumb_cache.h"
@@ -34,6 +35,8 @@ struct Previews {
     std::shared_ptr<bool> alive = std::make_shared<bool>(true);
     ProxyCache cache;
     ThumbCache thumbs;
+    CalibrationCache calibrations;
+    bool isScripted; ///< renders are the caller's: there is nothing to make ready for them
     FrameStore frames;
     KeyedRenderer renderer;
 };

@@ -27,6 +27,7 @@ Saver::Saver(AppModel& model) : model_(model), background_(model.seams().loop, "
 
 bool Saver::open(const Path& url, Access access)
 {
+    model_.beginAction();
     // A project that is opened again is held already, and stays held if that fails.
     const bool isHeld = file_ && file_->url() == FileResolver::standardised(url);
     std::shared_ptr<ProjectFile> file;
@@ -101,7 +102,13 @@ Saver::Ended Saver::written(Project project, std::shared_ptr<ProjectFile> file, 
 
 void Saver::saveProject(const Path& to, Done done, Over over)
 {
-    waiting_.push_back({to, std::move(done), over});
+    model_.beginAction();
+    enqueue({to, std::move(done), over});
+}
+
+void Saver::enqueue(Waiting save)
+{
+    waiting_.push_back(std::move(save));
     if (waiting_.size() == 1) beginNext();
 }
 
@@ -142,7 +149,7 @@ void Saver::finish(Ended ended)
 void Saver::autosave()
 {
     if (model_.projectURL() && waiting_.empty() && !changedOnDisk_ && hasChanges())
-        saveProject(*model_.projectURL());
+        enqueue({*model_.projectURL(), {}, Over::expected});
 }
 
 void Saver::startAutosave()

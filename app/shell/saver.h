@@ -66,6 +66,7 @@ private:
         std::optional<std::string> problem;
     };
 
+    void enqueue(Waiting save);
     void beginNext();
     void finish(Ended ended);
     std::shared_ptr<ProjectFile> fileFor(const Path& to) const;

@@ -64,6 +64,7 @@ void Selection::begin()
 void Selection::openFrame(const FrameID& id)
 {
     if (!model_.project().frame(id)) return;
+    model_.beginAction();
     if (id != cursor_) {
         model_.cropping.applyCropAndExit();
         model_.sides.exitAB();
@@ -200,6 +201,7 @@ void Selection::selectMarquee(const FrameIDs& base, const FrameIDs& ids)
 
 void Selection::backToGrid()
 {
+    model_.beginAction();
     model_.cropping.applyCropAndExit();
     model_.sides.exitAB();
     screen_ = Screen::grid;

@@ -45,9 +45,14 @@ void Tiles::setShowsOriginals(bool shows)
 
 std::optional<std::string> Tiles::viewKey(const Frame& frame, bool originals) const
 {
+    return viewKey(frame, model_->project().cropGate, originals, previews_);
+}
+
+std::optional<std::string> Tiles::viewKey(const Frame& frame, const std::optional<std::string>& cropGate,
+                                          bool originals, const Previews& previews)
+{
     try {
-        return ViewKey::key(ViewKey::inputsOf(frame, model_->project().cropGate, originals, previews_.store,
-                                              previews_.build));
+        return ViewKey::key(ViewKey::inputsOf(frame, cropGate, originals, previews.store, previews.build));
     } catch (const TamloError&) {
     } catch (const platform::PlatformError&) {}
     return std::nullopt; // no name, no tile on disk
@@ -121,7 +126,7 @@ void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
             const auto shown = shown_.find(id);
             const bool isThere = shown != shown_.end() && shown->second == key && !stubs_[id];
             if (!isWanted(id, key) || isThere) return; // the develop screen was quicker
-            if (found.image) show(id, key, std::move(found.image), found.isStub);
+            if (found.image) show(id, key, found.image, found.isStub);
             if (found.image && !found.isStale) {
                 persisted_[id] = key;
                 pending_.erase(id);

@@ -54,8 +54,9 @@ public:
     /// Writes what waits for the disk. wait: until it stands there.
     void flush(bool wait);
 
-    /// The name of a frame's view; none where it has none.
-    std::optional<std::string> viewKey(const Frame& frame, bool originals) const;
+    /// The name of a frame's view; none where it has none. cropGate: the project's. From any thread.
+    static std::optional<std::string> viewKey(const Frame& frame, const std::optional<std::string>& cropGate,
+                                              bool originals, const Previews& previews);
 
 private:
     struct Print {
@@ -69,6 +70,7 @@ private:
         ThumbCache::Raster raster;
     };
 
+    std::optional<std::string> viewKey(const Frame& frame, bool originals) const;
     void renderOne(const FrameID& id);
     bool isOnScreen(const FrameID& id) const;
     bool isWanted(const FrameID& id, const std::string& key) const;

@@ -16,6 +16,7 @@
 #include "core/process/tricolor/tricolor.h"
 #include "core/text/loc.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tamlo {
@@ -128,6 +129,7 @@ constexpr Row kTable[] = {
 };
 
 constexpr std::int64_t blackProbePx = 8;
+constexpr std::int64_t kStripRows = 8;
 
 } // namespace
 
@@ -176,6 +178,23 @@ Vec3d Film::printBlackRGB(const FilmProfile& film, const PaperProfile& paper, co
                           double pxUm)
 {
     return printBlackRGB(applyFilmStateAndDevelopment(film, options), paper, options, pxUm);
+}
+
+/// A strip of that length has the same places for grain as the whole picture.
+void Film::prepareGrain(const DevelopedFilm& film, const RenderOptions& options, std::int64_t longPx,
+                        double pxUm)
+{
+    if (options.grainEngine != GrainEngine::growth) return;
+    RGBImage strip(longPx, std::min(longPx, kStripRows));
+    RenderOptions probe = options;
+    probe.grainZone = Grain::GrowthZone::aggregate; // the cheaper of two paths that ask for the same
+    probe.coat = "none";
+    if (film.film.isBW())
+        bwNegativeDb(std::move(strip), film, probe, pxUm);
+    else if (film.film.isSlide())
+        slideDensity(std::move(strip), film, probe, pxUm);
+    else if (film.film.type == "color")
+        colorNegativeDb(std::move(strip), film, probe, pxUm);
 }
 
 } // namespace tamlo

@@ -37,4 +37,8 @@ Vec3d printBlackRGB(const DevelopedFilm& film, const PaperProfile& paper, const 
 Vec3d printBlackRGB(const FilmProfile& film, const PaperProfile& paper, const RenderOptions& options,
                     double pxUm);
 
+/// Solves ahead of a render what the grain of its film asks for, so that the render finds it solved. Nothing
+/// for films whose grain is their own process's. longPx: long side of the picture on the film.
+void prepareGrain(const DevelopedFilm& film, const RenderOptions& options, std::int64_t longPx, double pxUm);
+
 } // namespace tamlo::Film

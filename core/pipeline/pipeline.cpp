@@ -12,6 +12,7 @@
 #include "core/image/resample.h"
 #include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
+#include "core/pipeline/output_plan.h"
 #include "core/pipeline/render_size.h"
 #include "core/process/altprint/brushed_coat.h"
 #include "core/process/altprint/paper_base.h"
@@ -225,6 +226,16 @@ RGBImage Pipeline::process(RGBImage image, const FilmProfile& film, const LensPr
                         std::nullopt, !paper.hasSheet());
     hooks.progress("done", 1.0);
     return image;
+}
+
+void Pipeline::prepareGrain(Size source, const FilmProfile& film, const PaperProfile& paper,
+                            RenderOptions options)
+{
+    const OutputPlan plan = outputPlan(source, film, paper, options, 1.0);
+    if (!(plan.pxUm > 0.0)) return;
+    options.formatLongUm = plan.fmtUm;
+    Film::prepareGrain(applyFilmStateAndDevelopment(film, options), options,
+                       std::llround(plan.fmtUm / plan.pxUm), plan.pxUm);
 }
 
 } // namespace tamlo

@@ -26,4 +26,8 @@ bool hasFinishing(const RenderOptions& options);
 Vec3f borderRGB(const Vec3f& base, const DevelopedFilm& developed, const PaperProfile& paper,
                 const RenderOptions& options, double pxUm);
 
+/// Solves ahead of the render of a picture of that size what takes longest of it, the calibration of its
+/// film's grain, which is then known to the process. Errors: those of the render's film.
+void prepareGrain(Size source, const FilmProfile& film, const PaperProfile& paper, RenderOptions options);
+
 } // namespace tamlo::Pipeline

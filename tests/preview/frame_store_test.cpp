@@ -24,8 +24,12 @@ struct ScriptedDecoders {
             ++proxies;
             wait();
             if (file.filename() == "bad.nef") throw TamloError::io("damaged");
-            FrameSource source{RGBImage(side, side), {}, 6000, 4000, true, wb, false};
-            source.isRAW = file.extension() == ".nef";
+            FrameSource source{RGBImage(side, side * 2 / 3), {}, 6000, 4000, false, WBMode::film, false};
+            if (file.extension() == ".nef") {
+                source.isRAW = true;
+                source.wb = wb;
+                source.stats = SourceExposure::Stats{0.01, 0.2, 0.9, 4000, 6000};
+            }
             return source;
         };
         d.detail = [this](const fs::path&, std::int64_t longSide, WBMode) {
@@ -172,7 +176,7 @@ TEST_F(Store, LoadsShareADecodeAndAForgottenOneIsNotKept)
 
 TEST_F(Store, TheLimitGivesWayToPinsAlone)
 {
-    script_.side = 4096; // 192 MiB each: four fit
+    script_.side = 5016; // 192 MiB each: four fit
     store_.emplace(loop_, nullptr, 8 * kGiB, script_.decoders());
     std::vector<FrameRef> frames;
     for (int i = 0; i < 6; ++i) {

@@ -1,7 +1,8 @@
 // A disk that fails or a machine that dies, at the N-th call that changes something: preloaded into a
 // program, it stands before the system calls of files. It counts from where the program calls
 // tamloFaultArm(), and acts at call TAMLO_FAULT_AT as TAMLO_FAULT says: "before" and "after" kill the process
-// there, a write half done; a number fails the call with that errno, a write after half its bytes.
+// there, a write half done; a number fails the call with that errno, a write after half its bytes, and with
+// TAMLO_FAULT_LASTS every call behind it too.
 // TAMLO_NO_TMPFILE refuses files without a name, as some file systems do.
 #include <cerrno>
 #include <cstdarg>
@@ -25,11 +26,14 @@ std::string_view setting(const char* name)
     return value ? value : "";
 }
 
-/// Counts a call; true when it is the one.
+/// Counts a call; true when it is the one, or behind it where the fault lasts.
 bool isTheOne()
 {
     static const long at = std::atol(setting("TAMLO_FAULT_AT").data());
-    return armed && ++calls == at;
+    static const bool lasts = !setting("TAMLO_FAULT_LASTS").empty();
+    if (!armed) return false;
+    ++calls;
+    return calls == at || (lasts && calls > at);
 }
 
 [[noreturn]] void die()

@@ -7,6 +7,7 @@
 #include "platform/preferences.h"
 #include "platform/volumes.h"
 
+#include <atomic>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -48,7 +49,7 @@ public:
         const double end = now_ + seconds;
         runPosted();
         for (auto due = timers_.nextDue(); due && *due <= end; due = timers_.nextDue()) {
-            now_ = std::max(now_, *due);
+            now_ = std::max(now_.load(), *due);
             timers_.runNext(now_);
             runPosted();
         }
@@ -56,7 +57,7 @@ public:
     }
 
     static constexpr double kBegin = 1'800'000'000.0; ///< date() at the beginning
-    double slept = 0;                                 ///< seconds for which the machine stood still
+    std::atomic<double> slept = 0;                    ///< seconds for which the machine stood still
 
 private:
     std::function<void()> next()
@@ -72,7 +73,7 @@ private:
     std::mutex mutex_;
     std::deque<std::function<void()>> posted_;
     platform::TimerQueue timers_;
-    double now_ = 0.0;
+    std::atomic<double> now_ = 0; ///< caches ask for the date on threads of their own
 };
 
 class MapPreferences : public platform::Preferences {

@@ -55,10 +55,14 @@ public:
             if (const auto found = values_.find(key); found != values_.end()) return found->second;
         }
         const Value value = compute();
+        put(key, value);
+        return value;
+    }
+    void put(const Key& key, const Value& value)
+    {
         const std::lock_guard hold(lock_);
         if (values_.size() >= kMost) values_.clear();
         values_[key] = value;
-        return value;
     }
 
 private:
@@ -212,6 +216,44 @@ std::vector<float> normalsOf(const Patch& patch)
     return normals;
 }
 
+Cache<SilverCacheKey, float>& silverCache()
+{
+    static Cache<SilverCacheKey, float> cache;
+    return cache;
+}
+Cache<ColorCacheKey, ColorCal>& colorCache()
+{
+    static Cache<ColorCacheKey, ColorCal> cache;
+    return cache;
+}
+
+/// The bounds that the solutions are clamped to, which a result from elsewhere must keep.
+constexpr float kMostSilverSigma = 0.6f, kMostColorSigma = 0.3f, kLeastDelta = 0.002f, kMostDelta = 0.5f;
+
+constexpr std::int64_t kSilverRecord = 1, kColorRecord = 2;
+
+CalibrationRecord recordOf(const SilverCacheKey& k, float sigma)
+{
+    return {{kSilverRecord, k.key.amount, k.key.sizeUm, k.key.site, k.span}, {sigma}};
+}
+
+CalibrationRecord recordOf(const ColorCacheKey& k, const ColorCal& cal)
+{
+    CalibrationRecord record{{kColorRecord, k.key.amount, k.key.sizeUm, k.key.site}, {}};
+    for (const auto& part : {k.key.layers, k.spans, k.sizeScales})
+        record.key.insert(record.key.end(), part.begin(), part.end());
+    for (const Vec3f& part : {cal.deltas, cal.css})
+        record.values.insert(record.values.end(), part.begin(), part.end());
+    return record;
+}
+
+bool isWithin(float value, float least, float most)
+{
+    return value >= least && value <= most; // false for what is no number
+}
+
+thread_local std::vector<CalibrationRecord>* notes = nullptr;
+
 ColorCal calibrateColor(const ColorCacheKey& cacheKey)
 {
     const GrainParams grain = grainOf(cacheKey);
@@ -244,10 +286,9 @@ ColorCal calibrateColor(const ColorCacheKey& cacheKey)
 
 float growthClumpSigma(double amount, double sizeUm, double site, double dmin, double dmax)
 {
-    static Cache<SilverCacheKey, float> growthCache;
     const SilverCacheKey key{{keyOf(amount, 1e5), keyOf(sizeUm, 100.0), keyOf(site, 1000.0)},
                              keyOf(dmax - dmin, 1e5)};
-    return growthCache.get(key, [&] {
+    const float sigma = silverCache().get(key, [&] {
         const double size = valueOf(key.key.sizeUm, 100.0),
                      pitch = std::max(valueOf(key.key.site, 1000.0), 1e-3);
         GrainParams grain;
@@ -258,11 +299,12 @@ float growthClumpSigma(double amount, double sizeUm, double site, double dmin, d
             calibPatch(kSilverPatch, growthClumpSites(growthClumpUm(size, false, 1.0), pitch));
         return solveClumpSigma(target, patch, growthCrystalUm(size) / pitch);
     });
+    if (notes) notes->push_back(recordOf(key, sigma));
+    return sigma;
 }
 
 ColorCal growthColorCal(const ColorCalInput& input)
 {
-    static Cache<ColorCacheKey, ColorCal> deltaCache;
     const Vec3d scale = growthLayerScale(input.grain), sizeScale = growthLayerSizeScale(input.grain);
     ColorCacheKey key{
         {keyOf(input.baseAmount, 1e5), keyOf(input.baseSizeUm, 100.0), keyOf(input.site, 1000.0), {}},
@@ -273,7 +315,41 @@ ColorCal growthColorCal(const ColorCalInput& input)
         key.spans[c] = keyOf(input.dmaxs[c] - input.dmins[c], 1e5);
         key.sizeScales[c] = keyOf(sizeScale[c], 1000.0);
     }
-    return deltaCache.get(key, [&] { return calibrateColor(key); });
+    const ColorCal cal = colorCache().get(key, [&] { return calibrateColor(key); });
+    if (notes) notes->push_back(recordOf(key, cal));
+    return cal;
+}
+
+CalibrationNotes::CalibrationNotes(std::vector<CalibrationRecord>& into) : outer_(notes)
+{
+    notes = &into;
+}
+
+CalibrationNotes::~CalibrationNotes()
+{
+    notes = outer_;
+}
+
+bool addCalibration(const CalibrationRecord& record)
+{
+    const auto& [key, values] = record;
+    constexpr std::size_t kSilverKey = 5, kColorKey = 13;
+    if (key.size() == kSilverKey && key[0] == kSilverRecord && values.size() == 1 &&
+        isWithin(values[0], 0.0f, kMostSilverSigma)) {
+        silverCache().put({{key[1], key[2], key[3]}, key[4]}, values[0]);
+        return true;
+    }
+    if (key.size() != kColorKey || key[0] != kColorRecord || values.size() != 6) return false;
+    ColorCal cal;
+    for (std::size_t c = 0; c < 3; ++c) {
+        cal.deltas[c] = values[c];
+        cal.css[c] = values[c + 3];
+        if (!isWithin(cal.deltas[c], kLeastDelta, kMostDelta) || !isWithin(cal.css[c], 0.0f, kMostColorSigma))
+            return false;
+    }
+    const auto three = [&](std::size_t at) { return std::array{key[at], key[at + 1], key[at + 2]}; };
+    colorCache().put({{key[1], key[2], key[3], three(4)}, three(7), three(10)}, cal);
+    return true;
 }
 
 Vec3d growthLayerScale(const GrainParams& grain)

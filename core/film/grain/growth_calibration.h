@@ -10,6 +10,7 @@
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <vector>
 
 namespace tamlo::Grain {
 
@@ -52,6 +53,29 @@ struct ColorCalInput {
     Vec3d dmins{}, dmaxs{};
 };
 ColorCal growthColorCal(const ColorCalInput& input);
+
+/// A result with what it is known by, as plain numbers, for who keeps results longer than a process lives.
+struct CalibrationRecord {
+    std::vector<std::int64_t> key;
+    std::vector<float> values;
+    auto operator<=>(const CalibrationRecord&) const = default;
+};
+
+/// While it lives, every result that this thread asks for is added to a list.
+class CalibrationNotes {
+public:
+    explicit CalibrationNotes(std::vector<CalibrationRecord>& into);
+    ~CalibrationNotes();
+    CalibrationNotes(const CalibrationNotes&) = delete;
+    CalibrationNotes& operator=(const CalibrationNotes&) = delete;
+
+private:
+    std::vector<CalibrationRecord>* outer_;
+};
+
+/// Takes a result as found. One of no known form, or out of the range of such results, is left out; returns
+/// whether it was taken.
+bool addCalibration(const CalibrationRecord& record);
 
 /// The layer scales of a profile, or the ones in their place.
 Vec3d growthLayerScale(const GrainParams& grain);
