@@ -2,7 +2,9 @@
 // exposure, and one brightness whether the structure is drawn or not.
 #include "core/process/crt/crt_screen.h"
 
+#include "core/image/bicubic_read.h"
 #include "core/image/gaussian.h"
+#include "core/process/crt/face_passes.h"
 #include "core/process/crt/scan_lines.h"
 #include "core/process/crt/shadow_mask.h"
 #include "core/process/crt/tube_tone.h"
@@ -164,6 +166,45 @@ TEST(ShadowMask, WiresStandAtThirds)
     EXPECT_TRUE(damperWires(3000, tube, 120.0, 1.0).empty()) << "a wire under half a pixel";
     tube.wires = 10'000;
     EXPECT_EQ(damperWires(300, tube, 1e-6, 1.0).size(), 300u);
+}
+
+TEST(Face, KeepsTheCornersAndEnlargesTheMiddle)
+{
+    // Ramps tell where each pixel was read; noise, that the vector code reads like the plain one.
+    const Size size{601, 401};
+    const RGBImage noise = noisePicture(size.width, size.height, 3, 1.0f);
+    std::vector<Plane> planes{Plane(size.width, size.height), Plane(size.width, size.height), noise.plane(0)};
+    for (std::int64_t y = 0; y < size.height; ++y)
+        for (std::int64_t x = 0; x < size.width; ++x) {
+            planes[0].mutableData()[y * size.width + x] = static_cast<float>(x);
+            planes[1].mutableData()[y * size.width + x] = static_cast<float>(y);
+        }
+    for (const bool cylinder : {false, true})
+        for (const float k : {0.012f, 0.3f, 1e3f}) {
+            const float edge = cylinder ? 1.0f : 2.0f, per = 1.0f / (1.0f + k * edge);
+            std::array<std::vector<float>, 3> got;
+            const auto read = [&](std::int64_t y) {
+                for (auto& row : got) row.assign(static_cast<std::size_t>(size.width), 0.0f);
+                const float yn =
+                    (static_cast<float>(y) + 0.5f) / static_cast<float>(size.height) * 2.0f - 1.0f;
+                face_row({got[0].data(), got[1].data(), got[2].data()},
+                         {planes, yn, cylinder ? 0.0f : yn * yn, k, per});
+            };
+            read(0);
+            EXPECT_NEAR(got[0][0], 0.0, 0.002 * 601.0 + 0.5) << k;
+            EXPECT_NEAR(got[0][600], 600.0, 0.002 * 601.0 + 0.5) << k;
+            EXPECT_NEAR(got[1][0], 0.0, 0.002 * 401.0 + 0.5) << k;
+            read(200);
+            EXPECT_NEAR(got[0][301] - got[0][299], 2.0f * per, 2e-4) << k << " " << cylinder;
+            for (const std::int64_t y : {0, 37, 200, 399}) {
+                read(y);
+                if (k > 1.0f) continue; // the places jump by more than what a rounding may move
+                for (std::size_t x = 4; x < 597; ++x)
+                    if (got[0][x] > 4.0f && got[0][x] < 596.0f && got[1][x] > 4.0f && got[1][x] < 396.0f) {
+                        ASSERT_NEAR(got[2][x], readBicubic(planes[2], got[0][x], got[1][x]), 2e-3) << x;
+                    }
+            }
+        }
 }
 
 TEST(TubeTone, TheCameraBringsAWhiteScreenToItsMean)
