@@ -47,7 +47,7 @@ std::optional<std::string> Tiles::viewKey(const Frame& frame, bool originals) co
 {
     try {
         return ViewKey::key(ViewKey::inputsOf(frame, model_->project().cropGate, originals, previews_.store,
-                                              previews_.build));
+                                              previews_.build, &model_->project().frames));
     } catch (const TamloError&) {
     } catch (const platform::PlatformError&) {}
     return std::nullopt; // no name, no tile on disk
@@ -173,7 +173,8 @@ void Tiles::submit(const FrameRef& frame, const FrameStore::SourceRef& source, c
     request.gain = originalGain(source->stats);
     request.original = {frame->crop, frame->orient.rot * 90, frame->orient.mirror};
     if (frame->process && !showsOriginals_) {
-        request.process = renderProcess(*frame->process, *frame, source->stats, model_->project().cropGate);
+        request.process = renderProcess(*frame->process, *frame, source->stats, model_->project().cropGate,
+                                        &model_->project().frames);
         try {
             const RenderChoices choices = choicesOf(*request.process, previews_.store);
             request.inputLong = Pipeline::previewInputLong(source->proxy.size(), choices.film, choices.paper,
