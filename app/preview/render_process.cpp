@@ -3,11 +3,13 @@
 #include "app/project/process_rules.h"
 #include "core/profiles/catalogue/profile_store.h"
 
+#include <algorithm>
+
 namespace tamlo {
 
 ProcessSettings renderProcess(const ProcessSettings& base, const Frame& frame,
                               const std::optional<SourceExposure::Stats>& stats,
-                              const std::optional<std::string>& cropGate)
+                              const std::optional<std::string>& cropGate, const Roll* roll)
 {
     ProcessSettings process = base;
     RenderOptions& options = process.options;
@@ -19,7 +21,16 @@ ProcessSettings renderProcess(const ProcessSettings& base, const Frame& frame,
     options.crop = frame.crop;
     options.cropGate = cropGate.value_or(RenderOptions().cropGate);
     options.socialCrop45 = process.socialCrop45;
+    foldFrameNumber(options, frame, roll);
     return process;
+}
+
+void foldFrameNumber(RenderOptions& options, const Frame& frame, const Roll* roll)
+{
+    constexpr std::size_t kHighest = 9999; // that the option takes
+    if (!roll || !options.framePrint || options.frameNumber != 0) return;
+    if (const auto place = roll->find(frame.id))
+        options.frameNumber = static_cast<std::int64_t>(std::min(*place + 1, kHighest));
 }
 
 double originalGain(const std::optional<SourceExposure::Stats>& stats)

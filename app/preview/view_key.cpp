@@ -1,6 +1,7 @@
 #include "app/preview/view_key.h"
 
 #include "app/preview/proxy_file.h"
+#include "app/preview/render_process.h"
 #include "app/project/process_json.h"
 #include "app/project/process_rules.h"
 #include "core/image/tamlo_error.h"
@@ -131,7 +132,8 @@ std::string ViewKey::cleanBuild(std::string_view build)
 }
 
 ViewKey::Inputs ViewKey::inputsOf(const Frame& frame, const std::optional<std::string>& cropGate,
-                                  bool originals, const ProfileStore& store, const std::string& build)
+                                  bool originals, const ProfileStore& store, const std::string& build,
+                                  const Roll* roll)
 {
     Inputs inputs;
     const WBMode wb = ProxyFile::wbOf(frame);
@@ -144,6 +146,7 @@ ViewKey::Inputs ViewKey::inputsOf(const Frame& frame, const std::optional<std::s
     inputs.seed = frame.effectiveSeed();
     if (frame.process && !originals) {
         inputs.process = *frame.process;
+        foldFrameNumber(inputs.process->options, frame, roll);
         if (const std::string own = ownMaterials(*frame.process, store); !own.empty())
             inputs.materials = platform::sha256(own);
     }

@@ -4,7 +4,7 @@
 // every tile.
 #pragma once
 
-#include "app/project/frame.h"
+#include "app/project/roll.h"
 #include "core/profiles/formats/json_codec.h"
 
 #include <cstdint>
@@ -47,9 +47,9 @@ std::string cleanBuild(std::string_view build);
 std::string canonical(const Json& value);
 
 /// The inputs of a frame's view. `originals`: as an untouched picture, whatever its process.
-/// cropGate: the project's rule.
+/// cropGate: the project's rule. roll: as in renderProcess.
 Inputs inputsOf(const Frame& frame, const std::optional<std::string>& cropGate, bool originals,
-                const ProfileStore& store, const std::string& build);
+                const ProfileStore& store, const std::string& build, const Roll* roll = nullptr);
 
 } // namespace ViewKey
 } // namespace tamlo

@@ -3,6 +3,8 @@
 #include "app/shell/snapshots.h"
 #include "core/text/loc.h"
 
+#include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace tamlo {
@@ -23,6 +25,25 @@ void forgetExportsOfCropped(Roll& roll)
 {
     for (std::size_t i = 0; i < roll.size(); ++i)
         if (roll[i].crop && roll[i].process && roll[i].exportedAt) roll.edit(i).exportedAt.reset();
+}
+
+/// Frames that show their place in the roll on the film's edge, where it is another one now: their exports
+/// are out of date.
+std::vector<FrameID> renumber(const Roll& before, Roll& after)
+{
+    std::vector<FrameID> ids;
+    std::unordered_map<FrameID, std::size_t> places;
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        const Frame& frame = after[i];
+        if (!frame.process || !frame.process->options.framePrint || frame.process->options.frameNumber != 0)
+            continue;
+        if (places.empty()) places = before.places();
+        const auto place = places.find(frame.id);
+        if (place == places.end() || place->second == i) continue;
+        ids.push_back(frame.id);
+        if (frame.exportedAt) after.edit(i).exportedAt.reset();
+    }
+    return ids;
 }
 
 } // namespace
@@ -88,8 +109,15 @@ bool AppModel::editProject(History::Change step, const std::function<void(Projec
     if (after == project_) return false;
     if (after.cropGate != project_.cropGate) forgetExportsOfCropped(after.frames);
     history_.record(std::move(step), project_, seams_.loop.now());
+    const FrameIDs renumbered = renumber(project_.frames, after.frames);
     project_ = std::move(after);
     ++rollGen_;
+    if (renumbered.empty()) return true;
+    seams_.views.renderThumbs(renumbered);
+    const auto cursor = selection.cursor();
+    if (selection.screen() == Screen::develop && cursor &&
+        std::ranges::find(renumbered, *cursor) != renumbered.end())
+        seams_.views.renderCurrent(kRenderDelaySeconds);
     return true;
 }
 

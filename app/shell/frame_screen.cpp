@@ -148,7 +148,8 @@ KeyedRenderer::Request FrameScreen::request(const Situation& now,
     request.image = now.source->proxy;
     request.ticket = ticket_;
     if (process)
-        request.process = renderProcess(*process, *now.frame, now.source->stats, model_->project().cropGate);
+        request.process = renderProcess(*process, *now.frame, now.source->stats, model_->project().cropGate,
+                                        &model_->project().frames);
     request.gain = originalGain(now.source->stats);
     request.original = {now.frame->crop, now.frame->orient.rot * 90, now.frame->orient.mirror};
     return request;

@@ -24,7 +24,7 @@ std::vector<std::string> keysOf(const Project& project, const Previews& previews
         if (frame.fingerprint)
             keys.push_back(ProxyFile::name(ProxyFile::key(*frame.fingerprint, ProxyFile::wbOf(frame))));
         for (const bool originals : {false, true})
-            if (const auto key = Tiles::viewKey(frame, project.cropGate, originals, previews))
+            if (const auto key = Tiles::viewKey(frame, project, originals, previews))
                 for (const auto raster : {ThumbCache::Raster::p, ThumbCache::Raster::t})
                     keys.push_back(ThumbCache::path(*key, raster));
     }
@@ -128,7 +128,8 @@ void LiveViews::prepareGrain(const FrameID& id)
     if (const auto shape = loads_.shape(id)) known = Size{shape->fullWidth, shape->fullHeight};
     preparation_.run(
         [&previews = previews_, known, frame,
-         process = renderProcess(*frame->process, *frame, std::nullopt, model_->project().cropGate)] {
+         process = renderProcess(*frame->process, *frame, std::nullopt, model_->project().cropGate,
+                                 &model_->project().frames)] {
             try {
                 const auto size = known ? known : SourceDecode::fullPixelSize(frame->url);
                 if (!size) return 0;

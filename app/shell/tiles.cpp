@@ -45,14 +45,15 @@ void Tiles::setShowsOriginals(bool shows)
 
 std::optional<std::string> Tiles::viewKey(const Frame& frame, bool originals) const
 {
-    return viewKey(frame, model_->project().cropGate, originals, previews_);
+    return viewKey(frame, model_->project(), originals, previews_);
 }
 
-std::optional<std::string> Tiles::viewKey(const Frame& frame, const std::optional<std::string>& cropGate,
-                                          bool originals, const Previews& previews)
+std::optional<std::string> Tiles::viewKey(const Frame& frame, const Project& project, bool originals,
+                                          const Previews& previews)
 {
     try {
-        return ViewKey::key(ViewKey::inputsOf(frame, cropGate, originals, previews.store, previews.build));
+        return ViewKey::key(ViewKey::inputsOf(frame, project.cropGate, originals, previews.store,
+                                              previews.build, &project.frames));
     } catch (const TamloError&) {
     } catch (const platform::PlatformError&) {}
     return std::nullopt; // no name, no tile on disk
@@ -178,7 +179,8 @@ void Tiles::submit(const FrameRef& frame, const FrameStore::SourceRef& source, c
     request.gain = originalGain(source->stats);
     request.original = {frame->crop, frame->orient.rot * 90, frame->orient.mirror};
     if (frame->process && !showsOriginals_) {
-        request.process = renderProcess(*frame->process, *frame, source->stats, model_->project().cropGate);
+        request.process = renderProcess(*frame->process, *frame, source->stats, model_->project().cropGate,
+                                        &model_->project().frames);
         try {
             const RenderChoices choices = choicesOf(*request.process, previews_.store);
             request.inputLong = Pipeline::previewInputLong(source->proxy.size(), choices.film, choices.paper,

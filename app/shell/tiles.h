@@ -54,9 +54,9 @@ public:
     /// Writes what waits for the disk. wait: until it stands there.
     void flush(bool wait);
 
-    /// The name of a frame's view; none where it has none. cropGate: the project's. From any thread.
-    static std::optional<std::string> viewKey(const Frame& frame, const std::optional<std::string>& cropGate,
-                                              bool originals, const Previews& previews);
+    /// The name of a view of a frame of the project; none where it has none. From any thread.
+    static std::optional<std::string> viewKey(const Frame& frame, const Project& project, bool originals,
+                                              const Previews& previews);
 
 private:
     struct Print {

@@ -206,6 +206,28 @@ TEST_F(MutationTest, InstantFilmsThatPassGetTheirCard)
     expectSomePassed(passed);
 }
 
+// Every tube and three-colour film, damaged.
+TEST_F(MutationTest, TubesAndThreePlatesThatPassAlsoRender)
+{
+    const LensProfile lens = store_->lens("petzval1900");
+    const FilmProfile film = store_->film("portra400");
+    const PaperProfile scan = store_->paper("color_scan");
+    RenderOptions near;
+    near.crtZoom = 7.0;
+    expectSomePassed(
+        tryMutations(corpusWith("papers/", {"\"crt\": {"}), runs(kUsualRuns), [&](const std::string& text) {
+            check(text);
+            const auto paper = ProfileJSON::decode<PaperProfile>(text);
+            render(film, lens, paper, {});
+            render(film, lens, paper, near);
+        }));
+    expectSomePassed(tryMutations(corpusWith("films/", {"\"tricolor\": {"}), runs(kUsualRuns),
+                                  [&](const std::string& text) {
+                                      check(text);
+                                      render(ProfileJSON::decode<FilmProfile>(text), lens, scan, {});
+                                  }));
+}
+
 TEST_F(MutationTest, PresetsAreTakenInOrLeaveNothing)
 {
     const std::uint64_t passed =

@@ -1,3 +1,4 @@
+#include "app/preview/render_process.h"
 #include "app/preview/view_key.h"
 #include "core/image/tamlo_error.h"
 #include "core/profiles/catalogue/profile_store.h"
@@ -127,6 +128,34 @@ TEST_F(ViewKeys, AnEditedProfileOfTheUserIsAnotherView)
     process.stock = "portra400";
     frame.process = process;
     EXPECT_FALSE(ViewKey::inputsOf(frame, {}, false, store, "1").materials);
+}
+
+TEST_F(ViewKeys, AFilmsEdgeShowsThePlaceInTheRoll)
+{
+    Roll roll;
+    for (std::uint8_t n : {1, 2, 3}) {
+        Frame frame = frameNumber(n);
+        ProcessSettings process = *frame.process;
+        process.options.framePrint = n != 1;
+        process.options.frameNumber = n == 3 ? 17 : 0;
+        frame.process = process;
+        roll.append(frame);
+    }
+    const auto number = [&](std::size_t i, const Roll* of) {
+        return renderProcess(*roll[i].process, roll[i], {}, {}, of).options.frameNumber;
+    };
+    EXPECT_EQ(number(0, &roll), 0) << "nothing is printed";
+    EXPECT_EQ(number(1, &roll), 2);
+    EXPECT_EQ(number(1, nullptr), 0);
+    EXPECT_EQ(number(2, &roll), 17) << "its own";
+    const auto keyIn = [&](const Roll& of, const Frame& frame) {
+        return ViewKey::key(ViewKey::inputsOf(frame, {}, false, ProfileStore(), "1", &of));
+    };
+    Roll turned = roll;
+    turned.arrange({1, 0, 2});
+    EXPECT_EQ(keyIn(roll, roll[0]), keyIn(turned, roll[0]));
+    EXPECT_NE(keyIn(roll, roll[1]), keyIn(turned, roll[1]));
+    EXPECT_EQ(keyIn(roll, roll[2]), keyIn(turned, roll[2]));
 }
 
 } // namespace

@@ -94,6 +94,34 @@ TEST(Tricolor, EverySizeHasTheSameRegister)
     EXPECT_EQ(plan.plates[0].margins.l, planAt(900).plates[0].margins.l) << "the holder stays";
 }
 
+TEST(Tricolor, PlatesMissEachOtherAsFarAsKnown)
+{
+    const Size size{900, 600};
+    const RegPlan plan = planAt(900);
+    const double n = static_cast<double>(size.width * size.height);
+    const double known[] = {0.1097, 0.1463, 0.1180}; // deviation, mm, both axes together
+    double farthest = 0.0;
+    for (std::size_t plate = 0; plate < 3; ++plate) {
+        const auto field = RegistrationField::of(plan, plate, size);
+        RegistrationField::Rows rows(*field);
+        std::array<double, 2> sum{}, squares{};
+        for (std::int64_t y = 0; y < size.height; ++y) {
+            const auto [dx, dy] = rows.row(y);
+            for (std::int64_t x = 0; x < size.width; ++x) {
+                const double moved[] = {dx[x] / plan.ppmm, dy[x] / plan.ppmm};
+                for (std::size_t axis = 0; axis < 2; ++axis) {
+                    sum[axis] += moved[axis] / n;
+                    squares[axis] += moved[axis] * moved[axis] / n;
+                }
+                farthest = std::max(farthest, std::hypot(moved[0], moved[1]));
+            }
+        }
+        const double variance = squares[0] - sum[0] * sum[0] + squares[1] - sum[1] * sum[1];
+        EXPECT_NEAR(std::sqrt(0.5 * variance), known[plate], 0.001) << plate;
+    }
+    EXPECT_NEAR(farthest, 0.536, 0.001);
+}
+
 TEST(Tricolor, DiapositivesHaveTheToneOfTheirCurve)
 {
     FilmProfile film = plates1909();

@@ -40,6 +40,15 @@ TEST_F(EditsTest, OneStepForManyAndNoneForNothing)
     EXPECT_TRUE(roll()[1].exportedAt);
 }
 
+TEST_F(EditsTest, FramesWithANumberOnTheirEdgeFollowTheirPlace)
+{
+    open(6);
+    model_.rack.change({roll()[1].id, roll()[4].id}, [](ProcessSettings& s) { s.options.framePrint = true; });
+    views_.rendered = 0;
+    model_.removal.remove({roll()[2].id}, false);
+    EXPECT_EQ(views_.rendered, 1u) << "the one behind the gap";
+}
+
 TEST_F(EditsTest, FramesThatShareAProcessGoOnSharingIt)
 {
     open(4);

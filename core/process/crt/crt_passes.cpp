@@ -35,19 +35,29 @@ void addRun(float* to, const float* from, float weight, std::size_t count)
 
 void spreadNodes(float* to, std::size_t count, const NodeSpread& s)
 {
-    const hn::ScalableTag<float> d;
+    const hn::CappedTag<float, spreadBlock> d;
     const auto step = static_cast<std::size_t>(s.step), taps = static_cast<std::size_t>(2 * s.reach + 1);
+    const auto stride = static_cast<std::size_t>(s.stride);
     for (std::size_t start = 0, j = 0; start < count; start += step, ++j) {
-        const std::size_t run = std::min(step, count - start);
         const float* nodes = s.nodes.data() + j;
-        eachRun(d, to + start, run, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        // What a run writes beyond its own pixels, the next one writes over.
+        for (std::size_t i = 0; i < step; i += hn::Lanes(d)) {
+            const float* weights = s.weights.data() + i;
             auto sum = hn::Zero(d);
             for (std::size_t m = 0; m < taps; ++m)
-                sum = hn::Add(sum,
-                              hn::Mul(hn::Set(d, nodes[m]), loadRun(d, s.weights.data() + m * step + i, n)));
-            return sum;
-        });
+                sum = hn::Add(sum, hn::Mul(hn::Set(d, nodes[m]), hn::LoadU(d, weights + m * stride)));
+            hn::StoreU(sum, d, to + start + i);
+        }
     }
+}
+
+void mixRun(float* to, float rest, const float* by, float part, std::size_t count)
+{
+    const hn::ScalableTag<float> d;
+    const auto r = hn::Set(d, rest), p = hn::Set(d, part);
+    eachRun(d, to, count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        return hn::Add(hn::Mul(r, loadRun(d, to + i, n)), hn::Mul(p, loadRun(d, by + i, n)));
+    });
 }
 
 void multiplyRun(float* to, const float* by, float factor, std::size_t count)
@@ -66,16 +76,14 @@ HWY_INLINE V weighed(D d, const Triple<V>& c, const std::array<double, 3>& w)
     return hn::Add(hn::Add(hn::Mul(set(0), c.r), hn::Mul(set(1), c.g)), hn::Mul(set(2), c.b));
 }
 
-void encodeRun(const std::array<float*, 3>& rows, std::size_t count)
+void encodeRun(const float* pixels, const std::array<float*, 3>& rows, std::size_t count)
 {
     const hn::ScalableTag<float> d;
-    using V = hn::Vec<decltype(d)>;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
         const std::size_t n = count - i;
-        const auto encoded = [&](std::size_t c) HWY_ATTR {
-            return pow01(d, loadRun(d, rows[c] + i, n), 1.0f / kVideoGamma);
-        };
-        const Triple<V> rgb{encoded(0), encoded(1), encoded(2)};
+        const auto light = loadTriple(d, pixels + i * 3, n);
+        const auto encoded = [&](auto v) HWY_ATTR { return pow01(d, v, 1.0f / kVideoGamma); };
+        const Triple<hn::Vec<decltype(d)>> rgb{encoded(light.r), encoded(light.g), encoded(light.b)};
         for (std::size_t c = 0; c < 3; ++c) storeRun(d, weighed(d, rgb, CRTScreen::yuv[c]), rows[c] + i, n);
     }
 }
@@ -150,14 +158,25 @@ void deltaLight(float* row, const float* colour, const float* cover, std::size_t
     });
 }
 
-void finishRun(float* pixels, const std::array<const float*, 3>& rows, std::size_t count, const ToneParams& p)
+void interleaveRun(float* pixels, const std::array<const float*, 3>& rows, std::size_t count)
+{
+    const hn::ScalableTag<float> d;
+    for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
+        const std::size_t n = count - i;
+        const Triple<hn::Vec<decltype(d)>> rgb{loadRun(d, rows[0] + i, n), loadRun(d, rows[1] + i, n),
+                                               loadRun(d, rows[2] + i, n)};
+        storeTriple(d, rgb, pixels + i * 3, n);
+    }
+}
+
+void finishRun(float* pixels, std::size_t count, const ToneParams& p)
 {
     const hn::ScalableTag<float> d;
     const hn::RebindToSigned<decltype(d)> di;
     using V = hn::Vec<decltype(d)>;
     const auto last = hn::Set(di, static_cast<std::int32_t>(p.lut.size()) - 1);
-    const auto toned = [&](const float* from, std::size_t n, float colour) HWY_ATTR {
-        const auto held = hn::Clamp(loadRun(d, from, n), hn::Zero(d), hn::Set(d, 4.0f));
+    const auto toned = [&](V from, float colour) HWY_ATTR {
+        const auto held = hn::Clamp(from, hn::Zero(d), hn::Set(d, 4.0f));
         const auto v = hn::Mul(held, hn::Set(d, 256.0f));
         const auto i0 = hn::Min(hn::ConvertTo(di, v), last);
         const auto i1 = hn::Min(hn::Add(i0, hn::Set(di, 1)), last);
@@ -166,9 +185,8 @@ void finishRun(float* pixels, const std::array<const float*, 3>& rows, std::size
         const auto out = hn::Add(hn::Mul(a, hn::Sub(hn::Set(d, 1.0f), part)), hn::Mul(b, part));
         return clamp01(d, hn::Mul(out, hn::Set(d, colour)));
     };
-    eachTriple(d, pixels, count, [&](Triple<V>, std::size_t i, std::size_t n) HWY_ATTR {
-        return Triple<V>{toned(rows[0] + i, n, p.colour[0]), toned(rows[1] + i, n, p.colour[1]),
-                         toned(rows[2] + i, n, p.colour[2])};
+    eachTriple(d, pixels, count, [&](Triple<V> c, std::size_t, std::size_t) HWY_ATTR {
+        return Triple<V>{toned(c.r, p.colour[0]), toned(c.g, p.colour[1]), toned(c.b, p.colour[2])};
     });
 }
 
@@ -182,12 +200,14 @@ namespace tamlo {
 HWY_EXPORT(dotRun);
 HWY_EXPORT(addRun);
 HWY_EXPORT(spreadNodes);
+HWY_EXPORT(mixRun);
 HWY_EXPORT(multiplyRun);
 HWY_EXPORT(encodeRun);
 HWY_EXPORT(decodeRun);
 HWY_EXPORT(decodeMonoRun);
 HWY_EXPORT(deltaRun);
 HWY_EXPORT(deltaLight);
+HWY_EXPORT(interleaveRun);
 HWY_EXPORT(finishRun);
 
 float dot_run(const float* a, const float* b, std::int64_t count) noexcept
@@ -205,14 +225,19 @@ void spread_nodes(float* to, std::int64_t count, const NodeSpread& spread) noexc
     HWY_DYNAMIC_DISPATCH(spreadNodes)(to, static_cast<std::size_t>(count), spread);
 }
 
+void mix_run(float* to, float rest, const float* by, float part, std::int64_t count) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(mixRun)(to, rest, by, part, static_cast<std::size_t>(count));
+}
+
 void multiply_run(float* to, const float* by, float factor, std::int64_t count) noexcept
 {
     HWY_DYNAMIC_DISPATCH(multiplyRun)(to, by, factor, static_cast<std::size_t>(count));
 }
 
-void crt_encode(std::array<float*, 3> rows, std::int64_t count) noexcept
+void crt_encode(const float* pixels, std::array<float*, 3> rows, std::int64_t count) noexcept
 {
-    HWY_DYNAMIC_DISPATCH(encodeRun)(rows, static_cast<std::size_t>(count));
+    HWY_DYNAMIC_DISPATCH(encodeRun)(pixels, rows, static_cast<std::size_t>(count));
 }
 
 void crt_decode(std::array<float*, 3> rows, const std::array<Vec3f, 3>& inverse, std::int64_t count) noexcept
@@ -245,10 +270,14 @@ void delta_light(float* row, const float* colour, const float* cover, std::int64
     (row, colour, cover, static_cast<std::size_t>(count), c, rest, lit, factor);
 }
 
-void crt_finish(float* pixels, std::array<const float*, 3> rows, std::int64_t count,
-                const ToneParams& params) noexcept
+void crt_interleave(float* pixels, std::array<const float*, 3> rows, std::int64_t count) noexcept
 {
-    HWY_DYNAMIC_DISPATCH(finishRun)(pixels, rows, static_cast<std::size_t>(count), params);
+    HWY_DYNAMIC_DISPATCH(interleaveRun)(pixels, rows, static_cast<std::size_t>(count));
+}
+
+void crt_finish(float* pixels, std::int64_t count, const ToneParams& params) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(finishRun)(pixels, static_cast<std::size_t>(count), params);
 }
 
 } // namespace tamlo

@@ -1,13 +1,14 @@
 #include "core/process/crt/crt_screen.h"
 
 #include "core/image/bands.h"
-#include "core/image/bicubic_read.h"
-#include "core/image/gaussian.h"
+#include "core/image/blur_bands.h"
+#include "core/image/cancellation.h"
 #include "core/image/resample.h"
-#include "core/image/rounding.h"
 #include "core/process/crt/crt_passes.h"
+#include "core/process/crt/face_passes.h"
 #include "core/process/crt/scan_lines.h"
 #include "core/process/crt/screen_rows.h"
+#include "core/process/crt/shown_rows.h"
 #include "core/process/crt/tube_tone.h"
 #include "core/process/crt/video_signal.h"
 #include "core/profiles/options/seed_stream.h"
@@ -23,104 +24,154 @@ namespace {
 using namespace CRTScreen;
 using Planes = std::vector<Plane>;
 
-constexpr double kLeastShare = 0.0001; // an overscan or a bloom below this is none
+constexpr double kLeastShare = 0.0001; // a bloom below this is none
 constexpr double kLeastBulge = 1e-6;
 constexpr double kLeastSigmaPx = 0.3;
+constexpr std::int64_t kRowsACancel = 64;
 
-Plane cutTo(const Plane& plane, std::int64_t left, std::int64_t top)
+/// The picture's signal, sampled into the `count` lines that the tube draws or as many as it has rows: one
+/// plane of a single tube, three otherwise. No picture of the signal ever stands in memory.
+Planes signalLines(const RGBImage& image, Size shown, const Tube& tube, std::int64_t count)
 {
-    Plane out(plane.width - 2 * left, plane.height - 2 * top);
-    float* to = out.mutableData();
-    for (std::int64_t y = 0; y < out.height; ++y)
-        std::copy_n(plane.row(y + top) + left, out.width, to + y * out.width);
-    return out;
-}
-
-/// The picture in three planes of the size shown, less what the tube's frame hides.
-Planes takeIn(RGBImage image, Size shown, const Tube& tube)
-{
-    Planes planes;
-    for (int c = 0; c < 3; ++c) {
-        Plane plane = image.plane(c);
-        if (c == 2) image = {};
-        if (plane.size() != shown) plane = pilResize(plane, shown, Resampling::bicubic);
-        if (tube.overscan > kLeastShare) {
-            const auto hidden = [&](std::int64_t side) {
-                return std::min(pyRound(tube.overscan * static_cast<double>(side)), (side - 1) / 2);
-            };
-            plane = pilResize(cutTo(plane, hidden(shown.width), hidden(shown.height)), shown,
-                              Resampling::lanczos);
-        }
-        planes.push_back(std::move(plane));
+    const ShownRows picture(image, shown, tube.overscan);
+    const VideoSignal video(shown.width, tube.lumaCycles, tube.chromaCycles, tube.mono());
+    const ResampleCoeffs boxes(shown.height, count, Resampling::box);
+    Planes planes(tube.mono() ? 1 : 3);
+    std::array<float*, 3> data{};
+    for (std::size_t c = 0; c < planes.size(); ++c) {
+        planes[c] = Plane(shown.width, count);
+        data[c] = planes[c].mutableData();
     }
+    const std::int64_t rowsALine = (shown.height - 1) / count + 1;
+    parallelBands(count, shown.width * 8 * rowsALine, [&](std::int64_t start, std::int64_t end) {
+        ShownRows::Reader reader(picture);
+        RowBlur::Scratch scratch;
+        std::array<std::vector<float>, 3> room;
+        std::array<float*, 3> rows{};
+        for (std::size_t c = 0; c < 3; ++c) {
+            room[c].resize(static_cast<std::size_t>(shown.width));
+            rows[c] = room[c].data();
+        }
+        for (std::int64_t line = start; line < end; ++line) {
+            const auto i = static_cast<std::size_t>(line);
+            for (std::int64_t j = 0; j < boxes.n[i]; ++j) {
+                if (j % kRowsACancel == 0) cancellationPoint();
+                video.row(reader.row(boxes.xmin[i] + j), rows, scratch);
+                const auto weight = static_cast<float>(
+                    boxes.k[i * static_cast<std::size_t>(boxes.ksize) + static_cast<std::size_t>(j)]);
+                for (std::size_t c = 0; c < planes.size(); ++c)
+                    add_run(data[c] + line * shown.width, rows[c], weight, shown.width);
+            }
+        }
+    });
     return planes;
 }
 
-/// The signal sampled into lines; where they can't be drawn, back in rows of pixels.
-void sampleLines(Planes& planes, Size shown, double linePx, bool draw)
+/// The lines as the rest of the chain takes them: as they are where they are drawn, back in rows of pixels
+/// where they can't be.
+Planes sampled(const RGBImage& image, Size shown, const Tube& tube, double linePx, bool draw)
 {
     const std::int64_t n = lineCount(shown.height, linePx);
-    if (!draw && n >= 2 * shown.height) return; // twice the lines take nothing from the picture
+    // Twice the lines take nothing from the picture.
+    if (!draw && n >= 2 * shown.height) return signalLines(image, shown, tube, shown.height);
+    Planes planes = signalLines(image, shown, tube, n);
+    if (draw) return planes;
     for (Plane& plane : planes) {
-        plane = pilResize(plane, {shown.width, n}, Resampling::box);
-        if (draw) continue;
         plane = pilResize(plane, shown, Resampling::lanczos);
         float* values = plane.mutableData();
         for (std::int64_t i = 0; i < plane.count(); ++i) values[i] = std::clamp(values[i], 0.0f, 1.0f);
     }
+    return planes;
 }
 
 /// Part of the light spreads in the glass.
 Plane bloomed(Plane plane, double share, double sigmaPx)
 {
-    Plane glow = blurChannel(plane, sigmaPx);
-    const auto rest = static_cast<float>(1.0 - share), part = static_cast<float>(share);
-    float* values = plane.mutableData();
-    const float* spread = glow.data.data();
+    if (!(sigmaPx > 0.0)) return plane;
     const std::int64_t width = plane.width;
+    float* values = plane.mutableData();
+    const EnlargedRows glow = heldBlur(plane.size(), 1, sigmaPx, [&](std::int64_t y, float* to) {
+        std::copy_n(values + y * width, width, to);
+    });
+    const auto rest = static_cast<float>(1.0 - share), part = static_cast<float>(share);
     parallelBands(plane.height, width, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t i = start * width; i < end * width; ++i)
-            values[i] = rest * values[i] + part * spread[i];
+        std::vector<float> spread(static_cast<std::size_t>(width));
+        for (std::int64_t y = start; y < end; ++y) {
+            glow.row(y, spread.data());
+            mix_run(values + y * width, rest, spread.data(), part, width);
+        }
     });
     return plane;
 }
 
-/// The curved face, its frame's corners held where they are.
-Planes bulged(Planes planes, const Tube& tube)
-{
-    const auto [width, height] = planes[0].size();
-    const auto k = static_cast<float>(tube.bulge);
-    const float per = 1.0f / (1.0f + k * (tube.cylinder ? 1.0f : 2.0f));
-    const float w = static_cast<float>(width), h = static_cast<float>(height);
-    Planes out;
-    for (std::size_t c = 0; c < planes.size(); ++c) out.emplace_back(width, height);
-    std::array<float*, 3> data{};
-    for (std::size_t c = 0; c < out.size(); ++c) data[c] = out[c].mutableData();
-    parallelBands(height, width * 16, [&](std::int64_t start, std::int64_t end) {
-        for (std::int64_t y = start; y < end; ++y) {
-            const float yn = (static_cast<float>(y) + 0.5f) / h * 2.0f - 1.0f;
-            const float yn2 = tube.cylinder ? 0.0f : yn * yn;
-            for (std::int64_t x = 0; x < width; ++x) {
-                const float xn = (static_cast<float>(x) + 0.5f) / w * 2.0f - 1.0f;
-                const float f = (1.0f + k * (xn * xn + yn2)) * per;
-                const float atX = (xn * f + 1.0f) * 0.5f * w - 0.5f, atY = (yn * f + 1.0f) * 0.5f * h - 0.5f;
-                for (std::size_t c = 0; c < planes.size(); ++c)
-                    data[c][y * width + x] = readBicubic(planes[c], atX, atY);
-            }
-        }
-    });
-    return out;
-}
+/// What the camera sees through its lens of the curved face, whose frame's corners are held where they are.
+class Face {
+public:
+    Face(const Planes& planes, const Tube& tube) : planes_(planes), size_(planes[0].size())
+    {
+        curved_ = tube.bulge > kLeastBulge;
+        cylinder_ = tube.cylinder;
+        k_ = static_cast<float>(tube.bulge);
+        per_ = 1.0f / (1.0f + k_ * (cylinder_ ? 1.0f : 2.0f));
+    }
 
-RGBImage photographed(const Planes& planes, const Tube& tube, const std::vector<float>& lut)
+    /// Row y: one channel of a single tube, interleaved otherwise.
+    void row(std::int64_t y, float* to) const
+    {
+        const std::int64_t width = size_.width;
+        const std::size_t channels = planes_.size();
+        if (!curved_) {
+            if (channels == 1)
+                std::copy_n(planes_[0].row(y), width, to);
+            else
+                crt_interleave(to, {planes_[0].row(y), planes_[1].row(y), planes_[2].row(y)}, width);
+            return;
+        }
+        const float yn = (static_cast<float>(y) + 0.5f) / static_cast<float>(size_.height) * 2.0f - 1.0f;
+        const FaceRow row{planes_, yn, cylinder_ ? 0.0f : yn * yn, k_, per_};
+        if (channels == 1) return face_row({to, to, to}, row);
+        std::vector<float> room(static_cast<std::size_t>(3 * width));
+        float* r = room.data();
+        face_row({r, r + width, r + 2 * width}, row);
+        crt_interleave(to, {r, r + width, r + 2 * width}, width);
+    }
+
+private:
+    const Planes& planes_;
+    Size size_;
+    bool curved_, cylinder_;
+    float k_, per_;
+};
+
+/// Into `out`, which is the picture's own block where that has the size shown.
+RGBImage photographed(const Planes& planes, RGBImage out, const Tube& tube, double cameraPx,
+                      const std::vector<float>& lut)
 {
-    const auto [width, height] = planes[0].size();
-    RGBImage out(width, height);
+    const Size size = planes[0].size();
+    const std::int64_t width = size.width, channels = planes.size() == 1 ? 1 : 3;
+    if (out.size() != size || !out.data.isUnique()) out = RGBImage(width, size.height);
     float* pixels = out.mutableData();
-    parallelBands(height, width * 3, [&](std::int64_t start, std::int64_t end) {
-        std::array<const float*, 3> rows{};
-        for (std::size_t c = 0; c < 3; ++c) rows[c] = planes[c % planes.size()].row(start);
-        crt_finish(pixels + start * width * 3, rows, (end - start) * width, {lut, tube.colour});
+    const Face face(planes, tube);
+    const ToneParams tone{lut, tube.colour};
+    const auto finish = [&](std::int64_t y, const float* row) {
+        float* to = pixels + y * width * 3;
+        if (channels == 1)
+            crt_interleave(to, {row, row, row}, width);
+        else if (row != to)
+            std::copy_n(row, width * 3, to);
+        crt_finish(to, width, tone);
+    };
+    if (cameraPx >= kLeastSigmaPx) {
+        blurInBands(
+            size, channels, cameraPx, [&](std::int64_t y, float* to) { face.row(y, to); }, finish);
+        return out;
+    }
+    parallelBands(size.height, width * 16, [&](std::int64_t start, std::int64_t end) {
+        std::vector<float> row(static_cast<std::size_t>(width * channels));
+        for (std::int64_t y = start; y < end; ++y) {
+            face.row(y, row.data());
+            finish(y, row.data());
+        }
     });
     return out;
 }
@@ -137,9 +188,8 @@ RGBImage CRTScreen::apply(RGBImage image, Size shown, const PaperProfile& paper,
     const bool lines = structure.linesDrawn && !options.blackProbe;
     const bool mask = structure.maskDrawn && !options.blackProbe;
 
-    Planes planes =
-        throughVideo(takeIn(std::move(image), shown, face), face.lumaCycles, face.chromaCycles, face.mono());
-    sampleLines(planes, shown, structure.linePx, lines);
+    Planes planes = sampled(image, shown, face, structure.linePx, lines);
+    if (image.size() != shown) image = {};
     ScreenPlan plan{face, shown, p};
     plan.linePx = lines ? structure.linePx : 0.0;
     plan.maskPx = mask ? structure.maskPx : 0.0;
@@ -152,11 +202,8 @@ RGBImage CRTScreen::apply(RGBImage image, Size shown, const PaperProfile& paper,
     planes = drawScreen(std::move(planes), plan);
     if (face.bloom > kLeastShare)
         for (Plane& plane : planes) plane = bloomed(std::move(plane), face.bloom, face.bloomMm * 1000.0 / p);
-    if (face.bulge > kLeastBulge) planes = bulged(std::move(planes), face);
-    const double camera = face.cameraPsfUm / p;
-    if (camera >= kLeastSigmaPx)
-        for (Plane& plane : planes) plane = blurChannel(std::move(plane), camera);
-    return photographed(planes, face, toneLUT(paper, {structure.maskPx > 0.0 && !mask, !lines}, options));
+    return photographed(planes, std::move(image), face, face.cameraPsfUm / p,
+                        toneLUT(paper, {structure.maskPx > 0.0 && !mask, !lines}, options));
 }
 
 } // namespace tamlo

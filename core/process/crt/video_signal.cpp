@@ -1,6 +1,5 @@
 #include "core/process/crt/video_signal.h"
 
-#include "core/image/bands.h"
 #include "core/process/crt/crt_passes.h"
 
 #include <algorithm>
@@ -68,7 +67,8 @@ RowBlur::RowBlur(double sigma, std::int64_t width, EdgeMode edge) : width_(width
     nodes_ = (width - 1) / step_ + 1 + 2 * reach_;
     pad_ = std::max(reach_ * step_ + radius, (firstNode_ + nodes_) * step_ + radius - width);
 
-    spread_.resize(static_cast<std::size_t>((2 * reach_ + 1) * step_));
+    stride_ = (step_ + spreadBlock - 1) / spreadBlock * spreadBlock;
+    spread_.resize(static_cast<std::size_t>((2 * reach_ + 1) * stride_));
     for (std::int64_t p = 0; p < step_; ++p) {
         double sum = 0.0;
         std::vector<double> weights(static_cast<std::size_t>(2 * reach_ + 1));
@@ -78,7 +78,7 @@ RowBlur::RowBlur(double sigma, std::int64_t width, EdgeMode edge) : width_(width
             sum += weights[static_cast<std::size_t>(m + reach_)];
         }
         for (std::int64_t m = 0; m <= 2 * reach_; ++m)
-            spread_[static_cast<std::size_t>(m * step_ + p)] =
+            spread_[static_cast<std::size_t>(m * stride_ + p)] =
                 static_cast<float>(weights[static_cast<std::size_t>(m)] / sum);
     }
 }
@@ -114,37 +114,31 @@ void RowBlur::apply(float* row, Scratch& scratch) const
     for (std::int64_t j = 0; j < nodes_; ++j)
         nodes[static_cast<std::size_t>(j)] =
             dot_run(collect_.data(), padded.data() + pad_ + (firstNode_ + j) * step_ - taps / 2, taps);
-    spread_nodes(row, width_, {nodes, spread_, step_, reach_});
+    std::vector<float>& out = scratch.out;
+    out.resize(static_cast<std::size_t>(width_ + step_ + stride_));
+    spread_nodes(out.data(), width_, {nodes, spread_, step_, stride_, reach_});
+    std::copy_n(out.begin(), width_, row);
 }
 
-std::vector<Plane> CRTScreen::throughVideo(std::vector<Plane> planes, double lumaCycles, double chromaCycles,
-                                           bool mono)
+CRTScreen::VideoSignal::VideoSignal(std::int64_t width, double lumaCycles, double chromaCycles, bool mono)
+    : width_(width),
+      mono_(mono),
+      luma_(bandSigmaPx(width, lumaCycles), width),
+      chroma_(bandSigmaPx(width, chromaCycles), width)
 {
-    const auto [width, height] = planes[0].size();
-    const RowBlur luma(bandSigmaPx(width, lumaCycles), width);
-    const RowBlur chroma(bandSigmaPx(width, chromaCycles), width);
-    std::array<Vec3f, 3> inverse{};
     for (std::size_t i = 0; i < 3; ++i)
-        for (std::size_t j = 0; j < 3; ++j) inverse[i][j] = static_cast<float>(yuvInv()[i][j]);
-    const std::array<float*, 3> data{planes[0].mutableData(), planes[1].mutableData(),
-                                     planes[2].mutableData()};
-    parallelBands(height, width * 8, [&](std::int64_t start, std::int64_t end) {
-        RowBlur::Scratch scratch;
-        for (std::int64_t y = start; y < end; ++y) {
-            const std::array<float*, 3> rows{data[0] + y * width, data[1] + y * width, data[2] + y * width};
-            crt_encode(rows, width);
-            luma.apply(rows[0], scratch);
-            if (mono) {
-                crt_decode_mono(rows[0], width);
-                continue;
-            }
-            chroma.apply(rows[1], scratch);
-            chroma.apply(rows[2], scratch);
-            crt_decode(rows, inverse, width);
-        }
-    });
-    if (mono) planes.resize(1);
-    return planes;
+        for (std::size_t j = 0; j < 3; ++j) inverse_[i][j] = static_cast<float>(yuvInv()[i][j]);
+}
+
+void CRTScreen::VideoSignal::row(const float* pixels, const std::array<float*, 3>& rows,
+                                 RowBlur::Scratch& scratch) const
+{
+    crt_encode(pixels, rows, width_);
+    luma_.apply(rows[0], scratch);
+    if (mono_) return crt_decode_mono(rows[0], width_);
+    chroma_.apply(rows[1], scratch);
+    chroma_.apply(rows[2], scratch);
+    crt_decode(rows, inverse_, width_);
 }
 
 } // namespace tamlo

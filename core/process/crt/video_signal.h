@@ -4,7 +4,7 @@
 #pragma once
 
 #include "core/image/gaussian.h"
-#include "core/image/plane.h"
+#include "core/image/rgb_image.h"
 
 #include <array>
 #include <cstdint>
@@ -43,16 +43,26 @@ private:
     std::int64_t pad_ = 0;
     std::int64_t firstNode_ = 0, nodes_ = 0;
     std::vector<float> collect_; ///< kernel of the nodes, or the whole kernel where every pixel is one
-    /// Weights of node j + m on pixel j × step + p: spread_[(m + reach_) × step + p].
+    /// Weights of node j + m on pixel j × step + p: spread_[(m + reach_) × stride + p].
     std::vector<float> spread_;
-    std::int64_t reach_ = 0;
+    std::int64_t stride_ = 1, reach_ = 0;
 };
 
 /// Sigma of the blur that leaves 0.3 of the last cycle of a band.
 double bandSigmaPx(std::int64_t width, double cycles);
 
-/// One plane of brightness where `planes` is to hold a single tube's, three of red, green and blue otherwise.
-/// Shape: three planes in; one out when mono, the others are dropped.
-std::vector<Plane> throughVideo(std::vector<Plane> planes, double lumaCycles, double chromaCycles, bool mono);
+/// The whole way of a row through the signal and back.
+class VideoSignal {
+public:
+    VideoSignal(std::int64_t width, double lumaCycles, double chromaCycles, bool mono);
+    /// Three rows of red, green and blue; of a single tube's brightness in the first, the others work room.
+    void row(const float* pixels, const std::array<float*, 3>& rows, RowBlur::Scratch& scratch) const;
+
+private:
+    std::int64_t width_;
+    bool mono_;
+    RowBlur luma_, chroma_;
+    std::array<Vec3f, 3> inverse_{};
+};
 
 } // namespace tamlo::CRTScreen

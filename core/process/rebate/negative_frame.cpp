@@ -88,8 +88,8 @@ float edgeRamp(float distance, float t, float open, float band)
     return low + (1.0f - low) * std::clamp(distance / wide, 0.0f, 1.0f);
 }
 
-/// The mask at a pixel.
-float maskAt(std::int64_t x, std::int64_t y, Size canvas, const Profiles& p)
+/// The mask at a pixel; `solid` pixels within the film it is 1 everywhere.
+float maskAt(std::int64_t x, std::int64_t y, Size canvas, const Profiles& p, float solid)
 {
     const auto xi = static_cast<std::size_t>(x), yi = static_cast<std::size_t>(y);
     const float px = static_cast<float>(x), py = static_cast<float>(y);
@@ -97,6 +97,8 @@ float maskAt(std::int64_t x, std::int64_t y, Size canvas, const Profiles& p)
     const FourSides<float> inside{py - above, below - py, px - first, last - px};
     float d = *std::min_element(inside.begin(), inside.end());
     if (!p.layout.style.styled) return std::clamp(d + 0.5f, 0.0f, 1.0f);
+    if (d <= -0.5f) return 0.0f;
+    if (d >= solid) return 1.0f;
 
     const auto open = static_cast<float>(p.layout.style.edgeOpen);
     const bool banded = open < 1.0f;
@@ -122,6 +124,14 @@ double largestCorner(const Layout& layout)
 {
     if (!layout.cornerR) return layout.winRoundPx;
     return *std::max_element(layout.cornerR->begin(), layout.cornerR->end());
+}
+
+/// Distance from the film's edge behind which neither the band of a side nor a corner reaches.
+float solidPx(const Profiles& p)
+{
+    const float strongest = *std::max_element(p.edgeT.begin(), p.edgeT.end());
+    const float band = std::max(p.edgeBandPx * (0.35f + 0.65f * strongest), 1.0f);
+    return std::max(band, static_cast<float>(largestCorner(p.layout))) + 1.0f;
 }
 
 } // namespace
@@ -231,9 +241,10 @@ Plane NegativeFrame::windowMask(Size picture, const Profiles& profiles)
     const Size canvas = profiles.layout.canvas(picture);
     Plane mask(canvas.width, canvas.height, 1.0f);
     float* values = mask.mutableData();
+    const float solid = solidPx(profiles);
     inRing(canvas, maskReach(profiles), [&](std::int64_t y, std::int64_t first, std::int64_t end) {
         for (std::int64_t x = first; x < end; ++x)
-            values[y * canvas.width + x] = maskAt(x, y, canvas, profiles);
+            values[y * canvas.width + x] = maskAt(x, y, canvas, profiles, solid);
     });
     return mask;
 }
