@@ -34,12 +34,14 @@ void AppModel::tell(std::string text)
 {
     status_ = std::move(text);
     lastActionFailed_ = false;
+    observers.note(Concern::status);
 }
 
 void AppModel::tellFailure(std::string text)
 {
     status_ = std::move(text);
     lastActionFailed_ = true;
+    observers.note(Concern::status);
 }
 
 std::int64_t AppModel::frameGen(const FrameID& id) const
@@ -50,6 +52,7 @@ std::int64_t AppModel::frameGen(const FrameID& id) const
 
 void AppModel::touch(const FrameIDs& ids)
 {
+    observers.note(Concern::roll);
     for (const FrameID& id : ids) ++frameGen_[id];
     seams_.views.renderThumbs(ids);
     if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
@@ -88,6 +91,7 @@ bool AppModel::editProject(History::Change step, const std::function<void(Projec
     history_.record(std::move(step), project_, seams_.loop.now());
     project_ = std::move(after);
     ++rollGen_;
+    observers.note(Concern::roll);
     return true;
 }
 
@@ -121,6 +125,7 @@ void AppModel::applySnapshot(const History::Step& step)
     for (const Frame& frame : project_.frames) here.insert(frame.id);
     project_ = withPresentFiles(step.snapshot, project_, step.linksFiles);
     ++rollGen_;
+    observers.note(Concern::roll);
     seams_.views.cancelPendingRenders();
     for (const Frame& frame : project_.frames)
         if (!here.contains(frame.id)) seams_.views.load(frame.id);
@@ -146,6 +151,7 @@ void AppModel::adopt(Project project, std::optional<Path> url)
     history_.clear();
     frameGen_.clear();
     ++rollGen_;
+    observers.note(Concern::roll);
     linker.begin();
     selection.begin();
     seams_.views.renderAllThumbs();

@@ -43,6 +43,7 @@ public:
     void openedProject() override;
     void closingProject() override;
     void clear() override;
+    std::int64_t pictureGen() const override { return screen_.shownGen(); }
 
     /// Keys of the open project's proxies and tiles, by their paths in the cache.
     std::vector<std::string> projectKeys() const;
