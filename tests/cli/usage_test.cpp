@@ -414,7 +414,7 @@ TEST_F(UsageTest, SpeaksBothLanguages)
         {{"devlop"},
          2,
          {"нет команды «devlop»; есть develop, plan, measure, list, show, check, import, export, help, "
-          "completion и project"}},
+          "completion, project, cache, rack и session"}},
         {{"develop"}, 2, {"не хватает аргумента INPUT (как пользоваться: tamlo --help)"}},
         {{"list", "moons"}, 2, {"есть films, lenses, papers, filters, presets и options, но нет «moons»"}},
         {{"develop", "a.jpg", "--film", "portra40"},
