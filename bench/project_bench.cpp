@@ -158,13 +158,36 @@ void editOfAll(benchmark::State& state)
     Session session;
     session.model.saver.adopt(roll());
     std::vector<FrameID> ids = session.model.selection.visibleIDs();
+    std::size_t told = 0;
+    Subscription subscription;
+    if (state.range(0) == 1)
+        subscription = session.model.subscribe(
+            ConcernSet::all(), [&](const ChangeSet& change) { told += change.frames.size(); });
     double grade = 0;
     for (auto _ : state) {
         grade = grade == 1 ? 2 : 1;
         session.model.rack.change(ids, [&](ProcessSettings& settings) { settings.options.grade = grade; });
+        session.loop.runPosted();
     }
+    benchmark::DoNotOptimize(told);
 }
-BENCHMARK(editOfAll)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(editOfAll)->Arg(0)->Arg(1)->ArgName("observed")->Unit(benchmark::kMillisecond)->Iterations(20);
+
+/// The roll is turned round while a list on screen follows it.
+void reverseObserved(benchmark::State& state)
+{
+    Session session;
+    session.model.saver.adopt(roll());
+    std::size_t moved = 0;
+    const Subscription subscription = session.model.subscribe(
+        {Concern::roll}, [&](const ChangeSet& change) { moved += change.rows.size(); });
+    for (auto _ : state) {
+        session.model.ordering.reverseFrames();
+        session.loop.runPosted();
+    }
+    benchmark::DoNotOptimize(moved);
+}
+BENCHMARK(reverseObserved)->Unit(benchmark::kMillisecond)->Iterations(10);
 
 /// 200 undo steps: of one frame each, or of a process pasted into all.
 void twoHundredSteps(benchmark::State& state)

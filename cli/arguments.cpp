@@ -256,6 +256,8 @@ struct CommandLine {
     HelpArguments help;
     CompletionArguments completion;
     CacheArguments cache;
+    RackArguments rack;
+    SessionArguments session;
     ProjectCommand project;
 
     CommandLine()
@@ -273,6 +275,8 @@ struct CommandLine {
         addArgument(*completionCommand, "SHELL", completion.shell, T("cli.help.shell"));
         describeProject(app, project);
         describeCache(*app.add_subcommand("cache", T("cli.help.cache")), cache);
+        describeRack(*app.add_subcommand("rack", T("cli.help.rack")), rack);
+        describeSession(*app.add_subcommand("session", T("cli.help.session")), session);
         app.add_option("--lang")->description(T("cli.help.lang"))->type_name("LANG");
         for (CLI::App* command : app.get_subcommands(nullptr)) {
             command->fallthrough();
@@ -302,6 +306,8 @@ struct CommandLine {
         if (name == "completion") return completion;
         if (name == "project") return project;
         if (name == "cache") return cache;
+        if (name == "rack") return rack;
+        if (name == "session") return session;
         return exported;
     }
 };

@@ -4,6 +4,8 @@
 
 #include "cli/cache.h"
 #include "cli/project_arguments.h"
+#include "cli/rack.h"
+#include "cli/session.h"
 #include "core/profiles/catalogue/preset_library.h"
 
 #include <cstdint>
@@ -108,7 +110,7 @@ struct Answer {
 
 using Command = std::variant<DevelopArguments, PlanArguments, MeasureArguments, ListArguments, ShowArguments,
                              CheckArguments, ImportArguments, ExportArguments, ProjectCommand, CacheArguments,
-                             HelpArguments, CompletionArguments, Answer>;
+                             RackArguments, SessionArguments, HelpArguments, CompletionArguments, Answer>;
 
 /// Chooses the language of the run where --lang names one, before anything is said.
 /// Errors: UsageError with one sentence.

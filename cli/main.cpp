@@ -11,8 +11,10 @@
 #include "cli/option_help.h"
 #include "cli/plan.h"
 #include "cli/project.h"
+#include "cli/rack.h"
 #include "cli/recipe.h"
 #include "cli/service.h"
+#include "cli/session.h"
 #include "cli/usage_error.h"
 #include "core/text/error_words.h"
 
@@ -56,6 +58,8 @@ struct Runner {
     }
     int operator()(const ProjectCommand& command) const { return runProject(command, std::cout); }
     int operator()(const CacheArguments& arguments) const { return runCache(arguments, std::cout); }
+    int operator()(const RackArguments& arguments) const { return runRack(arguments, std::cout); }
+    int operator()(const SessionArguments& arguments) const { return runSession(arguments, std::cout); }
     int operator()(const HelpArguments& arguments) const
     {
         helpOnOption(arguments, std::cout);
@@ -66,7 +70,7 @@ struct Runner {
         std::cout << completionScript(arguments.shell, ProfileStore::shared());
         return 0;
     }
-    int operator()(const Answer& answer) const
+    int operator()(const cli::Answer& answer) const
     {
         std::cout << answer.text;
         return 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "cli/project_arguments.h"
+#include "cli/project_session.h"
 
 #include <iosfwd>
 
@@ -13,24 +14,28 @@ namespace tamlo::cli {
 /// can't be carried out; Interrupted; std::exception with a sentence for what failed.
 int runProject(const ProjectCommand& command, std::ostream& results);
 
-// The verbs, by file: project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp,
-// project_arrange.cpp, project_files.cpp, project_preview.cpp.
-int run(const ProjectAddArguments& arguments, std::ostream& results);
-int run(const ProjectShowArguments& arguments, std::ostream& results);
-int run(const ProjectCheckArguments& arguments, std::ostream& results);
-int run(const ProjectSetArguments& arguments, std::ostream& results);
-int run(const ProjectPresetArguments& arguments, std::ostream& results);
-int run(const ProjectMarkArguments& arguments, std::ostream& results);
-int run(const ProjectTurnArguments& arguments, std::ostream& results);
-int run(const ProjectCopyArguments& arguments, std::ostream& results);
-int run(const ProjectPasteArguments& arguments, std::ostream& results);
-int run(const ProjectApplyArguments& arguments, std::ostream& results);
-int run(const ProjectResetArguments& arguments, std::ostream& results);
-int run(const ProjectRemoveArguments& arguments, std::ostream& results);
-int run(const ProjectOrderArguments& arguments, std::ostream& results);
-int run(const ProjectCropArguments& arguments, std::ostream& results);
-int run(const ProjectRerollArguments& arguments, std::ostream& results);
-int run(const ProjectLocateArguments& arguments, std::ostream& results);
+/// The same on a roll that is open already; nothing for a verb that is not about one roll's frames.
+std::optional<int> runOn(RollSession& session, const ProjectCommand& command, std::ostream& results);
+
+// The verbs that work on an open roll, then those that open what they need themselves. By file:
+// project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp, project_arrange.cpp,
+// project_files.cpp, project_preview.cpp.
+int run(RollSession& session, const ProjectAddArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectShowArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectCheckArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectSetArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectPresetArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectMarkArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectTurnArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectCopyArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectPasteArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectApplyArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectResetArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectRemoveArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectOrderArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectCropArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectRerollArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectLocateArguments& arguments, std::ostream& results);
 int run(const ProjectBackupsArguments& arguments, std::ostream& results);
 int run(const ProjectRestoreArguments& arguments, std::ostream& results);
 int run(const ProjectRecentArguments& arguments, std::ostream& results);

@@ -1,6 +1,7 @@
 #include "cli/project_arguments.h"
 
 #include "app/shell/crop_draft.h"
+#include "cli/rack.h"
 #include "core/text/loc.h"
 
 #include <CLI/CLI.hpp>
@@ -210,6 +211,12 @@ void describeProject(CLI::App& app, ProjectCommand& into)
         verb->fallthrough();
         verb->get_help_ptr()->group(T("cli.help.options"));
     }
+}
+
+void describeRack(CLI::App& command, RackArguments& into)
+{
+    takeFrame(command, into);
+    command.add_flag("--json", into.json, T("cli.help.jsonObject"));
 }
 
 } // namespace tamlo::cli

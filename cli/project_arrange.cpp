@@ -16,8 +16,6 @@
 namespace tamlo::cli {
 namespace {
 
-using Access = ProjectSession::Access;
-
 /// The crop of "x,y,w,h[,angle]".
 Crop cropNamed(const std::string& text)
 {
@@ -50,7 +48,7 @@ CropAspectKind ratioNamed(const std::string& text)
 }
 
 /// The crop that ratio and level make of what a frame has.
-std::optional<Crop> madeCrop(const ProjectSession& session, const Frame& frame,
+std::optional<Crop> madeCrop(const RollSession& session, const Frame& frame,
                              const std::optional<CropAspectKind>& ratio, std::optional<double> level)
 {
     std::optional<CropDraft> draft = session.model().cropping.draftOf(frame);
@@ -67,18 +65,17 @@ std::optional<Crop> madeCrop(const ProjectSession& session, const Frame& frame,
 
 } // namespace
 
-int run(const ProjectOrderArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectOrderArguments& arguments, std::ostream& results)
 {
     const std::map<std::string, SortMode> modes{{"name", SortMode::name}, {"shot", SortMode::shot}};
     const std::string& word = arguments.frames;
     const bool isMove = arguments.before || arguments.after;
     if (!isMove && word != "reverse" && !modes.contains(word)) throw UsageError(T("cli.project.badOrder"));
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    Ordering& ordering = session->model().ordering;
-    const Project before = session->project();
+    Ordering& ordering = session.model().ordering;
+    const Project before = session.project();
     if (isMove) {
-        const FrameID target = session->frame(arguments.before ? *arguments.before : *arguments.after);
-        const auto ids = session->frames(word);
+        const FrameID target = session.frame(arguments.before ? *arguments.before : *arguments.after);
+        const auto ids = session.frames(word);
         arguments.before ? ordering.moveBefore(ids, target) : ordering.moveAfter(ids, target);
     } else if (word == "reverse") {
         ordering.reverseFrames();
@@ -87,37 +84,35 @@ int run(const ProjectOrderArguments& arguments, std::ostream& results)
     }
     std::size_t moved = 0;
     for (std::size_t i = 0; i < before.frames.size(); ++i)
-        moved += before.frames[i].id != session->project().frames[i].id;
-    if (!(before == session->project())) session->save();
+        moved += before.frames[i].id != session.project().frames[i].id;
+    if (!(before == session.project())) session.save();
     results << Loc::string("cli.project.changed", static_cast<std::int64_t>(moved)) << std::endl;
     return 0;
 }
 
-int run(const ProjectCropArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectCropArguments& arguments, std::ostream& results)
 {
     const bool isMade = arguments.ratio || arguments.levelDegrees;
     if (isMade != arguments.crop.empty()) throw UsageError(T("cli.project.noCrop"));
     const auto ratio = arguments.ratio ? std::optional(ratioNamed(*arguments.ratio)) : std::nullopt;
     const auto crop =
         isMade || arguments.crop == "none" ? std::nullopt : std::optional(cropNamed(arguments.crop));
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    const std::size_t changed = session->model().cropping.setCrops(ids, [&](const Frame& frame) {
-        return isMade ? madeCrop(*session, frame, ratio, arguments.levelDegrees) : crop;
+    const auto ids = session.frames(arguments.frames);
+    const std::size_t changed = session.model().cropping.setCrops(ids, [&](const Frame& frame) {
+        return isMade ? madeCrop(session, frame, ratio, arguments.levelDegrees) : crop;
     });
-    if (changed > 0) session->save();
+    if (changed > 0) session.save();
     results << Loc::string("cli.project.changed", static_cast<std::int64_t>(changed)) << std::endl;
     return 0;
 }
 
-int run(const ProjectRerollArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectRerollArguments& arguments, std::ostream& results)
 {
     const auto& names = Seeds::kSeedStreamTexts;
     const auto stream =
         static_cast<Seeds::SeedStream>(std::ranges::find(names, arguments.stream) - names.begin());
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const std::size_t changed = session->model().rack.reroll(session->frames(arguments.frames), stream);
-    if (changed > 0) session->save();
+    const std::size_t changed = session.model().rack.reroll(session.frames(arguments.frames), stream);
+    if (changed > 0) session.save();
     results << Loc::string("cli.project.changed", static_cast<std::int64_t>(changed)) << std::endl;
     return 0;
 }

@@ -16,10 +16,8 @@ namespace tamlo::cli {
 namespace {
 
 namespace fs = std::filesystem;
-using Access = ProjectSession::Access;
-
 /// Saves what an edit has changed and tells how much that was.
-int concluded(ProjectSession& session, std::size_t changed, std::ostream& results)
+int concluded(RollSession& session, std::size_t changed, std::ostream& results)
 {
     if (changed > 0) session.save();
     results << Loc::string("cli.project.changed", static_cast<std::int64_t>(changed)) << std::endl;
@@ -53,69 +51,63 @@ PresetDocument presetNamed(const std::string& idOrFile, const ProfileStore& stor
 
 } // namespace
 
-int run(const ProjectSetArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectSetArguments& arguments, std::ostream& results)
 {
     const auto change = processChange(arguments.settings, ProfileStore::shared());
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    return concluded(*session, session->model().rack.change(ids, change), results);
+    const auto ids = session.frames(arguments.frames);
+    return concluded(session, session.model().rack.change(ids, change), results);
 }
 
-int run(const ProjectPresetArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectPresetArguments& arguments, std::ostream& results)
 {
     const PresetDocument document = presetNamed(arguments.preset, ProfileStore::shared());
     const auto blocks = arguments.blocks ? blocksNamed(*arguments.blocks) : document.blocks();
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
+    const auto ids = session.frames(arguments.frames);
     for (const std::string& note : document.warnings) tellNote(note);
-    return concluded(*session, session->model().presets.apply(ids, document.typed(blocks), document.id()),
+    return concluded(session, session.model().presets.apply(ids, document.typed(blocks), document.id()),
                      results);
 }
 
-int run(const ProjectMarkArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectMarkArguments& arguments, std::ostream& results)
 {
     const std::map<std::string, Mark> marks{
         {"pick", Mark::selected}, {"reject", Mark::rejected}, {"none", Mark::none}};
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    const Project before = session->project();
-    session->model().marks.assign(ids, marks.at(arguments.mark));
-    return concluded(*session, changedSince(before, session->project()), results);
+    const auto ids = session.frames(arguments.frames);
+    const Project before = session.project();
+    session.model().marks.assign(ids, marks.at(arguments.mark));
+    return concluded(session, changedSince(before, session.project()), results);
 }
 
-int run(const ProjectTurnArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectTurnArguments& arguments, std::ostream& results)
 {
     const std::map<std::string, OrientAction> actions{{"right", OrientAction::right},
                                                       {"left", OrientAction::left},
                                                       {"flip-h", OrientAction::flipH},
                                                       {"flip-v", OrientAction::flipV},
                                                       {"reset", OrientAction::reset}};
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    const Project before = session->project();
-    session->model().turns.orient(ids, actions.at(arguments.turn));
-    return concluded(*session, changedSince(before, session->project()), results);
+    const auto ids = session.frames(arguments.frames);
+    const Project before = session.project();
+    session.model().turns.orient(ids, actions.at(arguments.turn));
+    return concluded(session, changedSince(before, session.project()), results);
 }
 
-int run(const ProjectResetArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectResetArguments& arguments, std::ostream& results)
 {
     const auto blocks = arguments.block ? blocksNamed(*arguments.block) : PresetSchema::Blocks();
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    Rack& rack = session->model().rack;
+    const auto ids = session.frames(arguments.frames);
+    Rack& rack = session.model().rack;
     const std::size_t changed =
         blocks.empty() ? rack.resetSettings(ids) : rack.resetBlock(ids, blocksTitle(blocks), blocks);
-    return concluded(*session, changed, results);
+    return concluded(session, changed, results);
 }
 
-int run(const ProjectRemoveArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectRemoveArguments& arguments, std::ostream& results)
 {
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    const auto ids = session->frames(arguments.frames);
-    const std::size_t before = session->project().frames.size();
-    session->model().removal.remove(ids, false); // naming the frames is the answer
-    const std::size_t removed = before - session->project().frames.size();
-    if (removed > 0) session->save();
+    const auto ids = session.frames(arguments.frames);
+    const std::size_t before = session.project().frames.size();
+    session.model().removal.remove(ids, false); // naming the frames is the answer
+    const std::size_t removed = before - session.project().frames.size();
+    if (removed > 0) session.save();
     results << Loc::string("cli.project.removed", static_cast<std::int64_t>(removed)) << std::endl;
     return 0;
 }

@@ -13,7 +13,6 @@ namespace tamlo::cli {
 namespace {
 
 namespace fs = std::filesystem;
-using Access = ProjectSession::Access;
 using FolderScan::PairChoice;
 
 std::optional<PairChoice> pairChoice(const std::optional<std::string>& word)
@@ -24,7 +23,7 @@ std::optional<PairChoice> pairChoice(const std::optional<std::string>& word)
 }
 
 /// Runs the import. Errors: UsageError where a question has no answer.
-Importer::Outcome imported(ProjectSession& session, const std::vector<fs::path>& inputs)
+Importer::Outcome imported(RollSession& session, const std::vector<fs::path>& inputs)
 {
     std::vector<std::string> files;
     for (const fs::path& input : inputs) files.push_back(fs::absolute(input).string());
@@ -47,7 +46,7 @@ int tellRefused(const Importer::Outcome& outcome)
     return outcome.missing.empty() && outcome.refused.empty() ? 0 : 1;
 }
 
-int locateIn(ProjectSession& session, const fs::path& folder, std::ostream& results)
+int locateIn(RollSession& session, const fs::path& folder, std::ostream& results)
 {
     bool ended = false;
     std::size_t found = 0;
@@ -61,7 +60,7 @@ int locateIn(ProjectSession& session, const fs::path& folder, std::ostream& resu
     return session.model().linker.lostFrames().empty() ? 0 : 1;
 }
 
-int linkOne(ProjectSession& session, const ProjectLocateArguments& arguments, std::ostream& results)
+int linkOne(RollSession& session, const ProjectLocateArguments& arguments, std::ostream& results)
 {
     checkInput(*arguments.file);
     const FrameID id = session.frame(arguments.frames);
@@ -82,32 +81,29 @@ int linkOne(ProjectSession& session, const ProjectLocateArguments& arguments, st
 
 } // namespace
 
-int run(const ProjectAddArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectAddArguments& arguments, std::ostream& results)
 {
-    const auto session = arguments.isNew ? ProjectSession::fresh(arguments.roll)
-                                         : ProjectSession::open(arguments.roll, Access::write);
-    session->questions().pairChoice = pairChoice(arguments.pairs);
+    session.questions().pairChoice = pairChoice(arguments.pairs);
     if (arguments.isNew) {
         Project project = Project::untitled();
-        project.name = arguments.title.value_or(session->roll().stem().string());
-        session->model().saver.adopt(std::move(project), session->roll());
+        project.name = arguments.title.value_or(session.roll().stem().string());
+        session.model().saver.adopt(std::move(project), session.roll());
     }
     Importer::Outcome outcome;
-    if (!arguments.inputs.empty()) outcome = imported(*session, arguments.inputs);
+    if (!arguments.inputs.empty()) outcome = imported(session, arguments.inputs);
     const int status = tellRefused(outcome);
-    if (arguments.isNew || outcome.report.added > 0) session->save();
+    if (arguments.isNew || outcome.report.added > 0) session.save();
     results << Intake::reportText(outcome.report) << std::endl;
     return status;
 }
 
-int run(const ProjectLocateArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectLocateArguments& arguments, std::ostream& results)
 {
     const bool isFolder = !arguments.file;
     std::error_code ignored;
     if (isFolder && !fs::is_directory(arguments.frames, ignored))
         throw UsageError(T("cli.project.noFolder", {{"file", arguments.frames}}));
-    const auto session = ProjectSession::open(arguments.roll, Access::write);
-    return isFolder ? locateIn(*session, arguments.frames, results) : linkOne(*session, arguments, results);
+    return isFolder ? locateIn(session, arguments.frames, results) : linkOne(session, arguments, results);
 }
 
 } // namespace tamlo::cli

@@ -16,15 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::optional<Size> sourceSize(const Frame& frame)
-{
-    try {
-        return ImageLoader::pictureSize(frame.url, 0);
-    } catch (const TamloError&) {
-        return std::nullopt; // lost, or no picture: its crop stays as it is
-    }
-}
-
 bool isThere(const fs::path& path)
 {
     std::error_code ignored;
@@ -40,6 +31,15 @@ fs::path rollName(const fs::path& named)
 
 } // namespace
 
+std::optional<Size> sourceSizeOf(const Frame& frame)
+{
+    try {
+        return ImageLoader::pictureSize(frame.url, 0);
+    } catch (const TamloError&) {
+        return std::nullopt; // lost, or no picture: its crop stays as it is
+    }
+}
+
 fs::path rollPath(const fs::path& named)
 {
     return fs::absolute(rollName(named)).lexically_normal();
@@ -49,7 +49,7 @@ ProjectSession::ProjectSession(fs::path roll, Access access)
     : roll_(std::move(roll)),
       registry_(platform::userFolder()),
       model_({loop_, ProfileStore::shared(), questions_, noViews_, clipboard_, volumes_, preferences_,
-              access == Access::write ? &registry_ : nullptr, sourceSize})
+              access == Access::write ? &registry_ : nullptr, sourceSizeOf})
 {}
 
 std::unique_ptr<ProjectSession> ProjectSession::open(const fs::path& named, Access access)
@@ -68,19 +68,19 @@ std::unique_ptr<ProjectSession> ProjectSession::fresh(const fs::path& named)
     return std::unique_ptr<ProjectSession>(new ProjectSession(roll, Access::write));
 }
 
-std::vector<FrameID> ProjectSession::frames(const std::string& text) const
+std::vector<FrameID> RollSession::frames(const std::string& text) const
 {
-    return framesMeant(text, model_.project(), [this](const Frame& frame) { return stateOf(frame); });
+    return framesMeant(text, project(), [this](const Frame& frame) { return stateOf(frame); });
 }
 
-FrameID ProjectSession::frame(const std::string& text) const
+FrameID RollSession::frame(const std::string& text) const
 {
-    return frameMeant(text, model_.project(), [this](const Frame& frame) { return stateOf(frame); });
+    return frameMeant(text, project(), [this](const Frame& frame) { return stateOf(frame); });
 }
 
-FileState ProjectSession::stateOf(const Frame& frame) const
+FileState RollSession::stateOf(const Frame& frame) const
 {
-    return model_.linker.state(frame.id);
+    return model().linker.state(frame.id);
 }
 
 void ProjectSession::waitUntil(const std::function<bool()>& done)

@@ -18,8 +18,6 @@
 namespace tamlo::cli {
 namespace {
 
-using Access = ProjectSession::Access;
-
 constexpr std::string_view kMarks[] = {"none", "picked", "rejected"};
 constexpr std::string_view kStates[] = {"ok", "moved", "offline", "missing", "changed", "unreadable"};
 
@@ -131,19 +129,18 @@ std::vector<std::string> problemsOf(const Frame& frame, FileState state, const P
 
 } // namespace
 
-int run(const ProjectShowArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectShowArguments& arguments, std::ostream& results)
 {
-    const auto session = ProjectSession::open(arguments.roll, Access::read);
-    const Project& project = session->project();
+    const Project& project = session.project();
     const auto places = project.frames.places();
-    const std::vector<FrameID> ids = session->frames(arguments.frames);
+    const std::vector<FrameID> ids = session.frames(arguments.frames);
     if (arguments.json) {
         Json list = Json::array();
         for (const FrameID& id : ids) {
             const Frame& frame = project.frames[places.at(id)];
-            list.push_back(frameJson(places.at(id), frame, session->stateOf(frame)));
+            list.push_back(frameJson(places.at(id), frame, session.stateOf(frame)));
         }
-        results << prettyJson({{"file", session->roll().string()}, {"name", project.name}, {"frames", list}})
+        results << prettyJson({{"file", session.roll().string()}, {"name", project.name}, {"frames", list}})
                 << std::endl;
         return 0;
     }
@@ -152,28 +149,27 @@ int run(const ProjectShowArguments& arguments, std::ostream& results)
         nameWidth = std::max(nameWidth, columnsOf(project.frames[places.at(id)].fileName()));
     for (const FrameID& id : ids) {
         const Frame& frame = project.frames[places.at(id)];
-        results << frameLine(places.at(id), frame, session->stateOf(frame), nameWidth, ProfileStore::shared())
+        results << frameLine(places.at(id), frame, session.stateOf(frame), nameWidth, ProfileStore::shared())
                 << "\n";
     }
     return 0;
 }
 
-int run(const ProjectCheckArguments& arguments, std::ostream& results)
+int run(RollSession& session, const ProjectCheckArguments& arguments, std::ostream& results)
 {
-    const auto session = ProjectSession::open(arguments.roll, Access::read);
-    const Project& project = session->project();
+    const Project& project = session.project();
     bool isExamined = false;
-    session->model().linker.examineAll([&] { isExamined = true; });
-    session->waitUntil([&] { return isExamined; });
+    session.model().linker.examineAll([&] { isExamined = true; });
+    session.waitUntil([&] { return isExamined; });
     Json list = Json::array();
     for (std::size_t i = 0; i < project.frames.size(); ++i) {
         const Frame& frame = project.frames[i];
-        for (const std::string& text : problemsOf(frame, session->stateOf(frame), ProfileStore::shared()))
+        for (const std::string& text : problemsOf(frame, session.stateOf(frame), ProfileStore::shared()))
             list.push_back({{"place", i + 1}, {"file", frame.url}, {"problem", text}});
     }
     const int status = list.empty() ? 0 : 1;
     if (arguments.json) {
-        results << prettyJson({{"file", session->roll().string()},
+        results << prettyJson({{"file", session.roll().string()},
                                {"frames", project.frames.size()},
                                {"problems", std::move(list)}})
                 << std::endl;
@@ -187,7 +183,7 @@ int run(const ProjectCheckArguments& arguments, std::ostream& results)
                 << "\n";
     if (list.empty())
         results << T("cli.project.sound",
-                     {{"file", session->roll().string()},
+                     {{"file", session.roll().string()},
                       {"frames",
                        Loc::string("project.frames", static_cast<std::int64_t>(project.frames.size()))}})
                 << std::endl;

@@ -55,12 +55,14 @@ void AppModel::tell(std::string text)
 {
     status_ = std::move(text);
     lastActionFailed_ = false;
+    observers.note(Concern::status);
 }
 
 void AppModel::tellFailure(std::string text)
 {
     status_ = std::move(text);
     lastActionFailed_ = true;
+    observers.note(Concern::status);
 }
 
 std::int64_t AppModel::frameGen(const FrameID& id) const
@@ -71,6 +73,7 @@ std::int64_t AppModel::frameGen(const FrameID& id) const
 
 void AppModel::touch(const FrameIDs& ids)
 {
+    observers.note(Concern::roll);
     for (const FrameID& id : ids) ++frameGen_[id];
     seams_.views.renderThumbs(ids);
     if (selection.screen() == Screen::develop) seams_.views.renderCurrent(kRenderDelaySeconds);
@@ -112,6 +115,7 @@ bool AppModel::editProject(History::Change step, const std::function<void(Projec
     const FrameIDs renumbered = renumber(project_.frames, after.frames);
     project_ = std::move(after);
     ++rollGen_;
+    observers.note(Concern::roll);
     if (renumbered.empty()) return true;
     seams_.views.renderThumbs(renumbered);
     const auto cursor = selection.cursor();
@@ -152,6 +156,7 @@ void AppModel::applySnapshot(const History::Step& step)
     for (const Frame& frame : project_.frames) here.insert(frame.id);
     project_ = withPresentFiles(step.snapshot, project_, step.linksFiles);
     ++rollGen_;
+    observers.note(Concern::roll);
     seams_.views.cancelPendingRenders();
     for (const Frame& frame : project_.frames)
         if (!here.contains(frame.id)) seams_.views.load(frame.id);
@@ -177,6 +182,7 @@ void AppModel::adopt(Project project, std::optional<Path> url)
     history_.clear();
     frameGen_.clear();
     ++rollGen_;
+    observers.note(Concern::roll);
     linker.begin();
     selection.begin();
     seams_.views.renderAllThumbs();

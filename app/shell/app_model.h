@@ -9,7 +9,9 @@
 #include "app/shell/frame_views.h"
 #include "app/shell/importer.h"
 #include "app/shell/linker.h"
+#include "app/shell/lists.h"
 #include "app/shell/marks.h"
+#include "app/shell/observers.h"
 #include "app/shell/ordering.h"
 #include "app/shell/presets.h"
 #include "app/shell/questions.h"
@@ -85,7 +87,11 @@ public:
     /// Changes the roll as a whole as one undo step. Returns whether anything changed.
     bool editProject(History::Change step, const std::function<void(Project&)>& change);
     /// Changes what is no step: the filter, files found again, the record of an export.
-    void amendProject(const std::function<void(Project&)>& change) { change(project_); }
+    void amendProject(const std::function<void(Project&)>& change)
+    {
+        change(project_);
+        observers.note(Concern::roll);
+    }
     void endGesture() { history_.endGesture(); }
 
     bool undo();
@@ -98,7 +104,17 @@ public:
 
     /// Makes another project the open one; history, selection and all that is known of its frames begin anew.
     void adopt(Project project, std::optional<Path> url);
-    void setProjectURL(std::optional<Path> url) { projectURL_ = std::move(url); }
+    void setProjectURL(std::optional<Path> url)
+    {
+        projectURL_ = std::move(url);
+        observers.note(Concern::document);
+    }
+
+    /// `tell` is called once a turn of the loop with what has changed of the concerns.
+    Subscription subscribe(ConcernSet concerns, Observers::Tell tell)
+    {
+        return observers.subscribe(concerns, std::move(tell));
+    }
 
 private:
     void touch(const FrameIDs& ids);
@@ -115,9 +131,11 @@ private:
     std::int64_t rollGen_ = 0;
 
 public:
-    // The rooms.
+    // The rooms, and who hears of them.
+    Observers observers{*this};
     Selection selection{*this};
     Marks marks{*this};
+    Lists lists{*this};
     Rack rack{*this};
     Presets presets{*this};
     Copying copying{*this};

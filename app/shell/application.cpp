@@ -53,9 +53,11 @@ Application::~Application()
 
 void Application::start(bool opensLastProject)
 {
-    if (mode_ == Mode::user) model_.saver.startAutosave();
     graphics_.startGraphicsProbe();
-    volumeWatch_ = volumes_.watch(loop_, [this] { model_.linker.recheckLostFrames(); });
+    if (mode_ == Mode::user)
+        model_.stayOpen();
+    else
+        volumeWatch_ = volumes_.watch(loop_, [this] { model_.linker.recheckLostFrames(); });
     if (mode_ == Mode::user && opensLastProject) openLastProjectIfAny();
 }
 

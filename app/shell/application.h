@@ -32,6 +32,7 @@ public:
     ~Application();
 
     AppModel& model() { return model_; }
+    const AppModel& model() const { return model_; }
     LiveViews& views() { return views_; }
     HeadlessQuestions& questions() { return questions_; }
     GraphicsProbe& graphics() { return graphics_; }

@@ -19,6 +19,12 @@ ProcessSettings settingsOf(const Frame& frame)
 
 } // namespace
 
+void Cropping::leaveCropMode()
+{
+    draft_.reset();
+    model_.observers.note(Concern::crop);
+}
+
 bool Cropping::cropKeyEnabled() const
 {
     return model_.selection.currentFrame() && !model_.sides.abEnabled();
@@ -39,12 +45,14 @@ bool Cropping::enterCropMode()
     model_.endGesture();
     frame_ = *model_.selection.cursor();
     draft_ = draftOf(*model_.selection.currentFrame());
+    model_.observers.note(Concern::crop);
     return cropMode();
 }
 
 void Cropping::applyCropAndExit()
 {
     if (!cropMode()) return;
+    model_.observers.note(Concern::crop);
     const std::optional<Crop> crop = std::exchange(draft_, std::nullopt)->value();
     setCrop(frame_, crop);
 }
@@ -54,12 +62,15 @@ void Cropping::refreshCropSession()
     if (!cropMode()) return;
     const FrameRef frame = model_.project().frame(frame_);
     const bool goesOn = frame && model_.selection.cursor() == frame_;
+    model_.observers.note(Concern::crop);
     draft_ = goesOn ? draftOf(*frame) : std::nullopt;
 }
 
 void Cropping::change(const Change& change)
 {
-    if (draft_) change(*draft_);
+    if (!draft_) return;
+    change(*draft_);
+    model_.observers.note(Concern::crop);
 }
 
 std::optional<CropDraft> Cropping::draftOf(const Frame& frame) const

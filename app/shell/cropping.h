@@ -30,7 +30,7 @@ public:
     void cropKey();
     /// On the develop screen. Returns false where the source's size can't be had.
     bool enterCropMode();
-    void leaveCropMode() { draft_.reset(); }
+    void leaveCropMode();
     void applyCropAndExit();
     /// After the frame has changed under the session: what it says now.
     void refreshCropSession();

@@ -250,6 +250,7 @@ void FrameScreen::submitBeside(const Situation& now)
             if (!output || ticket != ticket_) return;
             this->*into = output->image;
             ++shownGen_;
+            model_->observers.note(Concern::frameView);
         };
     };
     if (showsOriginal_)
@@ -264,6 +265,7 @@ void FrameScreen::show(const Output& output, std::int64_t longSide, bool fine)
     isFine_ = fine;
     detailLong_ = longSide;
     ++shownGen_;
+    model_->observers.note(Concern::frameView);
     char text[96];
     std::snprintf(text, sizeof text, "cpu · %lld×%lld · %.0f ms", static_cast<long long>(image_->width),
                   static_cast<long long>(image_->height), output.seconds * 1000);

@@ -4,6 +4,7 @@
 
 #include "app/project/frame.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace tamlo {
@@ -31,6 +32,8 @@ struct FrameViews {
     virtual void closingProject() {}
     /// All that is known of the frames of a project belongs to another one now.
     virtual void clear() {}
+    /// Goes up with each picture that comes onto the develop screen.
+    virtual std::int64_t pictureGen() const { return 0; }
 };
 
 } // namespace tamlo

@@ -39,6 +39,7 @@ void Linker::setFileState(const FrameID& id, FileState state)
     if (!isNew && entry->second == state) return;
     entry->second = state;
     ++fileStateGen_;
+    model_.observers.note(Concern::fileStates);
 }
 
 void Linker::clear()
@@ -46,6 +47,7 @@ void Linker::clear()
     ++*epoch_;
     states_.clear();
     ++fileStateGen_;
+    model_.observers.note(Concern::fileStates);
 }
 
 Linker::FrameIDs Linker::framesOf(const std::function<bool(FileState)>& passes) const

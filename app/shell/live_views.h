@@ -45,6 +45,7 @@ public:
     void openedProject() override;
     void closingProject() override;
     void clear() override;
+    std::int64_t pictureGen() const override { return screen_.shownGen(); }
 
 private:
     void syncPins();

@@ -71,6 +71,7 @@ void Selection::openFrame(const FrameID& id)
     }
     setCursor(id);
     screen_ = Screen::develop;
+    model_.observers.note(Concern::selection);
     model_.seams().views.openedFrame(id);
 }
 
@@ -78,6 +79,7 @@ void Selection::setCursor(std::optional<FrameID> id)
 {
     if (id != cursor_) model_.endGesture(); // the same knob on another frame is another step
     cursor_ = std::move(id);
+    model_.observers.note(Concern::selection);
 }
 
 void Selection::select(const FrameIDs& ids)
@@ -93,14 +95,14 @@ void Selection::select(const FrameIDs& ids)
 void Selection::setFilter(GridFilter filter)
 {
     model_.amendProject([&](Project& project) { project.filter = filter; });
-    if (screen_ != Screen::grid) return;
-    if (cursor_) setCursor(nearestVisibleID(*cursor_));
+    if (cursor_ && screen_ == Screen::grid) setCursor(nearestVisibleID(*cursor_));
     normalize();
 }
 
 void Selection::normalize()
 {
     const Project& project = model_.project();
+    model_.observers.note(Concern::selection);
     std::unordered_set<FrameID> visible;
     for (const Frame& frame : project.frames)
         if (includes(project.filter, frame.mark)) visible.insert(frame.id);
@@ -190,6 +192,7 @@ void Selection::selectAllVisible()
 {
     const FrameIDs visible = visibleIDs();
     selected_ = {visible.begin(), visible.end()};
+    model_.observers.note(Concern::selection);
 }
 
 void Selection::selectMarquee(const FrameIDs& base, const FrameIDs& ids)

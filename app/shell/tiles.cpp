@@ -234,6 +234,7 @@ void Tiles::show(const FrameID& id, const std::string& key, Image image, bool is
     shown_[id] = key;
     stubs_[id] = isStub;
     ++shownGen_;
+    model_->observers.noteTile(id);
 }
 
 void Tiles::persist(const FrameID& id, const std::string& key, Image image, Raster raster)

@@ -108,6 +108,7 @@ void Zoom::setPan(PanPoints pan)
 
 void Zoom::reset()
 {
+    model_.observers.note(Concern::frameView);
     zoom_ = 1;
     pan_ = {};
 }
@@ -117,6 +118,7 @@ void Zoom::clampPan()
     const auto most = [&](double photo, double panel) { return std::max((photo * zoom_ - panel) / 2, 0.0); };
     const ScreenSize fit = fit_.value_or(ScreenSize());
     const double x = most(fit.width, panel_.width), y = most(fit.height, panel_.height);
+    model_.observers.note(Concern::frameView);
     pan_ = {std::clamp(pan_.x, -x, x), std::clamp(pan_.y, -y, y)};
 }
 

@@ -117,8 +117,13 @@ Lang Loc::systemLang()
 
 std::string Loc::string(const std::string& key)
 {
-    if (const auto text = value(key, current())) return *text;
-    return value(key, Lang::ru).value_or(key);
+    // Some texts speak of the system that the program runs on.
+    static constexpr const char* kHere = ".linux";
+    for (const Lang lang : {current(), Lang::ru}) {
+        if (const auto text = value(key + kHere, lang)) return *text;
+        if (const auto text = value(key, lang)) return *text;
+    }
+    return key;
 }
 
 std::string Loc::string(const std::string& key, std::int64_t count, Args args)

@@ -45,6 +45,17 @@ protected:
     fs::path root_;
 };
 
+TEST_F(LocTest, ATextForThisSystemComesFirst)
+{
+    for (const Lang lang : {Lang::en, Lang::ru}) {
+        Loc::setOverride(lang);
+        EXPECT_NE(T("remove.tail").find("Ctrl+Z"), std::string::npos);
+        for (const char* key : {"preset.trashed", "remove.oneNote", "remove.tail", "gpu.abort.interactivity",
+                                "gpu.abort.timeout"})
+            EXPECT_EQ(T(key), *Loc::value(key + std::string(".linux"), lang));
+    }
+}
+
 TEST_F(LocTest, PluralFormsFollowEachLanguage)
 {
     struct Case {

@@ -39,15 +39,15 @@ Place placeByGroup(std::span<const Group> groups, std::string_view key, std::str
             group == groups.end() ? 0 : placeIn(group->ids, id)};
 }
 
-/// A film that gives red or blue hardly any weight, or red most of it, draws foliage, skin and sky in its own
+/// A film that gives red hardly any weight, or nearly half of it all, draws foliage, skin and sky in its own
 /// way.
 bool seesOwnColours(const FilmProfile& film)
 {
-    constexpr double kLeast = 0.1, kMostRed = 0.5;
+    constexpr double kLeastRed = 0.15, kMostRed = 0.45;
     if (!film.spectralWeights) return false;
     const Vec3d& weights = *film.spectralWeights;
     const double sum = weights[0] + weights[1] + weights[2];
-    return sum > 0 && (weights[0] < kLeast * sum || weights[0] > kMostRed * sum || weights[2] < kLeast * sum);
+    return sum > 0 && (weights[0] < kLeastRed * sum || weights[0] > kMostRed * sum);
 }
 
 std::string_view filmGroup(const FilmProfile& film)

@@ -1,0 +1,51 @@
+// What the lines of `tamlo session` do beside the verbs of a roll: everything that a screen would do.
+#pragma once
+
+#include "app/shell/application.h"
+#include "cli/project_session.h"
+#include "platform/main_loop.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace tamlo::cli {
+
+/// A session that stays open over many lines. It saves by itself, and when it ends.
+class LiveSession : public RollSession {
+public:
+    LiveSession();
+    ~LiveSession() override;
+
+    AppModel& model() override { return application_.model(); }
+    const AppModel& model() const override { return application_.model(); }
+    HeadlessQuestions& questions() override { return application_.questions(); }
+    const Path& roll() const override { return roll_; }
+    LiveViews& views() { return application_.views(); }
+    platform::HeadlessLoop& loop() { return loop_; }
+
+    /// Nothing: a session that stays open saves later.
+    void save() override {}
+    void waitUntil(const std::function<bool()>& done) override;
+
+    /// Errors: std::runtime_error with the sentence for the user.
+    void openRoll(const Path& named);
+    /// Writes the open roll. Errors: std::runtime_error; Interrupted.
+    void saveNow();
+    /// Lets everything run that is ready.
+    void turn();
+
+private:
+    platform::HeadlessLoop loop_;
+    Application application_;
+    Path roll_;
+};
+
+/// Runs a line of the screen's own; false where its first word is none of them.
+/// Errors: UsageError; std::runtime_error; Interrupted.
+bool runScreenVerb(LiveSession& session, const std::vector<std::string>& words, std::ostream& results);
+
+/// The words that runScreenVerb knows, for a message.
+std::vector<std::string> screenVerbs();
+
+} // namespace tamlo::cli
