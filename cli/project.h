@@ -14,7 +14,7 @@ namespace tamlo::cli {
 int runProject(const ProjectCommand& command, std::ostream& results);
 
 // The verbs, by file: project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp,
-// project_files.cpp, project_preview.cpp.
+// project_files.cpp, project_preview.cpp, project_export.cpp.
 int run(const ProjectAddArguments& arguments, std::ostream& results);
 int run(const ProjectShowArguments& arguments, std::ostream& results);
 int run(const ProjectCheckArguments& arguments, std::ostream& results);
@@ -32,5 +32,6 @@ int run(const ProjectBackupsArguments& arguments, std::ostream& results);
 int run(const ProjectRestoreArguments& arguments, std::ostream& results);
 int run(const ProjectRecentArguments& arguments, std::ostream& results);
 int run(const ProjectPreviewArguments& arguments, std::ostream& results);
+int run(const ProjectExportArguments& arguments, std::ostream& results);
 
 } // namespace tamlo::cli

@@ -16,8 +16,8 @@ constexpr const char* kOldFolder = "lastExportFolder";
 
 std::size_t letters(std::string_view text)
 {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 std::optional<ExportFolder> decoded(const std::string& text)
@@ -72,7 +72,8 @@ std::string ExportFolders::shortPath(std::string_view path, std::size_t max, std
     std::size_t from = shown.rfind('/');
     while (from != 0 && from != shown.npos) {
         const std::size_t earlier = shown.rfind('/', from - 1);
-        if (earlier == shown.npos || letters(std::string_view(shown).substr(earlier + 1)) + kDots > max) break;
+        if (earlier == shown.npos || letters(std::string_view(shown).substr(earlier + 1)) + kDots > max)
+            break;
         from = earlier;
     }
     return from == shown.npos ? shown : "…" + shown.substr(from);

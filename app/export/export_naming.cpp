@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::string_view, 6> kTexts{"source", "tamlo", "number_source",
+constexpr std::array<std::string_view, 6> kTexts{"source", "tamlo",  "number_source",
                                                  "number", "custom", "name"};
 constexpr std::string_view kSocialTail = "_social.jpg";
 constexpr std::string_view kCopyTail = " 999";
@@ -62,15 +62,24 @@ std::string fileName(const Name& name)
     if (number.size() < width) number.insert(0, width - number.size(), '0');
     std::string before, middle = name.stem, after;
     switch (name.mode) {
-    case Mode::source: break;
-    case Mode::tamlo: after = "_tamlo"; break;
-    case Mode::numberSource: before = number + "_"; break;
-    case Mode::number: middle = number; break;
+    case Mode::source:
+        break;
+    case Mode::tamlo:
+        after = "_tamlo";
+        break;
+    case Mode::numberSource:
+        before = number + "_";
+        break;
+    case Mode::number:
+        middle = number;
+        break;
     case Mode::custom:
         middle = customStem(name.custom);
         after = "_" + number;
         break;
-    case Mode::name: middle = customStem(name.custom); break;
+    case Mode::name:
+        middle = customStem(name.custom);
+        break;
     }
     const std::size_t tail = kCopyTail.size() + std::max(kSocialTail.size(), name.ext.size() + 1);
     return before + cut(middle, kLongestName - tail - before.size() - after.size()) + after + "." + name.ext;

@@ -13,10 +13,10 @@ std::vector<std::string> exportFileNames(const ExportDraft& draft, const std::ve
     std::vector<std::string> names;
     for (const FrameRef& frame : frames) {
         const std::string stem = fs::path(frame->fileName()).stem().string();
-        const std::string wanted = ExportNaming::fileName(
-            {draft.naming, stem, static_cast<std::int64_t>(names.size()) + 1,
-             static_cast<std::int64_t>(frames.size()), isName ? draft.nameText : draft.customText,
-             draft.ext()});
+        const std::string wanted =
+            ExportNaming::fileName({draft.naming, stem, static_cast<std::int64_t>(names.size()) + 1,
+                                    static_cast<std::int64_t>(frames.size()),
+                                    isName ? draft.nameText : draft.customText, draft.ext()});
         const fs::path file = ExportNaming::freeName(nowhere / wanted, taken, noFile);
         taken.insert(ExportNaming::key(file));
         taken.insert(ExportNaming::key(ExportNaming::socialPath(file)));

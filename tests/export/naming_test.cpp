@@ -41,11 +41,17 @@ TEST(ExportNaming, NamesFollowTheTable)
     };
     for (const auto& one : cases) EXPECT_EQ(ExportNaming::fileName(one.name), one.expected);
     EXPECT_THROW(ExportNaming::fileName({Mode::name, "A", 1, 2, "x", "jpg"}), NamingError);
-    for (const auto& [text, stem] : std::initializer_list<std::pair<std::string, std::string>>{
-             {"...", "tamlo"}, {"a/b:c", "a_b_c"}, {"  x.  ", "x"}, {"x .", "x "}, {"\n\x01q\"", "__q_"}, {" ", "tamlo"}})
+    for (const auto& [text, stem] :
+         std::initializer_list<std::pair<std::string, std::string>>{{"...", "tamlo"},
+                                                                    {"a/b:c", "a_b_c"},
+                                                                    {"  x.  ", "x"},
+                                                                    {"x .", "x "},
+                                                                    {"\n\x01q\"", "__q_"},
+                                                                    {" ", "tamlo"}})
         EXPECT_EQ(ExportNaming::customStem(text), stem);
     for (int mode = 0; mode < 6; ++mode)
-        EXPECT_EQ(ExportNaming::fromText(ExportNaming::rawText(static_cast<Mode>(mode))), static_cast<Mode>(mode));
+        EXPECT_EQ(ExportNaming::fromText(ExportNaming::rawText(static_cast<Mode>(mode))),
+                  static_cast<Mode>(mode));
     EXPECT_FALSE(ExportNaming::fromText("else"));
 }
 
@@ -57,7 +63,8 @@ TEST(ExportNaming, AFreeNameIsTheNextOne)
     EXPECT_EQ(ExportNaming::freeName("/d/B.jpg", {}, exists), "/d/B 2.jpg");
     EXPECT_EQ(ExportNaming::freeName("/d/C.jpg", {"/d/C.jpg"}, exists), "/d/C 2.jpg");
     EXPECT_EQ(ExportNaming::freeName("/d/D.jpg", {}, exists), "/d/D.jpg");
-    EXPECT_TRUE(ExportNaming::isTaken("/d/./x/../A.jpg", {"/d/A.jpg"}, [](const fs::path&) { return false; }));
+    EXPECT_TRUE(
+        ExportNaming::isTaken("/d/./x/../A.jpg", {"/d/A.jpg"}, [](const fs::path&) { return false; }));
 }
 
 TEST(ExportPlan, ARunNamesItsFramesOnceAndForAll)
@@ -176,7 +183,8 @@ TEST(Photographs, AreKnownUnderAnyName)
     const Photographs photographs(roll);
     for (const char* name : {"a.jpg", "link.jpg", "hard.jpg", "folder/a.jpg", "folder/gone.jpg", "gone.jpg"})
         EXPECT_TRUE(photographs.contains(scratch / name)) << name;
-    for (const char* name : {"else.jpg", "new.jpg"}) EXPECT_FALSE(photographs.contains(scratch / name)) << name;
+    for (const char* name : {"else.jpg", "new.jpg"})
+        EXPECT_FALSE(photographs.contains(scratch / name)) << name;
 }
 
 } // namespace
