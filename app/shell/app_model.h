@@ -5,6 +5,7 @@
 
 #include "app/project/history.h"
 #include "app/shell/copying.h"
+#include "app/shell/exporter.h"
 #include "app/shell/frame_views.h"
 #include "app/shell/importer.h"
 #include "app/shell/linker.h"
@@ -120,6 +121,7 @@ public:
     Importer importer{*this};
     Recents recents{*this};
     Saver saver{*this};
+    Exporter exporter{*this};
 };
 
 } // namespace tamlo
