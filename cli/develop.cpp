@@ -1,5 +1,6 @@
 #include "cli/develop.h"
 
+#include "app/export/finished_print.h"
 #include "cli/develop_choices.h"
 #include "cli/develop_jobs.h"
 #include "cli/input_files.h"
@@ -15,13 +16,9 @@
 #include "core/image/source_exposure.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
-#include "core/io/image_writer.h"
 #include "core/pipeline/output_plan.h"
-#include "core/process/card/card_relief.h"
-#include "core/process/card/instant_card.h"
 #include "core/text/error_words.h"
 #include "platform/console.h"
-#include "platform/unicode.h"
 
 #include <chrono>
 #include <fstream>
@@ -99,23 +96,12 @@ public:
             const double reduced = static_cast<double>(plan.width) / static_cast<double>(image.width);
             const Finished finished{job.input, render, plan.printPxUm * reduced};
             const OutputMetadata metadata = outputMetadata(finished, choices_, arguments_);
-            const auto cutOut = Pipeline::cardCutOut(render.film, render.options, plan.picture, image.size());
-            if (!cutOut) return save(image, job, metadata);
-            // A PNG carries the card's outline; other files show the card on white.
-            if (platform::lowerCased(job.output.extension().string()) != ".png")
-                return save(CardRelief::flatten(std::move(image), *cutOut), job, metadata);
-            image = CardRelief::unmixed(std::move(image), *cutOut);
-            save(ImageWriter::readyImage(image, &*cutOut), job, metadata);
+            FinishedPrint::save(std::move(image), {render, plan.picture}, job.output.string(),
+                                arguments_.quality, metadata);
         });
     }
 
 private:
-    template <class Image>
-    void save(const Image& image, const DevelopJob& job, const OutputMetadata& metadata) const
-    {
-        ImageWriter::save(image, job.output.string(), arguments_.quality, metadata);
-    }
-
     void tellPhase(const std::string& phase, double fraction) const
     {
         progress_.phase(T("cli.phase." + phase), fraction);

@@ -165,6 +165,45 @@ void describePreview(CLI::App& project, ProjectCommand& into)
     preview.app->add_option("--fit", preview.arguments->fit, T("cli.help.project.fit"))->type_name("WxH");
 }
 
+void describeExportChoices(CLI::App& verb, ProjectExportArguments& into)
+{
+    choice(verb.add_option("--naming", into.naming, T("cli.help.export.naming")),
+           {"source", "tamlo", "number_source", "number", "custom", "name"});
+    verb.add_option("--text", into.text, T("cli.help.export.text"))->type_name("TEXT");
+    choice(verb.add_option("--type", into.type, T("cli.help.export.type")), {"jpg", "tif", "png"});
+    verb.add_option("--quality", into.quality, T("cli.help.export.quality"))
+        ->check(CLI::Range(1, 100))
+        ->type_name("Q")
+        ->option_text("Q");
+    choice(verb.add_option("--scale", into.scale, T("cli.help.export.scale")), {"1", "0.5", "0.25"});
+    choice(verb.add_option("--social", into.social, T("cli.help.export.social"))
+               ->expected(0, 1)
+               ->default_str("1080"),
+           {"1080", "2048"});
+}
+
+void describeExport(CLI::App& project, ProjectCommand& into)
+{
+    const auto verb = addVerb<ProjectExportArguments>(project, "export", "cli.help.project.export", into);
+    ProjectExportArguments& to = *verb.arguments;
+    takeFrames(*verb.app, to);
+    verb.app->get_option("FRAMES")->required(false);
+    choice(verb.app->add_option("--set", to.set, T("cli.help.export.set")),
+           {"selected", "not-rejected", "all"});
+    verb.app->add_option("--to", to.to, T("cli.help.export.to"))->required()->type_name("DIR");
+    describeExportChoices(*verb.app, to);
+    choice(verb.app->add_option("--on-conflict", to.onConflict, T("cli.help.export.onConflict")),
+           {"cancel", "replace", "copy"});
+    verb.app->add_flag("--skip-existing", to.skipExisting, T("cli.help.export.skipExisting"));
+    verb.app->add_flag("--resume", to.resume, T("cli.help.export.resume"));
+    CLI::Option* shard =
+        verb.app->add_option("--shard", to.shard, T("cli.help.export.shard"))->type_name("K/N");
+    verb.app->add_flag("--record", to.record, T("cli.help.export.record"))->needs(shard);
+    verb.app->add_flag("--no-record", to.noRecord, T("cli.help.export.noRecord"));
+    verb.app->add_flag("--dry-run", to.dryRun, T("cli.help.export.dryRun"));
+    verb.app->add_flag("--json", to.json, T("cli.help.export.json"));
+}
+
 void describeFiles(CLI::App& project, ProjectCommand& into)
 {
     const auto locate = addVerb<ProjectLocateArguments>(project, "locate", "cli.help.project.locate", into);
@@ -206,6 +245,7 @@ void describeProject(CLI::App& app, ProjectCommand& into)
     describeArranging(*project, into);
     describeCopying(*project, into);
     describePreview(*project, into);
+    describeExport(*project, into);
     describeFiles(*project, into);
     for (CLI::App* verb : project->get_subcommands(nullptr)) {
         verb->fallthrough();

@@ -86,6 +86,23 @@ struct ProjectPreviewArguments : RollArguments {
     std::string tier = "master";
     std::optional<std::string> fit; ///< "1600x1000"
 };
+struct ProjectExportArguments : RollArguments {
+    std::optional<std::string> set; ///< "selected", "not-rejected", "all"
+    std::filesystem::path to;
+    std::string naming = "tamlo";
+    std::optional<std::string> text;
+    std::string type = "jpg";
+    int quality = 95;
+    std::string scale = "1";
+    std::optional<std::string> social; ///< "1080" or "2048"
+    std::optional<std::string> onConflict;
+    bool skipExisting = false;
+    bool resume = false;
+    std::optional<std::string> shard; ///< "2/5"
+    bool record = false;
+    bool dryRun = false;
+    bool noRecord = false;
+};
 struct ProjectRecentArguments {
     bool json = false;
     bool clear = false;
@@ -97,7 +114,7 @@ using ProjectCommand =
                  ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
                  ProjectRemoveArguments, ProjectOrderArguments, ProjectCropArguments, ProjectRerollArguments,
                  ProjectLocateArguments, ProjectBackupsArguments, ProjectRestoreArguments,
-                 ProjectRecentArguments, ProjectPreviewArguments>;
+                 ProjectRecentArguments, ProjectPreviewArguments, ProjectExportArguments>;
 
 /// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
 void describeProject(CLI::App& app, ProjectCommand& into);

@@ -6,6 +6,7 @@
 #include "app/project/history.h"
 #include "app/shell/copying.h"
 #include "app/shell/cropping.h"
+#include "app/shell/exporter.h"
 #include "app/shell/frame_views.h"
 #include "app/shell/importer.h"
 #include "app/shell/linker.h"
@@ -150,6 +151,7 @@ public:
     Importer importer{*this};
     Recents recents{*this};
     Saver saver{*this};
+    Exporter exporter{*this};
 };
 
 } // namespace tamlo

@@ -2,6 +2,7 @@
 // a session without one answers at once. A question that goes away unanswered means "cancel".
 #pragma once
 
+#include "app/export/export_run.h"
 #include "app/project/folder_scan.h"
 
 #include <cstddef>
@@ -56,6 +57,9 @@ struct Questions {
     virtual void otherFile(const QuestionText& text, Answer<bool> answer) = 0;
     /// Whether further lost files, found beside one that was just linked, are to be linked too.
     virtual void linkNearby(const QuestionText& text, Answer<bool> answer) = 0;
+    /// What to do where an exported file would take a name that stands. mayReplace: a photograph of the roll
+    /// is never replaced.
+    virtual void exportExists(const QuestionText& text, bool mayReplace, Answer<ExportClashReply> answer) = 0;
 };
 
 /// Answers at once with what was decided beforehand, and cancels what was not.
@@ -64,6 +68,7 @@ struct HeadlessQuestions : Questions {
     std::optional<ApplyTo> applyChoice;
     std::optional<bool> removePicked;
     std::optional<bool> linkOther;
+    std::optional<ExportClashReply> exportReply;
     bool linkWhatIsNearby = false; ///< an offer: what is not wanted was not left undecided
     std::size_t cancelled = 0;     ///< questions that nothing had decided
 
@@ -75,6 +80,10 @@ struct HeadlessQuestions : Questions {
     void remove(const QuestionText&, Answer<bool> answer) override { settle(removePicked, answer); }
     void otherFile(const QuestionText&, Answer<bool> answer) override { settle(linkOther, answer); }
     void linkNearby(const QuestionText&, Answer<bool> answer) override { answer(linkWhatIsNearby); }
+    void exportExists(const QuestionText&, bool, Answer<ExportClashReply> answer) override
+    {
+        settle(exportReply, answer);
+    }
 
 private:
     template <typename Choice>

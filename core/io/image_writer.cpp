@@ -211,7 +211,8 @@ void save(const ReadyImage& image, const std::string& path, int quality,
 }
 
 SocialCopy saveSocial(const RGBImage& image, const std::string& master, int quality,
-                      const std::optional<OutputMetadata>& metadata)
+                      const std::optional<OutputMetadata>& metadata,
+                      const std::function<std::string(const std::string&)>& freeName)
 {
     const fs::path folder = fs::path(master).parent_path();
     const std::string name = fs::path(master).stem().string() + "_social.jpg";
@@ -220,7 +221,8 @@ SocialCopy saveSocial(const RGBImage& image, const std::string& master, int qual
         save(image, copy.path, quality, metadata);
     } catch (const TamloError& error) {
         if (error.kind() == TamloError::Kind::cancelled) throw;
-        copy = {(folder / name).string(), true};
+        const std::string beside = (folder / name).string();
+        copy = {freeName ? freeName(beside) : beside, true};
         save(image, copy.path, quality, metadata);
     }
     return copy;

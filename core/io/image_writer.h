@@ -8,6 +8,7 @@
 #include "core/io/ready_image.h"
 #include "core/io/srgb_encode.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -32,9 +33,11 @@ struct SocialCopy {
 };
 
 /// Writes the social copy: "social/{stem}_social.jpg" beside the master, or when that fails
-/// "{stem}_social.jpg" beside it. Errors: those of the second try.
+/// "{stem}_social.jpg" beside it, under the name that `freeName` makes of that. Errors: those of the second
+/// try.
 SocialCopy saveSocial(const RGBImage& image, const std::string& master, int quality,
-                      const std::optional<OutputMetadata>& metadata);
+                      const std::optional<OutputMetadata>& metadata,
+                      const std::function<std::string(const std::string&)>& freeName = {});
 
 /// The encoded file with the metadata in it; the file as it came when there is none, when `properties`
 /// mentions a location, or when the metadata can't be added.

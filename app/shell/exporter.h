@@ -1,0 +1,66 @@
+// Exporter: frames leave as files while the session goes on. The run works on copies, on a thread of its own;
+// what it has to tell, to ask and to note comes back to the main thread.
+#pragma once
+
+#include "app/export/export_report.h"
+#include "app/export/export_task.h"
+#include "app/shell/background.h"
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tamlo {
+
+class AppModel;
+
+class Exporter {
+public:
+    using Path = std::filesystem::path;
+    using FrameIDs = std::vector<FrameID>;
+    using Done = std::function<void(const ExportReport&)>;
+    using Stats = std::function<std::optional<SourceExposure::Stats>(const Frame&, WBMode, const RGBImage&)>;
+
+    explicit Exporter(AppModel& model);
+    ~Exporter();
+
+    /// What RAW frames were measured at for their previews; from any thread. Set before the first run.
+    void setStats(Stats stats) { stats_ = std::move(stats); }
+
+    /// From the preferences: for one frame, or for a batch.
+    ExportDraft exportDraft(const std::optional<FrameID>& single) const;
+    /// Keeps the draft as the next one's beginning.
+    void exportSheetNext(const ExportDraft& draft);
+    /// Runs a draft; the folder becomes the first of those that are remembered. Returns whether it began.
+    bool startExport(const ExportDraft& draft, const Path& folder, Done done = {});
+    /// Ends the run after the file in hand.
+    void stop();
+
+    bool isExporting() const { return task_.has_value(); }
+    const std::optional<ExportTask>& task() const { return task_; }
+    /// The line of the frame in hand, or of the one that was written last.
+    const std::string& exportProgress() const { return progress_; }
+
+private:
+    struct Shared;
+
+    bool run(const ExportDraft& draft, const Path& folder, Done done);
+    ExportRun::Events events();
+    void askExportExists(const ExportClash& clash);
+    void took(const ExportedFrame& one, std::size_t n);
+    void ended(ExportReport report, const Done& done);
+
+    AppModel& model_;
+    Stats stats_;
+    std::optional<ExportTask> task_;
+    std::string progress_;
+    std::shared_ptr<Shared> shared_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    Background background_; // last: joined before the rest goes
+};
+
+} // namespace tamlo
