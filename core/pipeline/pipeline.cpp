@@ -31,13 +31,6 @@
 namespace tamlo {
 namespace {
 
-Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
-{
-    if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
-    const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
-    return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
-}
-
 double cardThicknessMm(const FilmProfile& film)
 {
     constexpr double kIntegralMm = 0.45;
@@ -45,6 +38,13 @@ double cardThicknessMm(const FilmProfile& film)
 }
 
 } // namespace
+
+Vec3f Pipeline::paperBase(const PaperProfile& paper, const RenderOptions& options)
+{
+    if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
+    const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
+    return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
+}
 
 bool Pipeline::hasFinishing(const RenderOptions& options)
 {
