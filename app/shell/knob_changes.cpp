@@ -22,6 +22,7 @@ struct Knob {
 constexpr Knob kKnobs[] = {
     {"ev", "ev"},
     {"src_exposure", "srcExposure"},
+    {"src_lights", "srcLights"},
     {"wb_mode", "wbMode"},
     {"wb_temp", "wbTemp"},
     {"wb_tint", "wbTint"},
