@@ -147,8 +147,8 @@ Setting step(const Slopes& s, const Aim& aim, const PrintTones& now, const Setti
 
 bool isAllowed(const PrintTones& before, const PrintTones& after)
 {
-    return std::abs(after.median - before.median) <= medianReach && after.black <= before.black + kBlackRise &&
-           after.clipped <= before.clipped + kMoreClipped;
+    return std::abs(after.median - before.median) <= medianReach &&
+           after.black <= before.black + kBlackRise && after.clipped <= before.clipped + kMoreClipped;
 }
 
 bool isClose(const Aim& aim, const PrintTones& now)
