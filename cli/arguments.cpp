@@ -134,6 +134,9 @@ void describeDevelop(CLI::App& command, DevelopArguments& into)
     showAs(command.add_option("--quality", into.quality, T("cli.help.quality", {{"default", into.quality}}))
                ->check(CLI::Range(1, 100)),
            "Q");
+    command.add_flag("--auto-print", into.autoPrint, T("cli.help.autoPrint"));
+    command.add_flag_callback(
+        "--no-auto-print", [&into] { into.autoPrint = false; }, T("cli.help.noAutoPrint"));
     command.add_flag("--tolerant", into.tolerant, T("cli.help.tolerant"));
     command.add_option("--author", into.author, T("cli.help.author"))->type_name("NAME");
     command.add_option("--copyright", into.copyright, T("cli.help.copyright"))->type_name("NOTICE");

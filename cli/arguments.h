@@ -44,8 +44,9 @@ struct DevelopArguments : RenderArguments {
     bool quiet = false;
     bool json = false;
     int quality = 95;
-    bool tolerant = false; ///< a damaged picture is taken as far as it can be decoded
-    bool recipe = true;    ///< the print remembers how it was made
+    bool autoPrint = false; ///< each print is exposed and graded for its own frame
+    bool tolerant = false;  ///< a damaged picture is taken as far as it can be decoded
+    bool recipe = true;     ///< the print remembers how it was made
     /// Of the finished pictures; absent: the user's preference, else what the source says.
     std::optional<std::string> author, copyright;
 };

@@ -98,7 +98,12 @@ std::vector<std::string> pictureNotes(const DevelopChoices& choices, const Pictu
     const RenderOptions defaults, &options = one.render.options;
     if (const auto note = cropNote(options, file, one.source)) notes.push_back(*note);
     if (const auto note = frameNote(choices, one, file)) notes.push_back(*note);
-    if (ImageLoader::isRAW(picture)) return notes;
+    if (ImageLoader::isRAW(picture)) {
+        if (choices.asked.contains("src_lights") && choices.render.options.srcLights > 0.0)
+            notes.push_back(T(
+                "cli.idle", {{"option", "src_lights"}, {"reason", T("idle.displayOnly", {{"file", file}})}}));
+        return notes;
+    }
     if (const auto note = balanceNote(choices, file)) notes.push_back(*note);
     const auto rawOnly = [&](const char* key) {
         if (choices.asked.contains(key))

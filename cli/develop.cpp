@@ -10,14 +10,17 @@
 #include "cli/progress.h"
 #include "cli/run_report.h"
 #include "cli/usage_error.h"
+#include "core/film/light/display_lights.h"
 #include "core/image/cancellation.h"
 #include "core/image/random.h"
 #include "core/image/render_profiler.h"
 #include "core/image/source_exposure.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/image_loader.h"
+#include "core/pipeline/auto_print.h"
 #include "core/pipeline/output_plan.h"
 #include "core/text/error_words.h"
+#include "core/text/loc.h"
 #include "platform/console.h"
 
 #include <chrono>
@@ -82,8 +85,11 @@ public:
                                            one.sourceLong, reading());
         });
         cancellationPoint();
+        // Of the whole source, whatever --long says: a light of few pixels is lost in a reduced one.
+        image = DisplayLights::restore(std::move(image), render.options.srcLights);
         // Every length of the simulation is physical: a reduced source makes the same picture.
         if (one.sourceLong > 0) image = resized(std::move(image), one.sourceLong);
+        if (arguments_.autoPrint) exposePrint(image, job, render);
         const Pipeline::OutputPlan plan =
             Pipeline::outputPlan(image.size(), render.film, render.paper, render.options, 1.0);
         image = backend_.process(std::move(image), render);
@@ -102,6 +108,23 @@ public:
     }
 
 private:
+    /// Settles print_ev and grade for a frame and says to what; those that were given by hand stay.
+    void exposePrint(const RGBImage& frame, const DevelopJob& job, RenderChoices& render)
+    {
+        const std::string file = job.input.filename().string();
+        const Pipeline::AutoPrint print =
+            Pipeline::autoPrint(frame, render, choices_.asked, {platform::stopRequested, {}});
+        render.options.printEv = print.printEv;
+        render.options.grade = print.grade;
+        if (print.reasonKey)
+            return note(T("cli.autoPrintNot", {{"file", file}, {"reason", T(*print.reasonKey)}}));
+        note(T("cli.autoPrint", {{"file", file},
+                                 {"ev", Fmt::number(print.printEv, 2)},
+                                 {"grade", Fmt::number(print.grade, 2)},
+                                 {"white", Fmt::number(print.after.white, 0)},
+                                 {"before", Fmt::number(print.before.white, 0)}}));
+    }
+
     void tellPhase(const std::string& phase, double fraction) const
     {
         progress_.phase(T("cli.phase." + phase), fraction);

@@ -222,6 +222,7 @@ struct Base {
 Base readBase(DevelopChoices& choices, const RenderArguments& arguments, const ProfileStore& store)
 {
     Base base;
+    base.frame.options.srcLights = ProcessSettings::fresh().options.srcLights;
     if (arguments.like && arguments.preset) throw UsageError(T("cli.likeOrPreset"));
     if (arguments.like) {
         LikePrint like = readLike(arguments, store);

@@ -71,6 +71,7 @@ PictureChoices choosePicture(const DevelopChoices& choices, const RenderArgument
     PictureChoices one{choices.render, source, 0, source, {}};
     const std::optional<double> cutTo = fit(one, choices, picture.string());
     for (std::string& note : pictureNotes(choices, one, picture)) one.notes.push_back(std::move(note));
+    if (ImageLoader::isRAW(picture)) one.render.options.srcLights = 0; // it has its lights
     if (!arguments.longPx) return one;
     RenderOptions& options = one.render.options;
     one.sourceLong = Pipeline::sourceLongFor(source, one.render.film, options, *arguments.longPx);

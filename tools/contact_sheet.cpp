@@ -7,10 +7,12 @@
 #include "cli/arguments.h"
 #include "cli/develop_choices.h"
 #include "cli/usage_error.h"
+#include "core/film/light/display_lights.h"
 #include "core/image/random.h"
 #include "core/image/source_exposure.h"
 #include "core/io/image_loader.h"
 #include "core/io/image_writer.h"
+#include "core/pipeline/auto_print.h"
 
 #include <algorithm>
 #include <iostream>
@@ -24,20 +26,44 @@ constexpr std::int64_t kDefaultLongPx = 640;
 
 using Row = std::vector<RGBImage>;
 
-RGBImage source(const std::filesystem::path& photo, const cli::DevelopChoices& choices, std::int64_t longPx)
+struct Column {
+    cli::DevelopChoices choices;
+    bool autoPrint = false;
+};
+
+struct Source {
+    RGBImage shown; ///< as it was read
+    DisplayLights::Map lights;
+};
+
+Source source(const std::filesystem::path& photo, const cli::DevelopChoices& choices, std::int64_t longPx)
 {
     const RenderOptions& options = choices.render.options;
-    return resized(ImageLoader::loadLinear(photo, ImageLoader::decodeWBMode(options.wbMode),
-                                           SourceExposure::fromKey(options.srcExposure), longPx),
-                   longPx);
+    RGBImage image = ImageLoader::loadLinear(photo, ImageLoader::decodeWBMode(options.wbMode),
+                                             SourceExposure::fromKey(options.srcExposure), longPx);
+    DisplayLights::Map lights;
+    if (!ImageLoader::isRAW(photo)) lights = DisplayLights::measure(image);
+    return {resized(std::move(image), longPx), std::move(lights)};
 }
 
-RGBImage develop(const RGBImage& before, const std::filesystem::path& photo,
-                 const cli::DevelopChoices& choices, std::int64_t longPx)
+RGBImage develop(const Source& source, const std::filesystem::path& photo, const Column& column,
+                 std::int64_t longPx)
 {
+    const cli::DevelopChoices& choices = column.choices;
     RenderChoices render = choices.render;
     if (!choices.seedIsGiven) render.options.seed = FrameSeed::crc32(photo.filename().string());
-    return resized(CPUBackend().process(before, render), longPx);
+    RGBImage lit = DisplayLights::restore(source.shown, source.lights, render.options.srcLights);
+    if (column.autoPrint) {
+        const Pipeline::AutoPrint print = Pipeline::autoPrint(lit, render, choices.asked);
+        render.options.printEv = print.printEv;
+        render.options.grade = print.grade;
+        std::cerr << "  print_ev " << print.printEv << ", grade " << print.grade << ": black "
+                  << print.before.black << " to " << print.after.black << ", median " << print.before.median
+                  << " to " << print.after.median << ", white " << print.before.white << " to "
+                  << print.after.white << ", clipped " << print.before.clipped << " to "
+                  << print.after.clipped << '\n';
+    }
+    return resized(CPUBackend().process(std::move(lit), render), longPx);
 }
 
 void paste(RGBImage& sheet, const RGBImage& picture, std::int64_t left, std::int64_t top)
@@ -102,15 +128,16 @@ int run(const std::vector<std::string>& words)
         throw cli::UsageError(
             "usage: contact_sheet SHEET.png PHOTO... [options of tamlo develop] [+ options]...");
     const std::vector<cli::DevelopArguments> columns = columnsOf(words);
-    std::vector<cli::DevelopChoices> choices;
-    for (const auto& column : columns) choices.push_back(cli::resolveChoices(column, ProfileStore::shared()));
+    std::vector<Column> choices;
+    for (const auto& column : columns)
+        choices.push_back({cli::resolveChoices(column, ProfileStore::shared()), column.autoPrint});
     const std::int64_t longPx = columns.front().longPx.value_or(kDefaultLongPx);
     std::vector<Row> rows;
     for (const auto& photo : columns.front().inputs) {
         std::cerr << photo.string() << '\n';
-        Row row{source(photo, choices.front(), longPx)};
-        for (const cli::DevelopChoices& choice : choices)
-            row.push_back(develop(row.front(), photo, choice, longPx));
+        const Source before = source(photo, choices.front().choices, longPx);
+        Row row{before.shown};
+        for (const Column& choice : choices) row.push_back(develop(before, photo, choice, longPx));
         rows.push_back(std::move(row));
     }
     ImageWriter::save(arrange(rows), words[0], columns.front().quality, std::nullopt);

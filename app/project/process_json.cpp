@@ -59,7 +59,9 @@ void FieldTable<ProcessSettings>::afterRead(ProcessSettings& settings, const Jso
     readOlder(settings.presetName, json, at, "preset_name");
     readOlder(settings.socialCrop45, json, at, "social_crop45");
     const auto options = json.find("options");
-    if (options == json.end() || options->is_null()) settings.options = ProcessSettings::fresh().options;
+    if (options != json.end() && !options->is_null()) return;
+    settings.options = ProcessSettings::fresh().options;
+    settings.options.srcLights = 0; // a document that does not name them has none
 }
 
 } // namespace tamlo

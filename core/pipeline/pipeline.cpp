@@ -37,13 +37,6 @@
 namespace tamlo {
 namespace {
 
-Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options)
-{
-    if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
-    const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
-    return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
-}
-
 /// The mask of the picture's window follows its resolution.
 void resampleMask(std::optional<Plane>& mask, Size size, Resampling filter)
 {
@@ -107,6 +100,13 @@ RGBImage mountInstant(RGBImage image, const FilmProfile& film, RenderOptions opt
 }
 
 } // namespace
+
+Vec3f Pipeline::paperBase(const PaperProfile& paper, const RenderOptions& options)
+{
+    if (paper.isAlt()) return AltPrint::resolveBase(paper, options);
+    const Vec3d base = paper.baseTint.value_or(Vec3d{1.0, 1.0, 1.0});
+    return {static_cast<float>(base[0]), static_cast<float>(base[1]), static_cast<float>(base[2])};
+}
 
 bool Pipeline::hasFinishing(const RenderOptions& options)
 {

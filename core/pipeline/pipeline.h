@@ -21,6 +21,9 @@ RGBImage process(RGBImage image, const FilmProfile& film, const LensProfile& len
 /// Whether a mat, a table, an embossed line or a stamp is wanted.
 bool hasFinishing(const RenderOptions& options);
 
+/// Colour of the bare paper: what a print's white can be at most.
+Vec3f paperBase(const PaperProfile& paper, const RenderOptions& options);
+
 /// Colour of the border: the paper's base, or with `borderBlack` on a paper without a sheet the darkest that
 /// the process reaches.
 Vec3f borderRGB(const Vec3f& base, const DevelopedFilm& developed, const PaperProfile& paper,

@@ -109,7 +109,7 @@ TEST_F(RecipeRunTest, ShowTellsTheRecipeAndItsCommandLine)
     const RunResult told = run({"show", "recipe", "a.jpg"});
     EXPECT_EQ(told.status, 0) << told.err;
     EXPECT_NE(told.out.find("Kodak Tri-X 400 (trix400)"), std::string::npos) << told.out;
-    EXPECT_NE(told.out.find("grade=3 'stamp_text=Ann'\\''s'"), std::string::npos) << told.out;
+    EXPECT_NE(told.out.find("grade=3 src_lights=1 'stamp_text=Ann'\\''s'"), std::string::npos) << told.out;
     const nlohmann::json object = nlohmann::json::parse(run({"show", "recipe", "a.jpg", "--json"}).out);
     EXPECT_EQ(object["film"], "trix400");
     EXPECT_EQ(object["options"]["grade"], 3);

@@ -281,7 +281,7 @@ TEST_F(UsageTest, ListsEveryKindAndShowsEveryProfile)
 TEST_F(UsageTest, TellsOfEveryOption)
 {
     const nlohmann::json options = nlohmann::json::parse(run({"list", "options", "--json"}).out);
-    ASSERT_EQ(options.size(), 96u);
+    ASSERT_EQ(options.size(), 97u);
     const std::string keys = run({"list", "options", "--ids"}).out;
     const std::string english = run({"list", "options"}).out,
                       russian = run({"list", "options", "--lang", "ru"}).out;

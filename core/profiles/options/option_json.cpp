@@ -68,10 +68,13 @@ RenderOptions decodeOptions(std::string_view jsonText)
 
 Json optionsToJson(const RenderOptions& options)
 {
+    const RenderOptions defaults;
     Json out = Json::object();
     for (const OptionRow& row : optionTable()) {
-        Json value;
+        Json value, usual;
         row.write(options, value);
+        if (row.omitsDefault) row.write(defaults, usual);
+        if (row.omitsDefault && value == usual) continue;
         if (!value.is_null() || row.writesNull) out[row.key] = std::move(value);
     }
     return out;

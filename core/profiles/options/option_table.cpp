@@ -128,9 +128,16 @@ constexpr OptionRow nullable(OptionRow row)
     return row;
 }
 
+constexpr OptionRow omitted(OptionRow row)
+{
+    row.omitsDefault = true;
+    return row;
+}
+
 constexpr OptionRow kRows[] = {
     ranged(option<&O::ev>("ev", "stops"), -6, 6),
     lenient(oneOf(option<&O::srcExposure>("src_exposure", ""), kSrcExposure)),
+    omitted(ranged(option<&O::srcLights>("src_lights", ""), 0, 1)),
     lenient(oneOf(option<&O::wbMode>("wb_mode", ""), kWbMode)),
     ranged(option<&O::wbTemp>("wb_temp", "mired"), -600, 600),
     ranged(option<&O::wbTint>("wb_tint", ""), -150, 150),

@@ -1,4 +1,4 @@
-// The option table: one row for each of the 96 stored fields of RenderOptions with its key, type, range and
+// The option table: one row for each of the 97 stored fields of RenderOptions with its key, type, range and
 // allowed texts. JSON, the command line's key=value and the documents all read it: a new option is one row
 // here and a text, under its key, that tells what it means. Files may hold values out of a row's range (the
 // stages clamp or tell their own rule); the command line is checked against it.
@@ -31,6 +31,8 @@ struct OptionRow {
     bool keepsOnUnknown = false;
     /// An absent value is written as null, since the default is not absence.
     bool writesNull = false;
+    /// The default is absence: a document that was made before the option stays as it is, byte for byte.
+    bool omitsDefault = false;
 
     void (*read)(RenderOptions&, const nlohmann::json&, const JsonPath&);
     void (*write)(const RenderOptions&, nlohmann::json&); ///< null when absent

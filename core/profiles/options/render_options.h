@@ -1,4 +1,4 @@
-// RenderOptions: the one plain value that carries every knob of a frame into the pipeline. 96 fields are
+// RenderOptions: the one plain value that carries every knob of a frame into the pipeline. 97 fields are
 // stored as JSON under the snake_case form of their names (option_table.h tells each once: key, type, range,
 // texts, meaning); 11 are worked out during a render and never stored.
 #pragma once
@@ -15,8 +15,9 @@ struct RenderOptions {
     // Source and exposure.
     double ev = 0;                    ///< stops
     std::string srcExposure = "auto"; ///< "auto", "as_shot", "highlights", "shadows"
-    std::string wbMode = "film";      ///< "film", "asshot", "custom"
-    double wbTemp = 0;                ///< mired
+    double srcLights = 0;        ///< how much of its clipped lights a display picture is given back, 0...1
+    std::string wbMode = "film"; ///< "film", "asshot", "custom"
+    double wbTemp = 0;           ///< mired
     double wbTint = 0;
     double sourceGain = 1; ///< not stored: worked out from the source's statistics
 

@@ -59,7 +59,7 @@ constexpr BlockRow kBlocks[] = {
 constexpr std::array kFrameOnly{"crop"sv, "crop_angle"sv, "rotate"sv, "mirror"sv};
 constexpr std::array kNever{"seed"sv,          "frame_number"sv, "seed_variants"sv, "master_cap"sv,
                             "card_outside"sv,  "grain_engine"sv, "social_px"sv,     "social_by"sv,
-                            "social_crop45"sv, "crop_gate"sv,    "repro_raster"sv};
+                            "social_crop45"sv, "crop_gate"sv,    "repro_raster"sv,  "src_lights"sv};
 
 constexpr std::array kMovedToPrint{"border"sv, "frame"sv, "frame_rough"sv, "frame_style"sv,
                                    "instant_frame"sv};

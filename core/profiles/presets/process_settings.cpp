@@ -7,6 +7,7 @@ ProcessSettings ProcessSettings::fresh()
     constexpr double kSheetCm = 30;
     ProcessSettings settings;
     settings.options.sheetCm = kSheetCm;
+    settings.options.srcLights = 1;
     return settings;
 }
 

@@ -15,7 +15,8 @@ struct ProcessSettings {
     bool social = false;   ///< an export writes a copy for sharing beside it
     bool socialCrop45 = false;
 
-    /// What a frame's first change starts from: the neutral film, lens and paper, and a sheet of 30 cm.
+    /// What a frame's first change starts from: the neutral film, lens and paper, a sheet of 30 cm, and the
+    /// lights of a display picture given back.
     static ProcessSettings fresh();
 
     /// Stamps a preset on the frame: its blocks are set to their defaults and then to what the preset says;
