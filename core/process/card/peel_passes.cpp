@@ -1,17 +1,104 @@
-#include "core/image/bands.h"
-#include "core/image/gaussian.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "core/process/card/peel_passes.cpp"
+#include <hwy/foreach_target.h>
+
+#include "core/image/vector_pixels-inl.h"
 #include "core/process/card/peel_card.h"
 
 #include <algorithm>
+#include <array>
+
+#ifndef TAMLO_CORE_PROCESS_CARD_PEEL_PASSES_ONCE
+#define TAMLO_CORE_PROCESS_CARD_PEEL_PASSES_ONCE
+namespace tamlo {
+namespace {
+
+constexpr float kBlot = 0.6f;
+constexpr Vec3f kYellow{0.0f, 0.03f, 0.10f};  // taken from the base, of full yellowing
+constexpr Vec3f kCream{0.0f, 0.015f, 0.045f}; // taken from it, where the emulsion is gone
+
+/// A run of one row of the sheet; what is null is not there.
+struct PeelRun {
+    std::int64_t count = 0;
+    Vec3f base{};
+    const float* yellowX = nullptr; ///< yellowing from the ends of the row
+    float yellowY = 0.0f;           ///< and from its own nearer edge
+    const float* blot = nullptr;
+    float blotGain = 0.0f;
+    std::array<const float*, 2> fibre{};
+    std::array<float, 2> fibreGain{};
+    const float* mask = nullptr; ///< coverage of the emulsion; with it windowX and seen
+    const float* windowX = nullptr;
+    float windowY = 0.0f;
+    const float* seen = nullptr; ///< the picture, interleaved
+};
+
+} // namespace
+} // namespace tamlo
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace tamlo {
+namespace HWY_NAMESPACE {
+
+void peelRun(float* out, const PeelRun& run)
+{
+    const hn::ScalableTag<float> d;
+    using V = hn::Vec<decltype(d)>;
+    const V one = hn::Set(d, 1.0f), zero = hn::Zero(d);
+    const auto count = static_cast<std::size_t>(run.count);
+    for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
+        const std::size_t n = std::min(count - i, hn::Lanes(d));
+        V base[3] = {hn::Set(d, run.base[0]), hn::Set(d, run.base[1]), hn::Set(d, run.base[2])};
+        if (run.blot) {
+            const V edge = hn::Max(loadRun(d, run.yellowX + i, n), hn::Set(d, run.yellowY));
+            const V clouds = hn::Mul(hn::Set(d, run.blotGain), loadRun(d, run.blot + i, n));
+            const V s = clamp01(d, hn::Mul(edge, hn::Add(one, clouds)));
+            for (std::size_t c = 0; c < 3; ++c)
+                base[c] = hn::Mul(base[c], hn::Sub(one, hn::Mul(hn::Set(d, kYellow[c]), s)));
+        }
+        if (run.fibre[0]) {
+            V fibre = one;
+            for (std::size_t k = 0; k < 2; ++k)
+                fibre = hn::Add(fibre,
+                                hn::Mul(loadRun(d, run.fibre[k] + i, n), hn::Set(d, run.fibreGain[k])));
+            for (V& v : base) v = hn::Mul(v, fibre);
+        }
+        for (V& v : base) v = hn::Max(v, zero);
+        if (run.mask) {
+            const V m = loadRun(d, run.mask + i, n);
+            const V window = hn::Mul(loadRun(d, run.windowX + i, n), hn::Set(d, run.windowY));
+            const V bitten = clamp01(d, hn::Sub(window, m));
+            const auto seen = loadTriple(d, run.seen + i * 3, n);
+            const V picture[3] = {seen.r, seen.g, seen.b};
+            const auto covered = hn::Gt(m, zero);
+            for (std::size_t c = 0; c < 3; ++c) {
+                const V paper =
+                    hn::Mul(base[c], hn::Sub(one, hn::Mul(bitten, hn::Set(d, kCream[c]))));
+                const V mixed = hn::Add(hn::Mul(m, picture[c]), hn::Mul(hn::Sub(one, m), paper));
+                base[c] = hn::IfThenElse(covered, hn::Max(mixed, zero), paper);
+            }
+        }
+        storeTriple(d, Triple<V>{base[0], base[1], base[2]}, out + i * 3, n);
+    }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace tamlo
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+#include "core/image/bands.h"
+#include "core/image/gaussian.h"
+
 #include <cmath>
 
 namespace tamlo {
 namespace {
 
+HWY_EXPORT(peelRun);
+
 constexpr double kYellowMm = 2.5;
-constexpr float kBlot = 0.6f;
-constexpr Vec3f kYellow{0.0f, 0.03f, 0.10f};  // taken from the base, of full yellowing
-constexpr Vec3f kCream{0.0f, 0.015f, 0.045f}; // taken from it, where the emulsion is gone
 constexpr double kFibre[2] = {0.003, 0.0025};
 constexpr std::uint32_t kFibreLayer[2] = {42, 43};
 
@@ -24,6 +111,13 @@ float share(float v)
     return std::clamp(v, 0.0f, 1.0f);
 }
 
+/// A field of a part, with what its blur needed round it.
+struct PaddedField {
+    Plane plane;
+    std::int64_t pad = 0;
+    const float* row(std::int64_t y) const { return plane.row(y + pad) + pad; }
+};
+
 /// One part of the sheet, with all that its own pixels ask for.
 class SheetPart {
 public:
@@ -31,8 +125,11 @@ public:
     SheetPart(const PeelParams& params, Part part, bool isPlain) : p_(params), part_(part)
     {
         if (!isPlain) mask_ = maskPart();
-        fibre_[0] = fibrePart(0);
-        fibre_[1] = fibrePart(1);
+        for (std::size_t k = 0; k < 2; ++k) {
+            fibre_[k] = fibrePart(k);
+            fibreGain_[k] =
+                static_cast<float>(kFibre[k] / kernelPower(gaussianHalfKernel(params.fibreSigmaPx[k])));
+        }
         yellowX_ = yellowing(part.x, part.width, params.canvas.width);
         yellowY_ = yellowing(part.y, part.height, params.canvas.height);
     }
@@ -44,21 +141,27 @@ public:
         // Rows of the sheet are columns of a turned one: bands then share rows, but no pixel.
         parallelBands(part_.height, part_.width * 6, [&](std::int64_t start, std::int64_t end) {
             std::optional<NoiseField::Rows> blot;
-            if (p_.blot) blot.emplace(*p_.blot);
+            if (p_.yellow > 0.0) blot.emplace(*p_.blot);
+            std::vector<float> line(static_cast<std::size_t>(p_.turned ? part_.width * 3 : 0));
+            std::vector<float> seen(static_cast<std::size_t>(isPlain() ? 0 : part_.width * 3));
             for (std::int64_t j = start; j < end; ++j) {
-                const float* clouds = blot ? blot->row(part_.y + j) + part_.x : nullptr;
-                for (std::int64_t i = 0; i < part_.width; ++i) {
-                    const Vec3f v = pixel(i, j, clouds ? clouds[i] : 0.0f, picture);
-                    const std::int64_t x = part_.x + i, y = part_.y + j;
-                    const std::int64_t at =
-                        p_.turned ? (p_.canvas.width - 1 - x) * outWidth + y : y * outWidth + x;
-                    std::copy_n(v.begin(), 3, out + at * 3);
-                }
+                const std::int64_t y = part_.y + j;
+                const float* clouds =
+                    blot ? blot->run(y, part_.x, part_.x + part_.width) + part_.x : nullptr;
+                if (!isPlain()) see(seen, picture, y);
+                float* row = p_.turned ? line.data() : out + (y * outWidth + part_.x) * 3;
+                composeRow(row, j, clouds, seen.data());
+                if (!p_.turned) continue;
+                for (std::int64_t i = 0; i < part_.width; ++i)
+                    std::copy_n(row + i * 3, 3,
+                                out + ((p_.canvas.width - 1 - part_.x - i) * outWidth + y) * 3);
             }
         });
     }
 
 private:
+    bool isPlain() const { return mask_.plane.count() == 0; }
+
     /// Coverage of the emulsion at a pixel of the sheet, not yet softened.
     float hardMask(std::int64_t x, std::int64_t y) const
     {
@@ -72,16 +175,7 @@ private:
     /// What of a plane a part needs round it for a blur.
     static std::int64_t reachOf(double sigma) { return static_cast<std::int64_t>(4.0 * sigma + 0.5); }
 
-    Plane inner(const Plane& wide, std::int64_t pad) const
-    {
-        Plane out(part_.width, part_.height);
-        float* to = out.mutableData();
-        for (std::int64_t y = 0; y < part_.height; ++y)
-            std::copy_n(wide.row(y + pad) + pad, part_.width, to + y * part_.width);
-        return out;
-    }
-
-    Plane maskPart() const
+    PaddedField maskPart() const
     {
         const std::int64_t pad = p_.maskSigmaPx > 0.0 ? reachOf(p_.maskSigmaPx) : 0;
         Plane mask(part_.width + 2 * pad, part_.height + 2 * pad);
@@ -91,22 +185,18 @@ private:
                 for (std::int64_t x = 0; x < mask.width; ++x)
                     to[y * mask.width + x] = hardMask(part_.x + x - pad, part_.y + y - pad);
         });
-        if (pad == 0) return mask;
-        return inner(gaussianFilter(std::move(mask), p_.maskSigmaPx, EdgeMode::reflect), pad);
+        if (pad == 0) return {std::move(mask), 0};
+        return {gaussianFilter(std::move(mask), p_.maskSigmaPx, EdgeMode::reflect), pad};
     }
 
     /// Fibre of the paper: noise that goes on beyond every edge, its deviation known from the kernel.
-    Plane fibrePart(std::size_t k) const
+    PaddedField fibrePart(std::size_t k) const
     {
         const double sigma = p_.fibreSigmaPx[k];
         const std::int64_t pad = reachOf(sigma);
         Plane noise = noisePlane({part_.width + 2 * pad, part_.height + 2 * pad}, {p_.seed, kFibreLayer[k]},
                                  {part_.x - pad, part_.y - pad});
-        Plane out = inner(gaussianFilter(std::move(noise), sigma, EdgeMode::nearest), pad);
-        const auto gain = static_cast<float>(kFibre[k] / kernelPower(gaussianHalfKernel(sigma)));
-        float* to = out.mutableData();
-        for (std::int64_t i = 0; i < out.count(); ++i) to[i] *= gain;
-        return out;
+        return {gaussianFilter(std::move(noise), sigma, EdgeMode::nearest), pad};
     }
 
     /// Yellowing by the distance from the nearer end of an axis.
@@ -121,43 +211,61 @@ private:
         return out;
     }
 
-    Vec3f pixel(std::int64_t i, std::int64_t j, float cloud, const RGBImage& picture) const
+    /// The picture under a row of the part; beyond the window its edge is repeated.
+    void see(std::vector<float>& to, const RGBImage& picture, std::int64_t y) const
     {
-        const std::int64_t x = part_.x + i, y = part_.y + j;
-        const auto at = static_cast<std::size_t>(j * part_.width + i);
-        Vec3f base = p_.base;
-        if (p_.yellow > 0.0) {
-            const float edge =
-                std::max(yellowX_[static_cast<std::size_t>(i)], yellowY_[static_cast<std::size_t>(j)]);
-            const float s = share(edge * (1.0f + kBlot * p_.blot->scale() * cloud));
-            for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - kYellow[c] * s;
+        const std::int64_t width = p_.picture.width;
+        const std::int64_t sy = std::clamp<std::int64_t>(y - p_.top, 0, p_.picture.height - 1);
+        for (std::int64_t i = 0; i < part_.width; ++i) {
+            const std::int64_t sx = std::clamp<std::int64_t>(part_.x + i - p_.side, 0, width - 1);
+            const float* from = p_.turned ? picture.row(width - 1 - sx) + sy * 3 : picture.row(sy) + sx * 3;
+            std::copy_n(from, 3, to.data() + i * 3);
         }
-        const std::int64_t px = x - p_.side, py = y - p_.top;
-        const bool inWindow = px >= 0 && py >= 0 && px < p_.picture.width && py < p_.picture.height;
-        if (!inWindow) {
-            const float fibre = 1.0f + fibre_[0].data[at] + fibre_[1].data[at];
-            for (float& v : base) v *= fibre;
-        }
-        for (float& v : base) v = std::max(v, 0.0f);
-        if (mask_.count() == 0) return base;
-        const float m = mask_.data[at];
-        const float window =
-            p_.windowX[static_cast<std::size_t>(x)] * p_.windowY[static_cast<std::size_t>(y)];
-        const float bitten = share(window - m);
-        for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - bitten * kCream[c];
-        if (m <= 0.0f) return base;
-        const std::int64_t sx = std::clamp<std::int64_t>(px, 0, p_.picture.width - 1);
-        const std::int64_t sy = std::clamp<std::int64_t>(py, 0, p_.picture.height - 1);
-        const Vec3f seen = p_.turned ? picture.pixel(sy, p_.picture.width - 1 - sx) : picture.pixel(sx, sy);
-        Vec3f out{};
-        for (std::size_t c = 0; c < 3; ++c) out[c] = std::max(m * seen[c] + (1.0f - m) * base[c], 0.0f);
-        return out;
+    }
+
+    /// Row j of the part: paper, the window's stretch without fibre, paper.
+    void composeRow(float* out, std::int64_t j, const float* clouds, const float* seen) const
+    {
+        const std::int64_t y = part_.y + j;
+        const bool beside = y < p_.top || y >= p_.top + p_.picture.height;
+        const auto within = [&](std::int64_t x) {
+            return beside ? part_.width : std::clamp<std::int64_t>(x - part_.x, 0, part_.width);
+        };
+        const std::int64_t from = within(p_.side), to = within(p_.side + p_.picture.width);
+        const auto run = [&](std::int64_t first, std::int64_t end, bool isPaper) {
+            if (first >= end) return;
+            PeelRun r;
+            r.count = end - first;
+            r.base = p_.base;
+            if (clouds) {
+                r.yellowX = yellowX_.data() + first;
+                r.yellowY = yellowY_[static_cast<std::size_t>(j)];
+                r.blot = clouds + first;
+                r.blotGain = kBlot * p_.blot->scale();
+            }
+            if (isPaper)
+                for (std::size_t k = 0; k < 2; ++k) {
+                    r.fibre[k] = fibre_[k].row(j) + first;
+                    r.fibreGain[k] = fibreGain_[k];
+                }
+            if (!isPlain()) {
+                r.mask = mask_.row(j) + first;
+                r.windowX = p_.windowX.data() + part_.x + first;
+                r.windowY = p_.windowY[static_cast<std::size_t>(y)];
+                r.seen = seen + first * 3;
+            }
+            HWY_DYNAMIC_DISPATCH(peelRun)(out + first * 3, r);
+        };
+        run(0, from, true);
+        run(from, to, false);
+        run(to, part_.width, true);
     }
 
     const PeelParams& p_;
     Part part_;
-    Plane mask_;
-    std::array<Plane, 2> fibre_;
+    PaddedField mask_;
+    std::array<PaddedField, 2> fibre_;
+    std::array<float, 2> fibreGain_{};
     std::vector<float> yellowX_, yellowY_;
 };
 
@@ -209,3 +317,4 @@ void peel_compose(RGBImage& to, const RGBImage& picture, const PeelParams& p)
 }
 
 } // namespace tamlo
+#endif

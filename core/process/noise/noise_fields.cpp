@@ -305,7 +305,7 @@ NoiseField::Rows::Rows(const NoiseField& field) : field_(field)
     line_.resize(field.taps_.size());
 }
 
-const float* NoiseField::Rows::row(std::int64_t y)
+const float* NoiseField::Rows::run(std::int64_t y, std::int64_t first, std::int64_t end)
 {
     if (!field_.onLattice()) return field_.samples_.row(y);
     const Tap down = field_.rowTaps_[static_cast<std::size_t>(y)];
@@ -314,8 +314,8 @@ const float* NoiseField::Rows::row(std::int64_t y)
     for (std::size_t x = 0; x < last; ++x) nodes_[x + 1] = a[x] + (b[x] - a[x]) * down.fraction;
     nodes_[0] = nodes_[1];
     nodes_[last + 1] = nodes_[last];
-    lattice_row(line_.data(), nodes_.data(), field_.columns_.data(), field_.shares_.data(),
-                static_cast<std::int64_t>(line_.size()));
+    lattice_row(line_.data() + first, nodes_.data(), field_.columns_.data() + first,
+                field_.shares_.data() + first, end - first);
     return line_.data();
 }
 

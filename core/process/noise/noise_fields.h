@@ -94,7 +94,9 @@ public:
     public:
         explicit Rows(const NoiseField& field);
         /// `width` samples, good until the next call.
-        const float* row(std::int64_t y);
+        const float* row(std::int64_t y) { return run(y, 0, field_.size_.width); }
+        /// The same line, of which the pixels first...end - 1 alone are filled in.
+        const float* run(std::int64_t y, std::int64_t first, std::int64_t end);
 
     private:
         const NoiseField& field_;
