@@ -310,10 +310,19 @@ const float* NoiseField::Rows::run(std::int64_t y, std::int64_t first, std::int6
     if (!field_.onLattice()) return field_.samples_.row(y);
     const Tap down = field_.rowTaps_[static_cast<std::size_t>(y)];
     const float *a = field_.samples_.row(down.first), *b = field_.samples_.row(down.second);
-    const std::size_t last = nodes_.size() - 2;
-    for (std::size_t x = 0; x < last; ++x) nodes_[x + 1] = a[x] + (b[x] - a[x]) * down.fraction;
-    nodes_[0] = nodes_[1];
-    nodes_[last + 1] = nodes_[last];
+    if (first >= end) return line_.data();
+    // The nodes that the stretch reads; the line of nodes has its ends repeated.
+    const auto last = static_cast<std::int64_t>(nodes_.size()) - 2;
+    const auto column = [&](std::int64_t x) -> std::int64_t {
+        return field_.columns_[static_cast<std::size_t>(x)];
+    };
+    const std::int64_t left = std::max<std::int64_t>(column(first), 1);
+    const std::int64_t right = std::min(column(end - 1) + 1, last);
+    float* nodes = nodes_.data();
+    for (std::int64_t k = left; k <= right; ++k)
+        nodes[k] = a[k - 1] + (b[k - 1] - a[k - 1]) * down.fraction;
+    nodes[0] = nodes[1];
+    nodes[last + 1] = nodes[last];
     lattice_row(line_.data() + first, nodes_.data(), field_.columns_.data() + first,
                 field_.shares_.data() + first, end - first);
     return line_.data();
