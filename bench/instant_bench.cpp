@@ -1,6 +1,6 @@
 // Speed of instant film from the light at the emulsion to the finished picture, and of the card round it, on
-// every kind of film at 24 megapixels and at 2,048 pixels. CPU time in E of 24 megapixels, for the small picture
-// too, without the system's work on fresh pages (bench/unit_e.h, bench/warm_pages.cpp).
+// every kind of film at 24 megapixels and at 2,048 pixels. CPU time in E of 24 megapixels, for the small
+// picture too, without the system's work on fresh pages (bench/unit_e.h, bench/warm_pages.cpp).
 #include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr std::size_t kMostBytes = std::size_t{3} << 30; // what is kept; beyond it the system has its pages back
+constexpr std::size_t kMostBytes = std::size_t{3}
+                                   << 30; // what is kept; beyond it the system has its pages back
 
 std::mutex guard;
 std::multimap<std::size_t, void*> blocks;

@@ -102,7 +102,8 @@ RowRuns rowRuns(bool whole, std::int64_t width, Run left, Run right)
 {
     if (whole) return {Run{0, width}, Run{width, width}};
     const auto within = [&](Run run) {
-        return Run{std::clamp<std::int64_t>(run.first, 0, width), std::clamp<std::int64_t>(run.end, 0, width)};
+        return Run{std::clamp<std::int64_t>(run.first, 0, width),
+                   std::clamp<std::int64_t>(run.end, 0, width)};
     };
     RowRuns runs{within(left), within(right)};
     runs[1].first = std::max(runs[1].first, runs[0].end);
@@ -160,9 +161,8 @@ public:
         for (const Run run : rim)
             for (std::int64_t x = run.first; x < run.end; ++x) factors_[index(x)] *= rimFactor(x, y);
         for (const Run run : changed)
-            if (run.end > run.first)
-                HWY_DYNAMIC_DISPATCH(shadeRun)
-                (to + run.first * 3, factors_.data() + run.first, run.end - run.first);
+            if (run.end > run.first) HWY_DYNAMIC_DISPATCH(shadeRun)
+        (to + run.first * 3, factors_.data() + run.first, run.end - run.first);
         if (p_.outline.isCut())
             for (const Run run : rim) cut(to, run, y);
     }

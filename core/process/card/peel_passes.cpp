@@ -60,8 +60,8 @@ void peelRun(float* out, const PeelRun& run)
         if (run.fibre[0]) {
             V fibre = one;
             for (std::size_t k = 0; k < 2; ++k)
-                fibre = hn::Add(fibre,
-                                hn::Mul(loadRun(d, run.fibre[k] + i, n), hn::Set(d, run.fibreGain[k])));
+                fibre =
+                    hn::Add(fibre, hn::Mul(loadRun(d, run.fibre[k] + i, n), hn::Set(d, run.fibreGain[k])));
             for (V& v : base) v = hn::Mul(v, fibre);
         }
         for (V& v : base) v = hn::Max(v, zero);
@@ -73,8 +73,7 @@ void peelRun(float* out, const PeelRun& run)
             const V picture[3] = {seen.r, seen.g, seen.b};
             const auto covered = hn::Gt(m, zero);
             for (std::size_t c = 0; c < 3; ++c) {
-                const V paper =
-                    hn::Mul(base[c], hn::Sub(one, hn::Mul(bitten, hn::Set(d, kCream[c]))));
+                const V paper = hn::Mul(base[c], hn::Sub(one, hn::Mul(bitten, hn::Set(d, kCream[c]))));
                 const V mixed = hn::Add(hn::Mul(m, picture[c]), hn::Mul(hn::Sub(one, m), paper));
                 base[c] = hn::IfThenElse(covered, hn::Max(mixed, zero), paper);
             }
@@ -118,18 +117,27 @@ struct PaddedField {
     const float* row(std::int64_t y) const { return plane.row(y + pad) + pad; }
 };
 
-/// One part of the sheet, with all that its own pixels ask for.
+Part common(Part a, Part b)
+{
+    const std::int64_t x = std::max(a.x, b.x), y = std::max(a.y, b.y);
+    return {x, y, std::max<std::int64_t>(std::min(a.x + a.width, b.x + b.width) - x, 0),
+            std::max<std::int64_t>(std::min(a.y + a.height, b.y + b.height) - y, 0)};
+}
+
+/// One part of the sheet, with all that its own pixels ask for: paper of the margin, which has fibre, or a
+/// band of the window along its edge, which has none.
 class SheetPart {
 public:
-    /// isPlain: paper alone, out of the window's reach.
-    SheetPart(const PeelParams& params, Part part, bool isPlain) : p_(params), part_(part)
+    /// masked: what of the part the emulsion may cover.
+    SheetPart(const PeelParams& params, Part part, Part masked, bool isPaper)
+        : p_(params), part_(part), masked_(masked), isPaper_(isPaper)
     {
-        if (!isPlain) mask_ = maskPart();
-        for (std::size_t k = 0; k < 2; ++k) {
-            fibre_[k] = fibrePart(k);
+        if (masked.width > 0 && masked.height > 0) mask_ = maskPart();
+        if (isPaper)
+            for (std::size_t k = 0; k < 2; ++k) fibre_[k] = fibrePart(k);
+        for (std::size_t k = 0; k < 2; ++k)
             fibreGain_[k] =
                 static_cast<float>(kFibre[k] / kernelPower(gaussianHalfKernel(params.fibreSigmaPx[k])));
-        }
         yellowX_ = yellowing(part.x, part.width, params.canvas.width);
         yellowY_ = yellowing(part.y, part.height, params.canvas.height);
     }
@@ -143,14 +151,12 @@ public:
             std::optional<NoiseField::Rows> blot;
             if (p_.yellow > 0.0) blot.emplace(*p_.blot);
             std::vector<float> line(static_cast<std::size_t>(p_.turned ? part_.width * 3 : 0));
-            std::vector<float> seen(static_cast<std::size_t>(isPlain() ? 0 : part_.width * 3));
-            for (std::int64_t j = start; j < end; ++j) {
-                const std::int64_t y = part_.y + j;
-                const float* clouds =
-                    blot ? blot->run(y, part_.x, part_.x + part_.width) + part_.x : nullptr;
-                if (!isPlain()) see(seen, picture, y);
+            std::vector<float> seen(static_cast<std::size_t>(masked_.width * 3));
+            for (std::int64_t y = part_.y + start; y < part_.y + end; ++y) {
+                const float* clouds = blot ? blot->run(y, part_.x, part_.x + part_.width) + part_.x : nullptr;
                 float* row = p_.turned ? line.data() : out + (y * outWidth + part_.x) * 3;
-                composeRow(row, j, clouds, seen.data());
+                if (isMasked(y)) see(seen, picture, y);
+                composeRow(row, y, clouds, seen.data());
                 if (!p_.turned) continue;
                 for (std::int64_t i = 0; i < part_.width; ++i)
                     std::copy_n(row + i * 3, 3,
@@ -160,7 +166,10 @@ public:
     }
 
 private:
-    bool isPlain() const { return mask_.plane.count() == 0; }
+    bool isMasked(std::int64_t y) const
+    {
+        return masked_.width > 0 && y >= masked_.y && y < masked_.y + masked_.height;
+    }
 
     /// Coverage of the emulsion at a pixel of the sheet, not yet softened.
     float hardMask(std::int64_t x, std::int64_t y) const
@@ -178,12 +187,12 @@ private:
     PaddedField maskPart() const
     {
         const std::int64_t pad = p_.maskSigmaPx > 0.0 ? reachOf(p_.maskSigmaPx) : 0;
-        Plane mask(part_.width + 2 * pad, part_.height + 2 * pad);
+        Plane mask(masked_.width + 2 * pad, masked_.height + 2 * pad);
         float* to = mask.mutableData();
         parallelBands(mask.height, mask.width * 2, [&](std::int64_t start, std::int64_t end) {
             for (std::int64_t y = start; y < end; ++y)
                 for (std::int64_t x = 0; x < mask.width; ++x)
-                    to[y * mask.width + x] = hardMask(part_.x + x - pad, part_.y + y - pad);
+                    to[y * mask.width + x] = hardMask(masked_.x + x - pad, masked_.y + y - pad);
         });
         if (pad == 0) return {std::move(mask), 0};
         return {gaussianFilter(std::move(mask), p_.maskSigmaPx, EdgeMode::reflect), pad};
@@ -211,58 +220,58 @@ private:
         return out;
     }
 
-    /// The picture under a row of the part; beyond the window its edge is repeated.
+    /// The picture under a row's masked stretch; beyond the window its edge is repeated.
     void see(std::vector<float>& to, const RGBImage& picture, std::int64_t y) const
     {
         const std::int64_t width = p_.picture.width;
         const std::int64_t sy = std::clamp<std::int64_t>(y - p_.top, 0, p_.picture.height - 1);
-        for (std::int64_t i = 0; i < part_.width; ++i) {
-            const std::int64_t sx = std::clamp<std::int64_t>(part_.x + i - p_.side, 0, width - 1);
+        for (std::int64_t i = 0; i < masked_.width; ++i) {
+            const std::int64_t sx = std::clamp<std::int64_t>(masked_.x + i - p_.side, 0, width - 1);
             const float* from = p_.turned ? picture.row(width - 1 - sx) + sy * 3 : picture.row(sy) + sx * 3;
             std::copy_n(from, 3, to.data() + i * 3);
         }
     }
 
-    /// Row j of the part: paper, the window's stretch without fibre, paper.
-    void composeRow(float* out, std::int64_t j, const float* clouds, const float* seen) const
+    /// Row y of the sheet: paper on both sides of what the emulsion may cover.
+    void composeRow(float* out, std::int64_t y, const float* clouds, const float* seen) const
     {
-        const std::int64_t y = part_.y + j;
-        const bool beside = y < p_.top || y >= p_.top + p_.picture.height;
-        const auto within = [&](std::int64_t x) {
-            return beside ? part_.width : std::clamp<std::int64_t>(x - part_.x, 0, part_.width);
-        };
-        const std::int64_t from = within(p_.side), to = within(p_.side + p_.picture.width);
-        const auto run = [&](std::int64_t first, std::int64_t end, bool isPaper) {
-            if (first >= end) return;
-            PeelRun r;
-            r.count = end - first;
-            r.base = p_.base;
-            if (clouds) {
-                r.yellowX = yellowX_.data() + first;
-                r.yellowY = yellowY_[static_cast<std::size_t>(j)];
-                r.blot = clouds + first;
-                r.blotGain = kBlot * p_.blot->scale();
-            }
-            if (isPaper)
-                for (std::size_t k = 0; k < 2; ++k) {
-                    r.fibre[k] = fibre_[k].row(j) + first;
-                    r.fibreGain[k] = fibreGain_[k];
-                }
-            if (!isPlain()) {
-                r.mask = mask_.row(j) + first;
-                r.windowX = p_.windowX.data() + part_.x + first;
-                r.windowY = p_.windowY[static_cast<std::size_t>(y)];
-                r.seen = seen + first * 3;
-            }
-            HWY_DYNAMIC_DISPATCH(peelRun)(out + first * 3, r);
-        };
-        run(0, from, true);
-        run(from, to, false);
-        run(to, part_.width, true);
+        const std::int64_t first = isMasked(y) ? masked_.x - part_.x : part_.width;
+        const std::int64_t end = isMasked(y) ? first + masked_.width : part_.width;
+        composeRun(out, y, {0, first}, clouds, nullptr);
+        composeRun(out, y, {first, end}, clouds, seen);
+        composeRun(out, y, {end, part_.width}, clouds, nullptr);
+    }
+
+    /// Pixels span[0]...span[1] - 1 of the part's row; `seen` begins with them.
+    void composeRun(float* out, std::int64_t y, std::array<std::int64_t, 2> span, const float* clouds,
+                    const float* seen) const
+    {
+        const auto [first, end] = span;
+        if (first >= end) return;
+        PeelRun run;
+        run.count = end - first;
+        run.base = p_.base;
+        if (clouds) {
+            run.yellowX = yellowX_.data() + first;
+            run.yellowY = yellowY_[static_cast<std::size_t>(y - part_.y)];
+            run.blot = clouds + first;
+            run.blotGain = kBlot * p_.blot->scale();
+        }
+        if (isPaper_)
+            for (std::size_t k = 0; k < 2; ++k) run.fibre[k] = fibre_[k].row(y - part_.y) + first;
+        run.fibreGain = fibreGain_;
+        if (seen) {
+            run.mask = mask_.row(y - masked_.y);
+            run.windowX = p_.windowX.data() + masked_.x;
+            run.windowY = p_.windowY[static_cast<std::size_t>(y)];
+            run.seen = seen;
+        }
+        HWY_DYNAMIC_DISPATCH(peelRun)(out + first * 3, run);
     }
 
     const PeelParams& p_;
-    Part part_;
+    Part part_, masked_;
+    bool isPaper_;
     PaddedField mask_;
     std::array<PaddedField, 2> fibre_;
     std::array<float, 2> fibreGain_{};
@@ -294,24 +303,25 @@ void peel_compose(RGBImage& to, const RGBImage& picture, const PeelParams& p)
     const std::int64_t width = p.canvas.width, height = p.canvas.height;
     const auto softPx = static_cast<std::int64_t>(std::ceil(4.0 * p.maskSigmaPx)) + 2;
     const auto inwards = [&](std::int64_t size) { return std::min(p.reachPx, (size + 1) / 2); };
-    // From the edge of the sheet inwards: paper, the band of the window's edge, the picture.
-    const std::int64_t x0 = p.side + inwards(p.picture.width);
-    const std::int64_t x1 = std::max(x0, p.side + p.picture.width - inwards(p.picture.width));
-    const std::int64_t y0 = p.top + inwards(p.picture.height);
-    const std::int64_t y1 = std::max(y0, p.top + p.picture.height - inwards(p.picture.height));
-    const std::int64_t left = std::max<std::int64_t>(p.side - softPx, 0),
-                       top = std::max<std::int64_t>(p.top - softPx, 0);
-    const std::int64_t right = std::min(p.side + p.picture.width + softPx, width),
-                       bottom = std::min(p.top + p.picture.height + softPx, height);
-    const auto compose = [&](const std::array<Part, 4>& parts, bool isPlain) {
+    const Part window{p.side, p.top, p.picture.width, p.picture.height};
+    const std::int64_t right = window.x + window.width, bottom = window.y + window.height;
+    // What lies so deep in the window that all is picture.
+    const std::int64_t x0 = window.x + inwards(window.width), y0 = window.y + inwards(window.height);
+    const std::int64_t x1 = std::max(x0, right - inwards(window.width)),
+                       y1 = std::max(y0, bottom - inwards(window.height));
+    const Part soft{window.x - softPx, window.y - softPx, window.width + 2 * softPx,
+                    window.height + 2 * softPx};
+    const auto compose = [&](const std::array<Part, 4>& parts, bool isPaper) {
         for (const Part part : parts)
-            if (part.width > 0 && part.height > 0) SheetPart(p, part, isPlain).compose(to, picture);
+            if (part.width > 0 && part.height > 0)
+                SheetPart(p, part, common(part, soft), isPaper).compose(to, picture);
     };
-    compose({Part{0, 0, width, top}, Part{0, bottom, width, height - bottom},
-             Part{0, top, left, bottom - top}, Part{right, top, width - right, bottom - top}},
+    compose({Part{0, 0, width, window.y}, Part{0, bottom, width, height - bottom},
+             Part{0, window.y, window.x, window.height}, Part{right, window.y, width - right, window.height}},
             true);
-    compose({Part{left, top, right - left, y0 - top}, Part{left, y1, right - left, bottom - y1},
-             Part{left, y0, x0 - left, y1 - y0}, Part{x1, y0, right - x1, y1 - y0}},
+    compose({Part{window.x, window.y, window.width, y0 - window.y},
+             Part{window.x, y1, window.width, bottom - y1}, Part{window.x, y0, x0 - window.x, y1 - y0},
+             Part{x1, y0, right - x1, y1 - y0}},
             false);
     copyMiddle(to, picture, {x0, y0, x1 - x0, y1 - y0}, p);
 }

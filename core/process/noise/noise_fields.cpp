@@ -319,8 +319,7 @@ const float* NoiseField::Rows::run(std::int64_t y, std::int64_t first, std::int6
     const std::int64_t left = std::max<std::int64_t>(column(first), 1);
     const std::int64_t right = std::min(column(end - 1) + 1, last);
     float* nodes = nodes_.data();
-    for (std::int64_t k = left; k <= right; ++k)
-        nodes[k] = a[k - 1] + (b[k - 1] - a[k - 1]) * down.fraction;
+    for (std::int64_t k = left; k <= right; ++k) nodes[k] = a[k - 1] + (b[k - 1] - a[k - 1]) * down.fraction;
     nodes[0] = nodes[1];
     nodes[last + 1] = nodes[last];
     lattice_row(line_.data() + first, nodes_.data(), field_.columns_.data() + first,
