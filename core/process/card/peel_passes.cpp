@@ -110,13 +110,6 @@ float share(float v)
     return std::clamp(v, 0.0f, 1.0f);
 }
 
-/// A field of a part, with what its blur needed round it.
-struct PaddedField {
-    Plane plane;
-    std::int64_t pad = 0;
-    const float* row(std::int64_t y) const { return plane.row(y + pad) + pad; }
-};
-
 Part common(Part a, Part b)
 {
     const std::int64_t x = std::max(a.x, b.x), y = std::max(a.y, b.y);
@@ -184,7 +177,7 @@ private:
     /// What of a plane a part needs round it for a blur.
     static std::int64_t reachOf(double sigma) { return static_cast<std::int64_t>(4.0 * sigma + 0.5); }
 
-    PaddedField maskPart() const
+    Plane maskPart() const
     {
         const std::int64_t pad = p_.maskSigmaPx > 0.0 ? reachOf(p_.maskSigmaPx) : 0;
         Plane mask(masked_.width + 2 * pad, masked_.height + 2 * pad);
@@ -194,18 +187,18 @@ private:
                 for (std::int64_t x = 0; x < mask.width; ++x)
                     to[y * mask.width + x] = hardMask(masked_.x + x - pad, masked_.y + y - pad);
         });
-        if (pad == 0) return {std::move(mask), 0};
-        return {gaussianFilter(std::move(mask), p_.maskSigmaPx, EdgeMode::reflect), pad};
+        if (pad == 0) return mask;
+        return gaussianInside(mask, p_.maskSigmaPx, p_.maskSigmaPx, {pad, pad});
     }
 
     /// Fibre of the paper: noise that goes on beyond every edge, its deviation known from the kernel.
-    PaddedField fibrePart(std::size_t k) const
+    Plane fibrePart(std::size_t k) const
     {
         const double sigma = p_.fibreSigmaPx[k];
         const std::int64_t pad = reachOf(sigma);
-        Plane noise = noisePlane({part_.width + 2 * pad, part_.height + 2 * pad}, {p_.seed, kFibreLayer[k]},
-                                 {part_.x - pad, part_.y - pad});
-        return {gaussianFilter(std::move(noise), sigma, EdgeMode::nearest), pad};
+        const Plane noise = noisePlane({part_.width + 2 * pad, part_.height + 2 * pad},
+                                       {p_.seed, kFibreLayer[k]}, {part_.x - pad, part_.y - pad});
+        return gaussianInside(noise, sigma, sigma, {pad, pad});
     }
 
     /// Yellowing by the distance from the nearer end of an axis.
@@ -272,8 +265,8 @@ private:
     const PeelParams& p_;
     Part part_, masked_;
     bool isPaper_;
-    PaddedField mask_;
-    std::array<PaddedField, 2> fibre_;
+    Plane mask_;
+    std::array<Plane, 2> fibre_;
     std::array<float, 2> fibreGain_{};
     std::vector<float> yellowX_, yellowY_;
 };

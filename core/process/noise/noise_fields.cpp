@@ -301,7 +301,7 @@ NoiseField NoiseField::unitOnNodes(Size size, Plane nodes, double pxPerNode)
 NoiseField::Rows::Rows(const NoiseField& field) : field_(field)
 {
     if (!field.onLattice()) return;
-    nodes_.resize(static_cast<std::size_t>(field.samples_.width) + 2);
+    nodes_.resize(static_cast<std::size_t>(field.samples_.width + 2 + kNodesBeyond));
     line_.resize(field.taps_.size());
 }
 
@@ -312,7 +312,7 @@ const float* NoiseField::Rows::run(std::int64_t y, std::int64_t first, std::int6
     const float *a = field_.samples_.row(down.first), *b = field_.samples_.row(down.second);
     if (first >= end) return line_.data();
     // The nodes that the stretch reads; the line of nodes has its ends repeated.
-    const auto last = static_cast<std::int64_t>(nodes_.size()) - 2;
+    const std::int64_t last = field_.samples_.width;
     const auto column = [&](std::int64_t x) -> std::int64_t {
         return field_.columns_[static_cast<std::size_t>(x)];
     };
