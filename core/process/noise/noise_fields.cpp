@@ -4,7 +4,6 @@
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
-#include "core/process/noise/noise_passes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -87,12 +86,17 @@ FieldStats planeStats(const Plane& plane)
         for (std::int64_t y = start; y < end; ++y)
             rows[static_cast<std::size_t>(y)] = field_sums(plane.row(y), plane.width, shift);
     });
+    return statsOfRows(rows, static_cast<double>(plane.count()), shift);
+}
+
+FieldStats statsOfRows(std::span<const RunSums> rows, double count, float shift)
+{
     double sum = 0.0, squares = 0.0;
     for (const RunSums& row : rows) {
         sum += row.sum;
         squares += row.squares;
     }
-    return statsOf(sum, squares, static_cast<double>(plane.count()), shift);
+    return statsOf(sum, squares, count, shift);
 }
 
 Plane normalizePlane(Plane plane)
@@ -234,12 +238,7 @@ FieldStats NoiseField::latticeStats() const
             if (y + 1 < h) rows[j].squares += 2.0 * my.beside[j] * product(row, samples_.row(y + 1));
         }
     });
-    double sum = 0.0, squares = 0.0;
-    for (const RunSums& row : rows) {
-        sum += row.sum;
-        squares += row.squares;
-    }
-    return statsOf(sum, squares, static_cast<double>(size_.width * size_.height), shift);
+    return statsOfRows(rows, static_cast<double>(size_.width * size_.height), shift);
 }
 
 NoiseField NoiseField::onPixels(Plane samples)
