@@ -10,7 +10,6 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
 
 namespace tamlo::bench {
 
@@ -38,22 +37,26 @@ inline double secondsOfE(std::int64_t samples)
     return secondsPerSample * static_cast<double>(samples);
 }
 
-/// Seconds that this process spent outside the kernel, which is where the pages of fresh buffers come from.
-inline double userSeconds()
+/// What a bench with warm pages (warm_pages.cpp) spent on clearing them; 0 in the others.
+inline double clearingSeconds = 0.0;
+
+/// Seconds that all threads of this process have computed. With warm pages that is without the kernel's work
+/// on fresh buffers; the system's own split of user and kernel time is sampled and holds for a whole process
+/// only.
+inline double cpuSeconds()
 {
-    rusage used{};
-    getrusage(RUSAGE_SELF, &used);
-    return static_cast<double>(used.ru_utime.tv_sec) + 1e-6 * static_cast<double>(used.ru_utime.tv_usec);
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec) - clearingSeconds;
 }
 
 /// Runs the benchmark loop on wall time and reports the fastest and the mean iteration in E, and the mean of
-/// what all threads spent as E_cpu, the figure that holds on a busy machine; E_user leaves the kernel out.
+/// what all threads spent as E_cpu, the figure that holds on a busy machine.
 template <typename F>
 void inE(benchmark::State& state, std::int64_t samples, F&& work)
 {
     double best = 1e9, total = 0.0;
-    const std::clock_t began = std::clock();
-    const double userBegan = userSeconds();
+    const double began = cpuSeconds();
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
         work();
@@ -62,10 +65,8 @@ void inE(benchmark::State& state, std::int64_t samples, F&& work)
         best = std::min(best, took.count());
         total += took.count();
     }
-    const double cpu = static_cast<double>(std::clock() - began) / CLOCKS_PER_SEC;
-    const double user = userSeconds() - userBegan;
+    const double cpu = cpuSeconds() - began;
     const double e = secondsOfE(samples);
-    state.counters["E_user"] = user / static_cast<double>(state.iterations()) / e;
     state.counters["E_cpu"] = cpu / static_cast<double>(state.iterations()) / e;
     state.counters["E_best"] = best / e;
     state.counters["E_mean"] = total / static_cast<double>(state.iterations()) / e;

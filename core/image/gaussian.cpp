@@ -230,6 +230,34 @@ RGBImage gaussianFilter2(RGBImage image, double sigmaY, double sigmaX, EdgeMode 
     return filtered(std::move(image), {axisKernel(sigmaY, 4.0), axisKernel(sigmaX, 4.0), mode});
 }
 
+Plane gaussianInside(const Plane& padded, double sigmaY, double sigmaX, FilterPad pad)
+{
+    const std::vector<double> halfY = axisKernel(sigmaY, 4.0), halfX = axisKernel(sigmaX, 4.0);
+    const GaussHalfKernel kernelY{halfY}, kernelX{halfX};
+    const std::int64_t reachX = kernelX.radius(), reachY = kernelY.radius();
+    Plane out(padded.width - 2 * pad.x, padded.height - 2 * pad.y);
+    const std::int64_t across = out.width + 2 * reachX, stride = gaussPadded(across);
+    float* to = out.mutableData();
+    parallelBands(out.height, across * (reachY + 1), [&](std::int64_t start, std::int64_t end) {
+        FloatBuffer folded(static_cast<std::size_t>(kBlockRows * stride));
+        std::vector<double> strip(gaussStripDoubles(kBlockRows, reachY));
+        std::vector<double> line(static_cast<std::size_t>(stride + kGaussBlock));
+        std::vector<const float*> rows;
+        for (std::int64_t y = start; y < end; y += kBlockRows) {
+            const std::int64_t count = std::min(kBlockRows, end - y);
+            rows.clear();
+            for (std::int64_t i = y - reachY; i < y + count + reachY; ++i)
+                rows.push_back(padded.row(i + pad.y) + pad.x - reachX);
+            gauss_columns({rows.data(), count, across, folded.mutableData(), stride, strip.data()}, kernelY);
+            for (std::int64_t i = 0; i < count; ++i)
+                gauss_row_inside(
+                    {folded.data() + i * stride, out.width, 1, to + (y + i) * out.width, line.data()},
+                    kernelX);
+        }
+    });
+    return out;
+}
+
 ReducedBlur planReducedBlur(Size size, double sigmaPx)
 {
     constexpr double kReducedSigmaPx = 6.0;

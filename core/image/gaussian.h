@@ -54,6 +54,16 @@ Plane gaussianFilter1D(Plane plane, double sigma, FilterAxis axis, EdgeMode mode
 Plane gaussianFilter2(Plane plane, double sigmaY, double sigmaX, EdgeMode mode);
 RGBImage gaussianFilter2(RGBImage image, double sigmaY, double sigmaX, EdgeMode mode);
 
+/// Samples that a filter reads beyond its own on each side.
+struct FilterPad {
+    std::int64_t y = 0;
+    std::int64_t x = 0;
+};
+
+/// What of gaussianFilter2 reads no edge: the plane without its pad, which is at least the kernels' reach.
+/// Bit for bit the inside of the filtered plane, without the work on the rest.
+Plane gaussianInside(const Plane& padded, double sigmaY, double sigmaX, FilterPad pad);
+
 /// How a blur wider than kDirectBlurSigmaPx is done: on a plane shrunk by sigma / 6 (never below 16 samples a
 /// side), with this sigma there. A sigma above 64 picture widths counts as that many, far beyond the one that
 /// spreads evenly over the picture: a profile may name any reach, and the kernel must stay within reason.

@@ -80,9 +80,22 @@ void gaussColumns(const GaussColumns& block, GaussHalfKernel kernel)
     }
 }
 
-void gaussRow(const GaussRow& r, GaussHalfKernel kernel, EdgeMode mode)
+/// The outputs of a row whose line is filled.
+HWY_INLINE void foldLine(const GaussRow& r, GaussHalfKernel kernel)
 {
     const std::int64_t step = 4 * static_cast<std::int64_t>(hn::Lanes(D()));
+    const std::int64_t radius = kernel.radius(), n = r.width * r.channels;
+    const double* centre = r.line + radius * r.channels;
+    std::int64_t x = 0;
+    for (; x + step <= n; x += step) foldBlock(centre + x, r.channels, kernel.w.data(), radius, r.out + x);
+    if (x == n) return;
+    float tail[kGaussBlock];
+    foldBlock(centre + x, r.channels, kernel.w.data(), radius, tail);
+    std::copy_n(tail, n - x, r.out + x);
+}
+
+void gaussRow(const GaussRow& r, GaussHalfKernel kernel, EdgeMode mode)
+{
     const std::int64_t radius = kernel.radius();
     const std::int64_t n = r.width * r.channels;
     double* centre = r.line + radius * r.channels;
@@ -96,12 +109,15 @@ void gaussRow(const GaussRow& r, GaussHalfKernel kernel, EdgeMode mode)
         }
     }
     std::fill(centre + n + radius * r.channels, centre + gaussPadded(n) + radius * r.channels, 0.0);
-    std::int64_t x = 0;
-    for (; x + step <= n; x += step) foldBlock(centre + x, r.channels, kernel.w.data(), radius, r.out + x);
-    if (x == n) return;
-    float tail[kGaussBlock];
-    foldBlock(centre + x, r.channels, kernel.w.data(), radius, tail);
-    std::copy_n(tail, n - x, r.out + x);
+    foldLine(r, kernel);
+}
+
+void gaussRowInside(const GaussRow& r, GaussHalfKernel kernel)
+{
+    const std::int64_t n = r.width * r.channels, reach = kernel.radius() * r.channels;
+    widen(r.row, r.line, n + 2 * reach);
+    std::fill(r.line + n + 2 * reach, r.line + gaussPadded(n) + 2 * reach, 0.0);
+    foldLine(r, kernel);
 }
 
 } // namespace tamlo::HWY_NAMESPACE
@@ -112,6 +128,7 @@ namespace tamlo {
 
 HWY_EXPORT(gaussColumns);
 HWY_EXPORT(gaussRow);
+HWY_EXPORT(gaussRowInside);
 
 std::int64_t edgeIndex(std::int64_t i, std::int64_t n, EdgeMode mode)
 {
@@ -143,6 +160,11 @@ void gauss_columns(const GaussColumns& block, GaussHalfKernel kernel) noexcept
 void gauss_row(const GaussRow& row, GaussHalfKernel kernel, EdgeMode mode) noexcept
 {
     HWY_DYNAMIC_DISPATCH(gaussRow)(row, kernel, mode);
+}
+
+void gauss_row_inside(const GaussRow& row, GaussHalfKernel kernel) noexcept
+{
+    HWY_DYNAMIC_DISPATCH(gaussRowInside)(row, kernel);
 }
 
 } // namespace tamlo

@@ -53,4 +53,7 @@ struct GaussRow {
 /// Folds the kernel along one row, with the edge rule at both ends.
 void gauss_row(const GaussRow& row, GaussHalfKernel kernel, EdgeMode mode) noexcept;
 
+/// The same of a row that begins a radius ahead of its first pixel and ends as far behind its last.
+void gauss_row_inside(const GaussRow& row, GaussHalfKernel kernel) noexcept;
+
 } // namespace tamlo

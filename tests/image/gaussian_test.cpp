@@ -55,6 +55,23 @@ TEST(Gaussian, AgreesWithSciPy)
     }
 }
 
+TEST(Gaussian, TheInsideIsThatOfTheWhole)
+{
+    for (const auto& [sigmaY, sigmaX] : {std::pair{1.3, 4.0}, {6.0, 0.4}, {0.0, 2.0}, {9.0, 9.0}}) {
+        const FilterPad pad{static_cast<std::int64_t>(4.0 * sigmaY + 0.5),
+                            static_cast<std::int64_t>(4.0 * sigmaX + 0.5) + 1};
+        for (const auto& [w, h] : {std::pair{1, 1}, {33, 7}, {64, 70}, {301, 45}}) {
+            const Plane padded = testPlane(w + 2 * pad.x, h + 2 * pad.y);
+            const Plane whole = gaussianFilter2(padded, sigmaY, sigmaX, EdgeMode::reflect);
+            const Plane inside = gaussianInside(padded, sigmaY, sigmaX, pad);
+            ASSERT_EQ(inside.size(), (Size{w, h}));
+            for (std::int64_t y = 0; y < h; ++y)
+                EXPECT_TRUE(std::equal(inside.row(y), inside.row(y) + w, whole.row(y + pad.y) + pad.x))
+                    << sigmaY << " " << sigmaX << " " << w << " " << y;
+        }
+    }
+}
+
 TEST(Gaussian, LeavesTheImageAloneAtSigmaZero)
 {
     const Plane plane = testPlane(9, 7);

@@ -124,6 +124,70 @@ TEST(InstantFilm, AgeStainsTheWhiteOnce)
     }
 }
 
+/// The light that an even card of this density takes, mean of its layers.
+float lightFor(const FilmProfile& film, double density)
+{
+    RenderOptions clean;
+    clean.devMottle = 0.0;
+    const ColorLayers& layers = *film.layers;
+    const double clearest = std::min({layers.r.dmin, layers.g.dmin, layers.b.dmin});
+    double low = -3.0, high = 2.0; // powers of ten
+    for (int i = 0; i < 30; ++i) {
+        const double middle = 0.5 * (low + high);
+        const Vec3f v =
+            rendered(film, even(4, 4, static_cast<float>(std::pow(10.0, middle))), clean).pixel(1, 1);
+        double mean = clearest;
+        for (const float channel : v) mean -= std::log10(channel) / 3.0;
+        (mean > density ? low : high) = middle;
+    }
+    return static_cast<float>(std::pow(10.0, low));
+}
+
+// How much surface each film has at a density of 0.7, part by part and as a whole; pack film lies.
+TEST(InstantFilm, SurfacesAreAsStrongAsKnown)
+{
+    struct Case {
+        const char* film;
+        std::function<void(TextureParams& to, const TextureParams& from)> keep; ///< all where empty
+        double deviation, tolerance;
+    };
+    const auto mottle = [](TextureParams& to, const TextureParams& from) { to.mottleAmp = from.mottleAmp; };
+    const auto fine = [](TextureParams& to, const TextureParams& from) { to.fineAmp = from.fineAmp; };
+    const auto streaks = [](TextureParams& to, const TextureParams& from) {
+        to.streaksAmp = from.streaksAmp;
+    };
+    const auto chatter = [](TextureParams& to, const TextureParams& from) { to.chatter = from.chatter; };
+    const auto lattice = [](TextureParams& to, const TextureParams& from) {
+        to.silkLattice = from.silkLattice;
+    };
+    // A mottle has few clouds, so that the layers' fields agree or not by chance.
+    const Case cases[] = {
+        {"polaroid_sx70", mottle, 0.0170, 0.0009}, {"polaroid_sx70", fine, 0.006, 1e-4},
+        {"polaroid_sx70", streaks, 0.012, 1e-4},   {"fp100c", chatter, 0.0147, 0.0004},
+        {"fp100c_silk", lattice, 0.0236, 0.0004},  {"polaroid_sx70", {}, 0.022, 0.001},
+        {"polaroid_600", {}, 0.018, 0.001},        {"polaroid_itype", {}, 0.028, 0.001},
+        {"instax_wide", {}, 0.007, 0.001},         {"fp100c", {}, 0.016, 0.001},
+        {"fp100c_silk", {}, 0.031, 0.0015},
+    };
+    for (const Case& c : cases) {
+        FilmProfile film = bare(c.film);
+        if (c.keep) {
+            const TextureParams all = *film.texture;
+            film.texture.emplace();
+            c.keep(*film.texture, all);
+        }
+        const bool isPack = film.frame->style == "peel";
+        const RGBImage shown = rendered(film, even(600, isPack ? 461 : 600, lightFor(film, 0.7)));
+        const auto deviationOf = [&](int channel) {
+            return shown.plane(channel).map([](float v) { return -std::log10(v); }).std();
+        };
+        // Chatter is told of its green layer, which it colours least.
+        const double deviation =
+            isPack ? deviationOf(1) : (deviationOf(0) + deviationOf(1) + deviationOf(2)) / 3.0;
+        EXPECT_NEAR(deviation, c.deviation, c.tolerance) << c.film;
+    }
+}
+
 // The knob acts once on every part: twice the knob is twice the surface, and none leaves the curve's picture.
 TEST(InstantFilm, TheKnobActsOnce)
 {
@@ -331,7 +395,8 @@ TEST(SilkLattice, FadesWhereItDoesNotResolve)
         GrainRNG rng(3);
         Film::PictureScale scale;
         scale.ppmm = ppmm;
-        return Film::silkLattice({200, 160}, lattice, scale, 1.0, 1, rng).pattern.std();
+        const Film::LatticePlan plan = Film::silkLattice({200, 160}, lattice, scale, 1.0, 1, rng);
+        return plan.pattern.std() * plan.gain.scale;
     };
     EXPECT_NEAR(deviation(40.0), 1.0, 1e-3);
     EXPECT_EQ(deviation(4.0), 0.0);

@@ -61,6 +61,19 @@ void embossRun(float* factors, std::int64_t first, std::int64_t end, std::int64_
     }
 }
 
+/// A colour or a stretch of the picture, under the factors.
+void shadeRun(float* pixels, const float* factors, std::int64_t count)
+{
+    const hn::ScalableTag<float> d;
+    using V = hn::Vec<decltype(d)>;
+    eachTriple(d, pixels, static_cast<std::size_t>(count),
+               [&](Triple<V> c, std::size_t i, std::size_t n) HWY_ATTR {
+                   const V f = loadRun(d, factors + i, n), zero = hn::Zero(d);
+                   return Triple<V>{hn::Max(hn::Mul(c.r, f), zero), hn::Max(hn::Mul(c.g, f), zero),
+                                    hn::Max(hn::Mul(c.b, f), zero)};
+               });
+}
+
 } // namespace HWY_NAMESPACE
 } // namespace tamlo
 HWY_AFTER_NAMESPACE();
@@ -75,36 +88,28 @@ namespace tamlo {
 namespace {
 
 HWY_EXPORT(embossRun);
+HWY_EXPORT(shadeRun);
 
 /// Half-open run of pixels of a row.
 struct Run {
     std::int64_t first = 0, end = 0;
 };
 
-/// Where a row has more than a tint: whole, or near the ends of two stretches.
-class RowRuns {
-public:
-    RowRuns(bool whole, std::int64_t width, Run left, Run right)
-    {
-        isWhole_ = whole;
-        if (whole) {
-            runs_ = {Run{0, width}, Run{width, width}};
-            return;
-        }
-        const auto within = [&](Run run) {
-            return Run{std::clamp<std::int64_t>(run.first, 0, width),
-                       std::clamp<std::int64_t>(run.end, 0, width)};
-        };
-        runs_ = {within(left), within(right)};
-        runs_[1].first = std::max(runs_[1].first, runs_[0].end);
-    }
-    const std::array<Run, 2>& all() const { return runs_; }
-    bool isWhole() const { return isWhole_; }
+/// Two runs of a row that do not meet: its left and its right end, or the whole row and nothing.
+using RowRuns = std::array<Run, 2>;
 
-private:
-    std::array<Run, 2> runs_;
-    bool isWhole_ = false;
-};
+RowRuns rowRuns(bool whole, std::int64_t width, Run left, Run right)
+{
+    if (whole) return {Run{0, width}, Run{width, width}};
+    const auto within = [&](Run run) {
+        return Run{std::clamp<std::int64_t>(run.first, 0, width),
+                   std::clamp<std::int64_t>(run.end, 0, width)};
+    };
+    RowRuns runs{within(left), within(right)};
+    runs[1].first = std::max(runs[1].first, runs[0].end);
+    runs[1].end = std::max(runs[1].end, runs[1].first);
+    return runs;
+}
 
 /// Rows of one card.
 class CardRows {
@@ -119,36 +124,47 @@ public:
         ringIn_ = whole(p.skirtPx * kSkirts);
         roundPx_ = std::max(std::hypot(CardRelief::edgeRoundEndsMm, CardRelief::edgeRoundSidesMm) * p.pxMm,
                             CardRelief::minBandPx);
+        edge_ = whole(roundPx_);
         double rim = roundPx_;
         for (const CornerPx& corner : p.outline.corners) rim = std::max(rim, corner.size);
         rim_ = whole(rim);
-        factors_.resize(static_cast<std::size_t>(p.outline.canvas.width));
+        const std::int64_t width = p.outline.canvas.width;
+        factors_.resize(static_cast<std::size_t>(width));
         baseRow_.resize(factors_.size() * 3);
         for (std::size_t i = 0; i < baseRow_.size(); ++i) baseRow_[i] = p.base[i % 3];
+        if (p.isFlat) return;
+        ringX_.assign(factors_.size(), 1.0f);
+        for (const Run run : ringColumns(false))
+            for (std::int64_t x = run.first; x < run.end; ++x)
+                ringX_[index(x)] = ringFactor(beyond(x, p.left, p.picture.width));
     }
 
     void row(float* to, const RGBImage& picture, std::int64_t y)
     {
         lay(to, picture, y);
         if (p_.isFlat) return;
-        const std::int64_t width = p_.outline.canvas.width;
-        std::fill(factors_.begin(), factors_.end(), 1.0f);
-        const RowRuns ringed = ring(y);
+        const std::int64_t width = p_.outline.canvas.width, height = p_.outline.canvas.height;
+        const double down = beyond(y, p_.top, p_.picture.height);
+        const bool onRim = y < rim_ || y >= height - rim_;
+        // The middle of the picture is as it was.
+        const std::int64_t inner = std::max(ringIn_, rim_), right = p_.left + p_.picture.width;
+        const RowRuns changed = rowRuns(onRim || down > -static_cast<double>(ringIn_), width,
+                                        {0, p_.left + inner}, {right - inner, width});
+        for (const Run run : changed)
+            std::fill(factors_.begin() + run.first, factors_.begin() + run.end, 1.0f);
+        ring(down);
         if (p_.lattice) lattice(y);
-        const RowRuns rim = rimRuns(y);
-        for (const Run run : rim.all())
+        // Away from the corners the rim is no wider than its rounding.
+        const std::int64_t ends = onRim ? rim_ : edge_;
+        const RowRuns rim =
+            rowRuns(y < edge_ || y >= height - edge_, width, {0, ends}, {width - ends, width});
+        for (const Run run : rim)
             for (std::int64_t x = run.first; x < run.end; ++x) factors_[index(x)] *= rimFactor(x, y);
-        const std::int64_t right = p_.left + p_.picture.width;
-        if (rim.isWhole() || ringed.isWhole() || y < p_.top || y >= p_.top + p_.picture.height) {
-            multiply(to, {0, width});
-        } else {
-            // The middle of the picture is as it was.
-            const std::int64_t inner = std::max(ringIn_, rim_);
-            const RowRuns margins(false, width, {0, p_.left + inner}, {right - inner, width});
-            for (const Run run : margins.all()) multiply(to, run);
-        }
+        for (const Run run : changed)
+            if (run.end > run.first) HWY_DYNAMIC_DISPATCH(shadeRun)
+        (to + run.first * 3, factors_.data() + run.first, run.end - run.first);
         if (p_.outline.isCut())
-            for (const Run run : rim.all()) cut(to, run, y);
+            for (const Run run : rim) cut(to, run, y);
     }
 
 private:
@@ -167,12 +183,6 @@ private:
         std::copy_n(baseRow_.begin(), (width - right) * 3, to + right * 3);
     }
 
-    void multiply(float* to, Run run) const
-    {
-        for (std::int64_t x = run.first; x < run.end; ++x)
-            for (int c = 0; c < 3; ++c) to[x * 3 + c] = std::max(to[x * 3 + c] * factors_[index(x)], 0.0f);
-    }
-
     /// Pixels beyond the opening's edge on the nearer side, negative inside.
     double beyond(std::int64_t at, std::int64_t from, std::int64_t size) const
     {
@@ -180,28 +190,32 @@ private:
         return std::abs(static_cast<double>(at) + 0.5 - static_cast<double>(from) - half) - half;
     }
 
-    RowRuns ring(std::int64_t y)
+    /// Columns that the line or the skirt at the opening's sides reaches; all in a row that has them itself.
+    RowRuns ringColumns(bool whole) const
     {
-        const double down = beyond(y, p_.top, p_.picture.height);
-        if (down > static_cast<double>(ringOut_)) return {false, 0, {}, {}};
-        const bool whole = down > -static_cast<double>(ringIn_);
         const std::int64_t right = p_.left + p_.picture.width;
-        const RowRuns runs(whole, p_.outline.canvas.width, {p_.left - ringOut_, p_.left + ringIn_},
-                           {right - ringIn_, right + ringOut_});
-        for (const Run run : runs.all())
-            for (std::int64_t x = run.first; x < run.end; ++x) {
-                const double di = std::max(down, beyond(x, p_.left, p_.picture.width));
-                factors_[index(x)] = static_cast<float>(ringFactor(di));
-            }
-        return runs;
+        return rowRuns(whole, p_.outline.canvas.width, {p_.left - ringOut_, p_.left + ringIn_},
+                       {right - ringIn_, right + ringOut_});
     }
 
-    double ringFactor(double di) const
+    /// Line and skirt of a row `down` pixels beyond the opening: of that edge, or of a side that is farther.
+    void ring(double down)
+    {
+        if (down > static_cast<double>(ringOut_)) return;
+        const float own = ringFactor(down);
+        for (const Run run : ringColumns(down > -static_cast<double>(ringIn_)))
+            for (std::int64_t x = run.first; x < run.end; ++x) {
+                const bool isSide = beyond(x, p_.left, p_.picture.width) > down;
+                factors_[index(x)] = isSide ? ringX_[index(x)] : own;
+            }
+    }
+
+    float ringFactor(double di) const
     {
         const double cover = std::clamp(std::min(di + 0.5, p_.linePx) - std::max(di - 0.5, 0.0), 0.0, 1.0);
         double k = 1.0 + cover * p_.lineDev;
         if (di <= 0.0) k -= p_.skirtDepth * std::exp(-std::pow(std::max(-di - 0.5, 0.0) / p_.skirtPx, 1.6));
-        return k;
+        return static_cast<float>(k);
     }
 
     void lattice(std::int64_t y)
@@ -211,13 +225,6 @@ private:
             return emboss_lattice(factors_.data(), 0, width, y, p_);
         emboss_lattice(factors_.data(), 0, p_.left, y, p_);
         emboss_lattice(factors_.data(), p_.left + p_.picture.width, width, y, p_);
-    }
-
-    RowRuns rimRuns(std::int64_t y) const
-    {
-        const Size canvas = p_.outline.canvas;
-        const bool whole = y < rim_ || y >= canvas.height - rim_;
-        return {whole, canvas.width, {0, rim_}, {canvas.width - rim_, canvas.width}};
     }
 
     double distance(std::int64_t x, std::int64_t y) const
@@ -266,8 +273,11 @@ private:
 
     const CardParams& p_;
     double roundPx_ = 0.0; ///< the widest rounding of the rim
-    std::int64_t ringOut_ = 0, ringIn_ = 0, rim_ = 0;
+    std::int64_t ringOut_ = 0, ringIn_ = 0;
+    std::int64_t edge_ = 0; ///< of the rim along the sides
+    std::int64_t rim_ = 0;  ///< with the corners
     std::vector<float> factors_, baseRow_;
+    std::vector<float> ringX_; ///< line and skirt of the opening's sides
 };
 
 } // namespace

@@ -1,17 +1,103 @@
-#include "core/image/bands.h"
-#include "core/image/gaussian.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "core/process/card/peel_passes.cpp"
+#include <hwy/foreach_target.h>
+
+#include "core/image/vector_pixels-inl.h"
 #include "core/process/card/peel_card.h"
 
 #include <algorithm>
+#include <array>
+
+#ifndef TAMLO_CORE_PROCESS_CARD_PEEL_PASSES_ONCE
+#define TAMLO_CORE_PROCESS_CARD_PEEL_PASSES_ONCE
+namespace tamlo {
+namespace {
+
+constexpr float kBlot = 0.6f;
+constexpr Vec3f kYellow{0.0f, 0.03f, 0.10f};  // taken from the base, of full yellowing
+constexpr Vec3f kCream{0.0f, 0.015f, 0.045f}; // taken from it, where the emulsion is gone
+
+/// A run of one row of the sheet; what is null is not there.
+struct PeelRun {
+    std::int64_t count = 0;
+    Vec3f base{};
+    const float* yellowX = nullptr; ///< yellowing from the ends of the row
+    float yellowY = 0.0f;           ///< and from its own nearer edge
+    const float* blot = nullptr;
+    float blotGain = 0.0f;
+    std::array<const float*, 2> fibre{};
+    std::array<float, 2> fibreGain{};
+    const float* mask = nullptr; ///< coverage of the emulsion; with it windowX and seen
+    const float* windowX = nullptr;
+    float windowY = 0.0f;
+    const float* seen = nullptr; ///< the picture, interleaved
+};
+
+} // namespace
+} // namespace tamlo
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace tamlo {
+namespace HWY_NAMESPACE {
+
+void peelRun(float* out, const PeelRun& run)
+{
+    const hn::ScalableTag<float> d;
+    using V = hn::Vec<decltype(d)>;
+    const V one = hn::Set(d, 1.0f), zero = hn::Zero(d);
+    const auto count = static_cast<std::size_t>(run.count);
+    for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
+        const std::size_t n = std::min(count - i, hn::Lanes(d));
+        V base[3] = {hn::Set(d, run.base[0]), hn::Set(d, run.base[1]), hn::Set(d, run.base[2])};
+        if (run.blot) {
+            const V edge = hn::Max(loadRun(d, run.yellowX + i, n), hn::Set(d, run.yellowY));
+            const V clouds = hn::Mul(hn::Set(d, run.blotGain), loadRun(d, run.blot + i, n));
+            const V s = clamp01(d, hn::Mul(edge, hn::Add(one, clouds)));
+            for (std::size_t c = 0; c < 3; ++c)
+                base[c] = hn::Mul(base[c], hn::Sub(one, hn::Mul(hn::Set(d, kYellow[c]), s)));
+        }
+        if (run.fibre[0]) {
+            V fibre = one;
+            for (std::size_t k = 0; k < 2; ++k)
+                fibre =
+                    hn::Add(fibre, hn::Mul(loadRun(d, run.fibre[k] + i, n), hn::Set(d, run.fibreGain[k])));
+            for (V& v : base) v = hn::Mul(v, fibre);
+        }
+        for (V& v : base) v = hn::Max(v, zero);
+        if (run.mask) {
+            const V m = loadRun(d, run.mask + i, n);
+            const V window = hn::Mul(loadRun(d, run.windowX + i, n), hn::Set(d, run.windowY));
+            const V bitten = clamp01(d, hn::Sub(window, m));
+            const auto seen = loadTriple(d, run.seen + i * 3, n);
+            const V picture[3] = {seen.r, seen.g, seen.b};
+            const auto covered = hn::Gt(m, zero);
+            for (std::size_t c = 0; c < 3; ++c) {
+                const V paper = hn::Mul(base[c], hn::Sub(one, hn::Mul(bitten, hn::Set(d, kCream[c]))));
+                const V mixed = hn::Add(hn::Mul(m, picture[c]), hn::Mul(hn::Sub(one, m), paper));
+                base[c] = hn::IfThenElse(covered, hn::Max(mixed, zero), paper);
+            }
+        }
+        storeTriple(d, Triple<V>{base[0], base[1], base[2]}, out + i * 3, n);
+    }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace tamlo
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+#include "core/image/bands.h"
+#include "core/image/gaussian.h"
+
 #include <cmath>
 
 namespace tamlo {
 namespace {
 
+HWY_EXPORT(peelRun);
+
 constexpr double kYellowMm = 2.5;
-constexpr float kBlot = 0.6f;
-constexpr Vec3f kYellow{0.0f, 0.03f, 0.10f};  // taken from the base, of full yellowing
-constexpr Vec3f kCream{0.0f, 0.015f, 0.045f}; // taken from it, where the emulsion is gone
 constexpr double kFibre[2] = {0.003, 0.0025};
 constexpr std::uint32_t kFibreLayer[2] = {42, 43};
 
@@ -24,15 +110,27 @@ float share(float v)
     return std::clamp(v, 0.0f, 1.0f);
 }
 
-/// One part of the sheet, with all that its own pixels ask for.
+Part common(Part a, Part b)
+{
+    const std::int64_t x = std::max(a.x, b.x), y = std::max(a.y, b.y);
+    return {x, y, std::max<std::int64_t>(std::min(a.x + a.width, b.x + b.width) - x, 0),
+            std::max<std::int64_t>(std::min(a.y + a.height, b.y + b.height) - y, 0)};
+}
+
+/// One part of the sheet, with all that its own pixels ask for: paper of the margin, which has fibre, or a
+/// band of the window along its edge, which has none.
 class SheetPart {
 public:
-    /// isPlain: paper alone, out of the window's reach.
-    SheetPart(const PeelParams& params, Part part, bool isPlain) : p_(params), part_(part)
+    /// masked: what of the part the emulsion may cover.
+    SheetPart(const PeelParams& params, Part part, Part masked, bool isPaper)
+        : p_(params), part_(part), masked_(masked), isPaper_(isPaper)
     {
-        if (!isPlain) mask_ = maskPart();
-        fibre_[0] = fibrePart(0);
-        fibre_[1] = fibrePart(1);
+        if (masked.width > 0 && masked.height > 0) mask_ = maskPart();
+        if (isPaper)
+            for (std::size_t k = 0; k < 2; ++k) fibre_[k] = fibrePart(k);
+        for (std::size_t k = 0; k < 2; ++k)
+            fibreGain_[k] =
+                static_cast<float>(kFibre[k] / kernelPower(gaussianHalfKernel(params.fibreSigmaPx[k])));
         yellowX_ = yellowing(part.x, part.width, params.canvas.width);
         yellowY_ = yellowing(part.y, part.height, params.canvas.height);
     }
@@ -44,21 +142,28 @@ public:
         // Rows of the sheet are columns of a turned one: bands then share rows, but no pixel.
         parallelBands(part_.height, part_.width * 6, [&](std::int64_t start, std::int64_t end) {
             std::optional<NoiseField::Rows> blot;
-            if (p_.blot) blot.emplace(*p_.blot);
-            for (std::int64_t j = start; j < end; ++j) {
-                const float* clouds = blot ? blot->row(part_.y + j) + part_.x : nullptr;
-                for (std::int64_t i = 0; i < part_.width; ++i) {
-                    const Vec3f v = pixel(i, j, clouds ? clouds[i] : 0.0f, picture);
-                    const std::int64_t x = part_.x + i, y = part_.y + j;
-                    const std::int64_t at =
-                        p_.turned ? (p_.canvas.width - 1 - x) * outWidth + y : y * outWidth + x;
-                    std::copy_n(v.begin(), 3, out + at * 3);
-                }
+            if (p_.yellow > 0.0) blot.emplace(*p_.blot);
+            std::vector<float> line(static_cast<std::size_t>(p_.turned ? part_.width * 3 : 0));
+            std::vector<float> seen(static_cast<std::size_t>(masked_.width * 3));
+            for (std::int64_t y = part_.y + start; y < part_.y + end; ++y) {
+                const float* clouds = blot ? blot->run(y, part_.x, part_.x + part_.width) + part_.x : nullptr;
+                float* row = p_.turned ? line.data() : out + (y * outWidth + part_.x) * 3;
+                if (isMasked(y)) see(seen, picture, y);
+                composeRow(row, y, clouds, seen.data());
+                if (!p_.turned) continue;
+                for (std::int64_t i = 0; i < part_.width; ++i)
+                    std::copy_n(row + i * 3, 3,
+                                out + ((p_.canvas.width - 1 - part_.x - i) * outWidth + y) * 3);
             }
         });
     }
 
 private:
+    bool isMasked(std::int64_t y) const
+    {
+        return masked_.width > 0 && y >= masked_.y && y < masked_.y + masked_.height;
+    }
+
     /// Coverage of the emulsion at a pixel of the sheet, not yet softened.
     float hardMask(std::int64_t x, std::int64_t y) const
     {
@@ -72,27 +177,18 @@ private:
     /// What of a plane a part needs round it for a blur.
     static std::int64_t reachOf(double sigma) { return static_cast<std::int64_t>(4.0 * sigma + 0.5); }
 
-    Plane inner(const Plane& wide, std::int64_t pad) const
-    {
-        Plane out(part_.width, part_.height);
-        float* to = out.mutableData();
-        for (std::int64_t y = 0; y < part_.height; ++y)
-            std::copy_n(wide.row(y + pad) + pad, part_.width, to + y * part_.width);
-        return out;
-    }
-
     Plane maskPart() const
     {
         const std::int64_t pad = p_.maskSigmaPx > 0.0 ? reachOf(p_.maskSigmaPx) : 0;
-        Plane mask(part_.width + 2 * pad, part_.height + 2 * pad);
+        Plane mask(masked_.width + 2 * pad, masked_.height + 2 * pad);
         float* to = mask.mutableData();
         parallelBands(mask.height, mask.width * 2, [&](std::int64_t start, std::int64_t end) {
             for (std::int64_t y = start; y < end; ++y)
                 for (std::int64_t x = 0; x < mask.width; ++x)
-                    to[y * mask.width + x] = hardMask(part_.x + x - pad, part_.y + y - pad);
+                    to[y * mask.width + x] = hardMask(masked_.x + x - pad, masked_.y + y - pad);
         });
         if (pad == 0) return mask;
-        return inner(gaussianFilter(std::move(mask), p_.maskSigmaPx, EdgeMode::reflect), pad);
+        return gaussianInside(mask, p_.maskSigmaPx, p_.maskSigmaPx, {pad, pad});
     }
 
     /// Fibre of the paper: noise that goes on beyond every edge, its deviation known from the kernel.
@@ -100,13 +196,9 @@ private:
     {
         const double sigma = p_.fibreSigmaPx[k];
         const std::int64_t pad = reachOf(sigma);
-        Plane noise = noisePlane({part_.width + 2 * pad, part_.height + 2 * pad}, {p_.seed, kFibreLayer[k]},
-                                 {part_.x - pad, part_.y - pad});
-        Plane out = inner(gaussianFilter(std::move(noise), sigma, EdgeMode::nearest), pad);
-        const auto gain = static_cast<float>(kFibre[k] / kernelPower(gaussianHalfKernel(sigma)));
-        float* to = out.mutableData();
-        for (std::int64_t i = 0; i < out.count(); ++i) to[i] *= gain;
-        return out;
+        const Plane noise = noisePlane({part_.width + 2 * pad, part_.height + 2 * pad},
+                                       {p_.seed, kFibreLayer[k]}, {part_.x - pad, part_.y - pad});
+        return gaussianInside(noise, sigma, sigma, {pad, pad});
     }
 
     /// Yellowing by the distance from the nearer end of an axis.
@@ -121,43 +213,61 @@ private:
         return out;
     }
 
-    Vec3f pixel(std::int64_t i, std::int64_t j, float cloud, const RGBImage& picture) const
+    /// The picture under a row's masked stretch; beyond the window its edge is repeated.
+    void see(std::vector<float>& to, const RGBImage& picture, std::int64_t y) const
     {
-        const std::int64_t x = part_.x + i, y = part_.y + j;
-        const auto at = static_cast<std::size_t>(j * part_.width + i);
-        Vec3f base = p_.base;
-        if (p_.yellow > 0.0) {
-            const float edge =
-                std::max(yellowX_[static_cast<std::size_t>(i)], yellowY_[static_cast<std::size_t>(j)]);
-            const float s = share(edge * (1.0f + kBlot * p_.blot->scale() * cloud));
-            for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - kYellow[c] * s;
+        const std::int64_t width = p_.picture.width;
+        const std::int64_t sy = std::clamp<std::int64_t>(y - p_.top, 0, p_.picture.height - 1);
+        for (std::int64_t i = 0; i < masked_.width; ++i) {
+            const std::int64_t sx = std::clamp<std::int64_t>(masked_.x + i - p_.side, 0, width - 1);
+            const float* from = p_.turned ? picture.row(width - 1 - sx) + sy * 3 : picture.row(sy) + sx * 3;
+            std::copy_n(from, 3, to.data() + i * 3);
         }
-        const std::int64_t px = x - p_.side, py = y - p_.top;
-        const bool inWindow = px >= 0 && py >= 0 && px < p_.picture.width && py < p_.picture.height;
-        if (!inWindow) {
-            const float fibre = 1.0f + fibre_[0].data[at] + fibre_[1].data[at];
-            for (float& v : base) v *= fibre;
+    }
+
+    /// Row y of the sheet: paper on both sides of what the emulsion may cover.
+    void composeRow(float* out, std::int64_t y, const float* clouds, const float* seen) const
+    {
+        const std::int64_t first = isMasked(y) ? masked_.x - part_.x : part_.width;
+        const std::int64_t end = isMasked(y) ? first + masked_.width : part_.width;
+        composeRun(out, y, {0, first}, clouds, nullptr);
+        composeRun(out, y, {first, end}, clouds, seen);
+        composeRun(out, y, {end, part_.width}, clouds, nullptr);
+    }
+
+    /// Pixels span[0]...span[1] - 1 of the part's row; `seen` begins with them.
+    void composeRun(float* out, std::int64_t y, std::array<std::int64_t, 2> span, const float* clouds,
+                    const float* seen) const
+    {
+        const auto [first, end] = span;
+        if (first >= end) return;
+        PeelRun run;
+        run.count = end - first;
+        run.base = p_.base;
+        if (clouds) {
+            run.yellowX = yellowX_.data() + first;
+            run.yellowY = yellowY_[static_cast<std::size_t>(y - part_.y)];
+            run.blot = clouds + first;
+            run.blotGain = kBlot * p_.blot->scale();
         }
-        for (float& v : base) v = std::max(v, 0.0f);
-        if (mask_.count() == 0) return base;
-        const float m = mask_.data[at];
-        const float window =
-            p_.windowX[static_cast<std::size_t>(x)] * p_.windowY[static_cast<std::size_t>(y)];
-        const float bitten = share(window - m);
-        for (std::size_t c = 0; c < 3; ++c) base[c] *= 1.0f - bitten * kCream[c];
-        if (m <= 0.0f) return base;
-        const std::int64_t sx = std::clamp<std::int64_t>(px, 0, p_.picture.width - 1);
-        const std::int64_t sy = std::clamp<std::int64_t>(py, 0, p_.picture.height - 1);
-        const Vec3f seen = p_.turned ? picture.pixel(sy, p_.picture.width - 1 - sx) : picture.pixel(sx, sy);
-        Vec3f out{};
-        for (std::size_t c = 0; c < 3; ++c) out[c] = std::max(m * seen[c] + (1.0f - m) * base[c], 0.0f);
-        return out;
+        if (isPaper_)
+            for (std::size_t k = 0; k < 2; ++k) run.fibre[k] = fibre_[k].row(y - part_.y) + first;
+        run.fibreGain = fibreGain_;
+        if (seen) {
+            run.mask = mask_.row(y - masked_.y);
+            run.windowX = p_.windowX.data() + masked_.x;
+            run.windowY = p_.windowY[static_cast<std::size_t>(y)];
+            run.seen = seen;
+        }
+        HWY_DYNAMIC_DISPATCH(peelRun)(out + first * 3, run);
     }
 
     const PeelParams& p_;
-    Part part_;
+    Part part_, masked_;
+    bool isPaper_;
     Plane mask_;
     std::array<Plane, 2> fibre_;
+    std::array<float, 2> fibreGain_{};
     std::vector<float> yellowX_, yellowY_;
 };
 
@@ -186,26 +296,28 @@ void peel_compose(RGBImage& to, const RGBImage& picture, const PeelParams& p)
     const std::int64_t width = p.canvas.width, height = p.canvas.height;
     const auto softPx = static_cast<std::int64_t>(std::ceil(4.0 * p.maskSigmaPx)) + 2;
     const auto inwards = [&](std::int64_t size) { return std::min(p.reachPx, (size + 1) / 2); };
-    // From the edge of the sheet inwards: paper, the band of the window's edge, the picture.
-    const std::int64_t x0 = p.side + inwards(p.picture.width);
-    const std::int64_t x1 = std::max(x0, p.side + p.picture.width - inwards(p.picture.width));
-    const std::int64_t y0 = p.top + inwards(p.picture.height);
-    const std::int64_t y1 = std::max(y0, p.top + p.picture.height - inwards(p.picture.height));
-    const std::int64_t left = std::max<std::int64_t>(p.side - softPx, 0),
-                       top = std::max<std::int64_t>(p.top - softPx, 0);
-    const std::int64_t right = std::min(p.side + p.picture.width + softPx, width),
-                       bottom = std::min(p.top + p.picture.height + softPx, height);
-    const auto compose = [&](const std::array<Part, 4>& parts, bool isPlain) {
+    const Part window{p.side, p.top, p.picture.width, p.picture.height};
+    const std::int64_t right = window.x + window.width, bottom = window.y + window.height;
+    // What lies so deep in the window that all is picture.
+    const std::int64_t x0 = window.x + inwards(window.width), y0 = window.y + inwards(window.height);
+    const std::int64_t x1 = std::max(x0, right - inwards(window.width)),
+                       y1 = std::max(y0, bottom - inwards(window.height));
+    const Part soft{window.x - softPx, window.y - softPx, window.width + 2 * softPx,
+                    window.height + 2 * softPx};
+    const auto compose = [&](const std::array<Part, 4>& parts, bool isPaper) {
         for (const Part part : parts)
-            if (part.width > 0 && part.height > 0) SheetPart(p, part, isPlain).compose(to, picture);
+            if (part.width > 0 && part.height > 0)
+                SheetPart(p, part, common(part, soft), isPaper).compose(to, picture);
     };
-    compose({Part{0, 0, width, top}, Part{0, bottom, width, height - bottom},
-             Part{0, top, left, bottom - top}, Part{right, top, width - right, bottom - top}},
+    compose({Part{0, 0, width, window.y}, Part{0, bottom, width, height - bottom},
+             Part{0, window.y, window.x, window.height}, Part{right, window.y, width - right, window.height}},
             true);
-    compose({Part{left, top, right - left, y0 - top}, Part{left, y1, right - left, bottom - y1},
-             Part{left, y0, x0 - left, y1 - y0}, Part{x1, y0, right - x1, y1 - y0}},
+    compose({Part{window.x, window.y, window.width, y0 - window.y},
+             Part{window.x, y1, window.width, bottom - y1}, Part{window.x, y0, x0 - window.x, y1 - y0},
+             Part{x1, y0, right - x1, y1 - y0}},
             false);
     copyMiddle(to, picture, {x0, y0, x1 - x0, y1 - y0}, p);
 }
 
 } // namespace tamlo
+#endif

@@ -37,11 +37,18 @@ std::vector<float> phases(std::int64_t pixels, double ppmm, double periodMm)
     return out;
 }
 
-/// The bare lattice, not normalised.
-Plane latticePattern(Size picture, const SilkLatticeParams& lattice, double ppmm, double rough,
-                     std::uint32_t seed)
+/// The bare lattice, not normalised: what its rows are drawn from.
+struct BareLattice {
+    Size picture;
+    bool alongX = false; ///< the pull runs along the rows
+    NoiseField wanderU, wanderV, depth;
+    LatticeParams32 params;
+    std::vector<float> columns, rows; ///< phases along the pull or across it, for each column and each row
+};
+
+BareLattice planLattice(Size picture, const SilkLatticeParams& lattice, double ppmm, double rough,
+                        std::uint32_t seed)
 {
-    const bool alongX = picture.width > picture.height;
     const double pitchMm = std::max(held(lattice.pitchMm, 0.36), kLeastMm);
     const double rowMm = std::max(held(lattice.rowMm, 0.72), kLeastMm);
     const double wander = held(lattice.jitterMm, 0.02) * rough;
@@ -49,52 +56,91 @@ Plane latticePattern(Size picture, const SilkLatticeParams& lattice, double ppmm
     const auto field = [&](double mm, std::uint32_t layer) {
         return Film::mmField(picture, ppmm, {mm, mm}, {seed, layer});
     };
-    const NoiseField u = field(wanderMm, kWanderULayer), v = field(wanderMm, kWanderVLayer),
-                     depth = field(depthMm, kDepthLayer);
-
+    BareLattice bare{picture,
+                     picture.width > picture.height,
+                     field(wanderMm, kWanderULayer),
+                     field(wanderMm, kWanderVLayer),
+                     field(depthMm, kDepthLayer),
+                     {},
+                     {},
+                     {}};
     const double fade = waveFade(pitchMm * ppmm) * waveFade(rowMm * ppmm);
-    LatticeParams32 params;
-    params.wanderU = static_cast<float>(wander / pitchMm) * u.scale();
-    params.wanderV = static_cast<float>(wander / rowMm) * v.scale();
-    params.dot = static_cast<float>(held(lattice.dot, 0.8) * fade);
-    params.groove = static_cast<float>(held(lattice.rowLine, 1.0) * waveFade(0.5 * rowMm * ppmm));
-    params.depth = static_cast<float>(held(lattice.mod, 0.3)) * depth.scale();
-
-    // Along the pull and across it, for each column and each row.
-    const std::vector<float> columns = phases(picture.width, ppmm, alongX ? pitchMm : rowMm);
-    const std::vector<float> rows = phases(picture.height, ppmm, alongX ? rowMm : pitchMm);
-    Plane out(picture.width, picture.height);
-    float* to = out.mutableData();
-    parallelBands(picture.height, picture.width * 4, [&](std::int64_t start, std::int64_t end) {
-        NoiseField::Rows uRows(u), vRows(v), depthRows(depth);
-        std::vector<float> level(columns.size());
-        for (std::int64_t y = start; y < end; ++y) {
-            std::fill(level.begin(), level.end(), rows[static_cast<std::size_t>(y)]);
-            const float *along = alongX ? columns.data() : level.data(),
-                        *across = alongX ? level.data() : columns.data();
-            silk_lattice_f(to + y * picture.width,
-                           {along, across, uRows.row(y), vRows.row(y), depthRows.row(y)}, picture.width,
-                           params);
-        }
-    });
-    return out;
+    bare.params.wanderU = static_cast<float>(wander / pitchMm) * bare.wanderU.scale();
+    bare.params.wanderV = static_cast<float>(wander / rowMm) * bare.wanderV.scale();
+    bare.params.dot = static_cast<float>(held(lattice.dot, 0.8) * fade);
+    bare.params.groove = static_cast<float>(held(lattice.rowLine, 1.0) * waveFade(0.5 * rowMm * ppmm));
+    bare.params.depth = static_cast<float>(held(lattice.mod, 0.3)) * bare.depth.scale();
+    bare.columns = phases(picture.width, ppmm, bare.alongX ? pitchMm : rowMm);
+    bare.rows = phases(picture.height, ppmm, bare.alongX ? rowMm : pitchMm);
+    return bare;
 }
 
-/// Mixes a share of fine noise in.
-void roughen(Plane& pattern, double share, double sigmaPx, NoiseKey key)
+/// Draws rows of a lattice, one band's at a time.
+class BareRows {
+public:
+    explicit BareRows(const BareLattice& bare)
+        : bare_(bare), u_(bare.wanderU), v_(bare.wanderV), depth_(bare.depth), level_(bare.columns.size())
+    {}
+    void row(std::int64_t y, float* to)
+    {
+        std::fill(level_.begin(), level_.end(), bare_.rows[static_cast<std::size_t>(y)]);
+        const float *along = bare_.alongX ? bare_.columns.data() : level_.data(),
+                    *across = bare_.alongX ? level_.data() : bare_.columns.data();
+        silk_lattice_f(to, {along, across, u_.row(y), v_.row(y), depth_.row(y)}, bare_.picture.width,
+                       bare_.params);
+    }
+
+private:
+    const BareLattice& bare_;
+    NoiseField::Rows u_, v_, depth_;
+    std::vector<float> level_;
+};
+
+/// Fine noise of the pixels.
+Plane grainPlane(Size picture, double sigmaPx, NoiseKey key)
 {
     constexpr double kLeastPx = 0.3, kMostPx = 64.0;
-    if (share == 0.0) return;
-    Plane grain = noisePlane(pattern.size(), key);
-    if (sigmaPx >= kLeastPx) grain = blurChannel(std::move(grain), std::min(sigmaPx, kMostPx));
-    const float own = static_cast<float>(1.0 - share);
-    const float other = static_cast<float>(share) * unitScale(planeStats(grain));
-    float* to = pattern.mutableData();
-    parallelBands(pattern.height, pattern.width, [&](std::int64_t start, std::int64_t end) {
-        const float* from = grain.row(0);
-        for (std::int64_t i = start * pattern.width; i < end * pattern.width; ++i)
-            to[i] = own * to[i] + other * from[i];
+    Plane grain = noisePlane(picture, key);
+    if (sigmaPx < kLeastPx) return grain;
+    return blurChannel(std::move(grain), std::min(sigmaPx, kMostPx));
+}
+
+/// The lattice with a share of fine noise in it, and what brings it to unit deviation.
+Film::LatticePlan roughLattice(const BareLattice& bare, double share, double sigmaPx, NoiseKey key)
+{
+    const std::int64_t width = bare.picture.width;
+    const bool rough = share != 0.0;
+    Film::LatticePlan plan;
+    plan.pattern = rough ? grainPlane(bare.picture, sigmaPx, key) : Plane(width, bare.picture.height);
+    const auto own = static_cast<float>(1.0 - share);
+    const float other = rough ? static_cast<float>(share) * unitScale(planeStats(plan.pattern)) : 0.0f;
+    float* pattern = plan.pattern.mutableData();
+    // In the place of the noise, row by row, and summed while it is at hand.
+    const auto lay = [&](std::int64_t y, BareRows& rows, std::vector<float>& line) {
+        float* to = pattern + y * width;
+        rows.row(y, rough ? line.data() : to);
+        if (rough)
+            for (std::size_t i = 0; i < line.size(); ++i) to[i] = own * line[i] + other * to[i];
+    };
+    const auto line = [&] { return std::vector<float>(static_cast<std::size_t>(width)); };
+    if (plan.pattern.count() == 0) return plan;
+    {
+        BareRows rows(bare);
+        std::vector<float> first = line();
+        lay(0, rows, first);
+    }
+    const float shift = pattern[0];
+    std::vector<RunSums> sums(static_cast<std::size_t>(bare.picture.height));
+    parallelBands(bare.picture.height, width * 4, [&](std::int64_t start, std::int64_t end) {
+        BareRows rows(bare);
+        std::vector<float> scratch = line();
+        for (std::int64_t y = start; y < end; ++y) {
+            if (y > 0) lay(y, rows, scratch);
+            sums[static_cast<std::size_t>(y)] = field_sums(pattern + y * width, width, shift);
+        }
     });
+    plan.gain.scale = unitScale(statsOfRows(sums, static_cast<double>(plan.pattern.count()), shift));
+    return plan;
 }
 
 } // namespace
@@ -105,20 +151,20 @@ Film::LatticePlan Film::silkLattice(Size picture, const SilkLatticeParams& latti
     constexpr std::array<double, 3> kGain{0.0, 1.3, 0.15};
     const double knob = std::max(devMottle, 0.0);
     const auto seed = static_cast<std::uint32_t>(rng.nextUInt64());
-    LatticePlan plan;
     const bool listed = lattice.dGain && lattice.dGain->size() >= kGain.size();
     const auto gain = [&](std::size_t i) {
         return std::clamp(listed ? (*lattice.dGain)[i] : kGain[i], -kMost, kMost);
     };
-    plan.gain.amp = static_cast<float>(std::clamp(lattice.amp.value_or(0.0) * knob, -10.0, 10.0));
+    const auto amp = static_cast<float>(std::clamp(lattice.amp.value_or(0.0) * knob, -10.0, 10.0));
+    if (amp == 0.0f) return {};
+    LatticePlan plan =
+        roughLattice(planLattice(picture, lattice, scale.ppmm, std::clamp(0.5 * knob, 0.0, 1.0), seed),
+                     std::clamp(held(lattice.grain, 0.38), 0.0, 1.0),
+                     scale.ppmm * lattice.grainMm.value_or(0.04), {textureSeed, kGrainLayer});
+    plan.gain.amp = amp;
     plan.gain.d0 = static_cast<float>(gain(0));
     plan.gain.dSpan = static_cast<float>(std::max(gain(1) - gain(0), 1e-6));
     plan.gain.floor = static_cast<float>(gain(2));
-    if (plan.gain.amp == 0.0f) return plan;
-    plan.pattern = latticePattern(picture, lattice, scale.ppmm, std::clamp(0.5 * knob, 0.0, 1.0), seed);
-    roughen(plan.pattern, std::clamp(held(lattice.grain, 0.38), 0.0, 1.0),
-            scale.ppmm * lattice.grainMm.value_or(0.04), {textureSeed, kGrainLayer});
-    plan.pattern = normalizePlane(std::move(plan.pattern));
     return plan;
 }
 

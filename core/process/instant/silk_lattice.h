@@ -10,7 +10,7 @@
 namespace tamlo::Film {
 
 struct LatticePlan {
-    Plane pattern; ///< at unit deviation
+    Plane pattern; ///< at unit deviation by the gain's scale
     LatticeGain gain;
 };
 

@@ -170,7 +170,8 @@ void silkApply(const DensityRow& density, const float* lattice, const LatticeGai
     const hn::ScalableTag<float> d;
     eachStep(d, density.width, [&](std::size_t i, std::size_t n) HWY_ATTR {
         const auto td = ramp(d, meanDensity(d, density, i, n), gain.d0, gain.dSpan);
-        const auto f = hn::Mul(loadRun(d, lattice + i, n), hn::Set(d, gain.amp));
+        const auto unit = hn::Mul(loadRun(d, lattice + i, n), hn::Set(d, gain.scale));
+        const auto f = hn::Mul(unit, hn::Set(d, gain.amp));
         const auto add = hn::Mul(f, fromFloor(d, td, gain.floor));
         for (int c = 0; c < density.count; ++c)
             addTo(d, density.layers[static_cast<std::size_t>(c)] + i, add, n);

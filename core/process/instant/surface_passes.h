@@ -67,6 +67,7 @@ void silk_lattice_f(float* to, const LatticeRow& row, std::int64_t width,
                     const LatticeParams32& params) noexcept;
 
 struct LatticeGain {
+    float scale = 1.0f; ///< brings the lattice to unit deviation
     float amp = 0.0f, d0 = 0.0f, dSpan = 1.0f, floor = 0.0f;
 };
 void silk_apply(const DensityRow& density, const float* lattice, const LatticeGain& gain) noexcept;

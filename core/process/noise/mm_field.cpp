@@ -21,16 +21,6 @@ std::int64_t padOf(double sigmaNodes)
     return static_cast<std::int64_t>(std::ceil(4.0 * sigmaNodes));
 }
 
-/// The inside of a padded plane.
-Plane inside(const Plane& padded, std::int64_t padX, std::int64_t padY)
-{
-    Plane out(padded.width - 2 * padX, padded.height - 2 * padY);
-    float* to = out.mutableData();
-    for (std::int64_t y = 0; y < out.height; ++y)
-        std::copy_n(padded.row(y + padY) + padX, out.width, to + y * out.width);
-    return out;
-}
-
 } // namespace
 
 Film::MmGrid::MmGrid(Size pixels, double pxPerMm, double widestMm)
@@ -54,10 +44,9 @@ Plane Film::mmNodes(const MmGrid& grid, MmSigma sigma, NoiseKey key)
     };
     const double sigmaY = inNodes(sigma.y), sigmaX = inNodes(sigma.x);
     const std::int64_t padY = padOf(sigmaY), padX = padOf(sigmaX);
-    Plane noise =
+    const Plane noise =
         noisePlane({grid.nodes.width + 2 * padX, grid.nodes.height + 2 * padY}, key, {-padX, -padY});
-    noise = gaussianFilter2(std::move(noise), sigmaY, sigmaX, EdgeMode::nearest);
-    return normalizePlane(inside(noise, padX, padY));
+    return normalizePlane(gaussianInside(noise, sigmaY, sigmaX, {padY, padX}));
 }
 
 NoiseField Film::mmField(Size picture, double ppmm, MmSigma sigma, NoiseKey key)

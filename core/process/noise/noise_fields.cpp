@@ -4,7 +4,6 @@
 #include "core/image/gaussian.h"
 #include "core/image/resample.h"
 #include "core/image/rounding.h"
-#include "core/process/noise/noise_passes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -87,12 +86,17 @@ FieldStats planeStats(const Plane& plane)
         for (std::int64_t y = start; y < end; ++y)
             rows[static_cast<std::size_t>(y)] = field_sums(plane.row(y), plane.width, shift);
     });
+    return statsOfRows(rows, static_cast<double>(plane.count()), shift);
+}
+
+FieldStats statsOfRows(std::span<const RunSums> rows, double count, float shift)
+{
     double sum = 0.0, squares = 0.0;
     for (const RunSums& row : rows) {
         sum += row.sum;
         squares += row.squares;
     }
-    return statsOf(sum, squares, static_cast<double>(plane.count()), shift);
+    return statsOf(sum, squares, count, shift);
 }
 
 Plane normalizePlane(Plane plane)
@@ -234,12 +238,7 @@ FieldStats NoiseField::latticeStats() const
             if (y + 1 < h) rows[j].squares += 2.0 * my.beside[j] * product(row, samples_.row(y + 1));
         }
     });
-    double sum = 0.0, squares = 0.0;
-    for (const RunSums& row : rows) {
-        sum += row.sum;
-        squares += row.squares;
-    }
-    return statsOf(sum, squares, static_cast<double>(size_.width * size_.height), shift);
+    return statsOfRows(rows, static_cast<double>(size_.width * size_.height), shift);
 }
 
 NoiseField NoiseField::onPixels(Plane samples)
@@ -301,21 +300,29 @@ NoiseField NoiseField::unitOnNodes(Size size, Plane nodes, double pxPerNode)
 NoiseField::Rows::Rows(const NoiseField& field) : field_(field)
 {
     if (!field.onLattice()) return;
-    nodes_.resize(static_cast<std::size_t>(field.samples_.width) + 2);
+    nodes_.resize(static_cast<std::size_t>(field.samples_.width + 2 + kNodesBeyond));
     line_.resize(field.taps_.size());
 }
 
-const float* NoiseField::Rows::row(std::int64_t y)
+const float* NoiseField::Rows::run(std::int64_t y, std::int64_t first, std::int64_t end)
 {
     if (!field_.onLattice()) return field_.samples_.row(y);
     const Tap down = field_.rowTaps_[static_cast<std::size_t>(y)];
     const float *a = field_.samples_.row(down.first), *b = field_.samples_.row(down.second);
-    const std::size_t last = nodes_.size() - 2;
-    for (std::size_t x = 0; x < last; ++x) nodes_[x + 1] = a[x] + (b[x] - a[x]) * down.fraction;
-    nodes_[0] = nodes_[1];
-    nodes_[last + 1] = nodes_[last];
-    lattice_row(line_.data(), nodes_.data(), field_.columns_.data(), field_.shares_.data(),
-                static_cast<std::int64_t>(line_.size()));
+    if (first >= end) return line_.data();
+    // The nodes that the stretch reads; the line of nodes has its ends repeated.
+    const std::int64_t last = field_.samples_.width;
+    const auto column = [&](std::int64_t x) -> std::int64_t {
+        return field_.columns_[static_cast<std::size_t>(x)];
+    };
+    const std::int64_t left = std::max<std::int64_t>(column(first), 1);
+    const std::int64_t right = std::min(column(end - 1) + 1, last);
+    float* nodes = nodes_.data();
+    for (std::int64_t k = left; k <= right; ++k) nodes[k] = a[k - 1] + (b[k - 1] - a[k - 1]) * down.fraction;
+    nodes[0] = nodes[1];
+    nodes[last + 1] = nodes[last];
+    lattice_row(line_.data() + first, nodes_.data(), field_.columns_.data() + first,
+                field_.shares_.data() + first, end - first);
     return line_.data();
 }
 

@@ -7,9 +7,11 @@
 #pragma once
 
 #include "core/image/plane.h"
+#include "core/process/noise/noise_passes.h"
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace tamlo {
@@ -31,6 +33,9 @@ float unitScale(const FieldStats& stats);
 
 /// Row sums in 64-bit floats, added in row order: the same for any number of cores.
 FieldStats planeStats(const Plane& plane);
+
+/// The same of rows that were summed one by one (field_sums about `shift`), `count` samples in all.
+FieldStats statsOfRows(std::span<const RunSums> rows, double count, float shift);
 
 /// The plane at unit standard deviation. The mean stays in it; an even plane stays as it is.
 Plane normalizePlane(Plane plane);
@@ -94,7 +99,9 @@ public:
     public:
         explicit Rows(const NoiseField& field);
         /// `width` samples, good until the next call.
-        const float* row(std::int64_t y);
+        const float* row(std::int64_t y) { return run(y, 0, field_.size_.width); }
+        /// The same line, of which the pixels first...end - 1 alone are filled in.
+        const float* run(std::int64_t y, std::int64_t first, std::int64_t end);
 
     private:
         const NoiseField& field_;

@@ -61,8 +61,16 @@ void latticeRow(float* to, const float* nodes, const std::int32_t* first, const 
     std::int64_t i = 0;
     for (; i + lanes <= count; i += lanes) {
         const auto at = hn::LoadU(di, first + i);
-        const auto left = hn::GatherIndex(d, nodes, at);
-        const auto right = hn::GatherIndex(d, nodes + 1, at);
+        auto left = hn::Zero(d), right = left;
+        if (first[i + lanes - 1] - first[i] < lanes && lanes < kNodesBeyond) {
+            // Pixels finer than the nodes: one vector of nodes has all that the run reads.
+            const auto beside = hn::IndicesFromVec(d, hn::Sub(at, hn::Set(di, first[i])));
+            left = hn::TableLookupLanes(hn::LoadU(d, nodes + first[i]), beside);
+            right = hn::TableLookupLanes(hn::LoadU(d, nodes + first[i] + 1), beside);
+        } else {
+            left = hn::GatherIndex(d, nodes, at);
+            right = hn::GatherIndex(d, nodes + 1, at);
+        }
         hn::StoreU(hn::Add(left, hn::Mul(hn::Sub(right, left), hn::LoadU(d, share + i))), d, to + i);
     }
     for (; i < count; ++i) {

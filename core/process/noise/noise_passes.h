@@ -23,7 +23,11 @@ RunSums field_sums(const float* run, std::int64_t count, float shift) noexcept;
 /// to = (a - b) over a run.
 void subtract_run(float* to, const float* a, const float* b, std::int64_t count) noexcept;
 
+/// What lattice_row may read behind the last node of a line.
+inline constexpr std::int64_t kNodesBeyond = 64;
+
 /// Nodes of a line read between first and first + 1 at a share: nodes[first] + (the next - it) × share.
+/// `first` rises along the run.
 void lattice_row(float* to, const float* nodes, const std::int32_t* first, const float* share,
                  std::int64_t count) noexcept;
 
