@@ -170,7 +170,8 @@ void PageCanvas::picture(const PagePicture& picture, const PageRect& into, doubl
                 into.height / static_cast<double>(picture.height));
     cairo_set_source_surface(cairo, surface.get(), 0, 0);
     cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_BEST);
-    cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD); // no blend with nothing at the edges
+    // Pixels must not blend with nothing at the edges; a PDF would lose its JPEG to that.
+    if (picture.jpeg.empty()) cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD);
     cairo_rectangle(cairo, 0, 0, static_cast<double>(picture.width), static_cast<double>(picture.height));
     cairo_clip(cairo);
     opacity < 1.0 ? cairo_paint_with_alpha(cairo, opacity) : cairo_paint(cairo);
