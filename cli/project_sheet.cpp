@@ -2,6 +2,7 @@
 
 #include "app/export/export_report.h"
 #include "app/export/photographs.h"
+#include "cli/export_lines.h"
 #include "cli/interrupted.h"
 #include "cli/messages.h"
 #include "cli/progress.h"
@@ -12,8 +13,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
-#include <cmath>
 #include <ostream>
 
 namespace tamlo::cli {
@@ -48,7 +47,7 @@ public:
     }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = ExportLines::Clock;
 
     /// What can be found out before any work.
     void check() const
@@ -80,8 +79,8 @@ private:
     {
         std::vector<std::string> names;
         const SheetPlan plan = this->plan();
-        const auto [first, last] = arguments_.page ? plan.cellsOf(*arguments_.page)
-                                                   : std::pair(std::size_t{0}, plan.cells.size());
+        const auto [first, last] =
+            arguments_.page ? plan.cellsOf(*arguments_.page) : std::pair(std::size_t{0}, plan.cells.size());
         for (std::size_t i = first; i < last; ++i)
             if (look_.views.tiles().sheetTile(plan.cells[i].frame->id).state !=
                 FrameViews::SheetTile::State::ready)
@@ -106,13 +105,12 @@ private:
     void tellJson(const std::vector<std::string>& missing)
     {
         const SheetPlan whole = plan();
-        const std::chrono::duration<double> passed = Clock::now() - start_;
         const ordered_json line{{"event", "done"},
                                 {"file", arguments_.output.string()},
                                 {"frames", whole.cells.size()},
                                 {"pages", arguments_.page ? 1 : whole.pages()},
                                 {"empty", missing},
-                                {"seconds", std::round(passed.count() * 1000.0) / 1000.0}};
+                                {"seconds", roundedSeconds(Clock::now() - start_)}};
         results_ << line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
     }
 

@@ -1,6 +1,6 @@
-// PageCanvas: a page measured in points, y downward, drawn into a PDF or into pixels by the same calls. Letters
-// are of the one face that the program carries for sheets, set by HarfBuzz and drawn by Cairo; in a PDF they
-// stay text that can be searched, also where the face lacks a letter and a box is drawn.
+// PageCanvas: a page measured in points, y downward, drawn into a PDF or into pixels by the same calls.
+// Letters are of the one face that the program carries for sheets, set by HarfBuzz and drawn by Cairo; in a
+// PDF they stay text that can be searched, also where the face lacks a letter and a box is drawn.
 #pragma once
 
 #include <cstdint>

@@ -55,9 +55,9 @@ PageLetters::PageLetters() : letters_({CarriedFonts::dejaVuSansMono()}, kLetterE
 {
     auto drawn = std::make_unique<DrawnFace>();
     const auto bytes = CarriedFonts::dejaVuSansMono();
-    checkFreeType(FT_New_Memory_Face(drawn->library, bytes.data(), static_cast<FT_Long>(bytes.size()), 0,
-                                     &drawn->face),
-                  "open a carried face");
+    checkFreeType(
+        FT_New_Memory_Face(drawn->library, bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &drawn->face),
+        "open a carried face");
     static const cairo_user_data_key_t key{};
     face_ = cairo_ft_font_face_create_for_ft_face(drawn->face, FT_LOAD_NO_HINTING);
     const auto destroy = [](void* data) { delete static_cast<DrawnFace*>(data); };

@@ -112,8 +112,8 @@ private:
         const double width = std::round(static_cast<double>(small.width) * grown),
                      height = std::round(static_cast<double>(small.height) * grown);
         const PageRect into{std::round(box.x * pixels + (box.width * pixels - width) / 2) / pixels,
-                            std::round(box.y * pixels + (box.width * pixels - height) / 2) / pixels, width / pixels,
-                            height / pixels};
+                            std::round(box.y * pixels + (box.width * pixels - height) / 2) / pixels,
+                            width / pixels, height / pixels};
         std::vector<std::uint8_t> jpeg;
         if (canvas_.takesJpeg()) jpeg = tileJpeg(small);
         const std::span<const std::uint8_t> rgba =
@@ -133,8 +133,7 @@ private:
             canvas_.line(box.x, box.y, maxX, maxY, Palette::red, kRedWidth);
             canvas_.line(maxX, box.y, box.x, maxY, Palette::red, kRedWidth);
         }
-        if (frame.exportedAt)
-            canvas_.disc({maxX - kDotInset, maxY - kDotInset, kDot, kDot}, Palette::ok);
+        if (frame.exportedAt) canvas_.disc({maxX - kDotInset, maxY - kDotInset, kDot, kDot}, Palette::ok);
     }
 
     void caption(const SheetPlan::Cell& cell, const PageRect& box, bool rejected) const

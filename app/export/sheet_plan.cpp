@@ -29,9 +29,12 @@ std::string summaryOf(const std::vector<FrameRef>& frames, bool originals)
 std::string filterName(GridFilter filter)
 {
     switch (filter) {
-    case GridFilter::all: return "";
-    case GridFilter::hideRejected: return T("filter.hideRejected");
-    case GridFilter::selected: return T("filter.selected");
+    case GridFilter::all:
+        return "";
+    case GridFilter::hideRejected:
+        return T("filter.hideRejected");
+    case GridFilter::selected:
+        return T("filter.selected");
     }
     return "";
 }

@@ -121,8 +121,8 @@ void Sheets::draw(SheetPlan plan, Readers readers)
                                OutputMetadata::softwareName(programBuild())};
     SheetExporter::Events events;
     events.cancelled = [cancels = cancels_] { return cancels->load(); };
-    events.page = [this, &loop = model_.seams().loop, alive = std::weak_ptr<bool>(alive_)](
-                      std::size_t page, std::size_t total) {
+    events.page = [this, &loop = model_.seams().loop,
+                   alive = std::weak_ptr<bool>(alive_)](std::size_t page, std::size_t total) {
         loop.post([this, alive, page, total] {
             if (!alive.expired() && isExportingSheet()) began(page, total);
         });
@@ -161,10 +161,10 @@ void Sheets::ended(const Drawn& drawn, std::size_t pages)
     const Path url = task_->url;
     if (drawn.end == End::written) {
         const std::size_t written = task_->choices.page ? 1 : pages;
-        model_.tell(T("sheet.written",
-                      {{"file", url.filename().string()},
-                       {"pages", Loc::string("sheet.pages", static_cast<std::int64_t>(written))},
-                       {"cols", SheetExporter::layout(task_->choices.cols).cols}}));
+        model_.tell(
+            T("sheet.written", {{"file", url.filename().string()},
+                                {"pages", Loc::string("sheet.pages", static_cast<std::int64_t>(written))},
+                                {"cols", SheetExporter::layout(task_->choices.cols).cols}}));
         if (task_->choices.reveal && model_.seams().desktop) model_.seams().desktop->reveal({url});
     } else if (drawn.end == End::cancelled) {
         model_.tell(T("sheet.cancelled"));

@@ -1,9 +1,9 @@
 // Sheets: contact sheets of the visible frames. Tiles that are still being made are waited for, without
 // holding anything up; then the pages are drawn on a thread of their own from a copy of all they need.
 //
-// A dialogue begins with exportSheetPanel(), tells note(cols) beside the choice, and calls exportSheet(); what
-// is under way is told as Concern::exporting. A preview of a page is SheetExporter::pageImage of plan(cols)
-// with whatever tiles are there, on any thread.
+// A dialogue begins with exportSheetPanel(), tells note(cols) beside the choice, and calls exportSheet();
+// what is under way is told as Concern::exporting. A preview of a page is SheetExporter::pageImage of
+// plan(cols) with whatever tiles are there, on any thread.
 #pragma once
 
 #include "app/export/sheet_file.h"

@@ -252,7 +252,8 @@ FrameViews::SheetTile Tiles::sheetTile(const FrameID& id) const
     if (!key) return {};
     const auto shown = shown_.find(id);
     const auto stub = stubs_.find(id);
-    const bool isShown = shown != shown_.end() && shown->second == *key && !(stub != stubs_.end() && stub->second);
+    const bool isShown =
+        shown != shown_.end() && shown->second == *key && !(stub != stubs_.end() && stub->second);
     const Image inMemory = isShown ? tile(id) : nullptr;
     const bool isOnDisk = mayPersist(id) && previews_.thumbs.has(*key);
     if (!inMemory && !isOnDisk) return {pending_.contains(id) ? State::coming : State::none, {}};

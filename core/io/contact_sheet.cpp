@@ -17,11 +17,20 @@ std::string escaped(std::string_view text)
     std::string out;
     for (const char c : platform::asUtf8(text)) {
         switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '"': out += "&quot;"; break;
-        default: out += c;
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '"':
+            out += "&quot;";
+            break;
+        default:
+            out += c;
         }
     }
     return out;
@@ -53,8 +62,7 @@ std::string dataUrl(const std::vector<std::uint8_t>& jpeg)
         const std::size_t here = std::min<std::size_t>(jpeg.size() - i, 3);
         std::uint32_t word = 0;
         for (std::size_t k = 0; k < 3; ++k) word = word << 8 | (k < here ? jpeg[i + k] : 0u);
-        for (std::size_t k = 0; k < 4; ++k)
-            out += k <= here ? kDigits[word >> (18 - 6 * k) & 63] : '=';
+        for (std::size_t k = 0; k < 4; ++k) out += k <= here ? kDigits[word >> (18 - 6 * k) & 63] : '=';
     }
     return out;
 }
