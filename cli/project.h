@@ -19,7 +19,7 @@ std::optional<int> runOn(RollSession& session, const ProjectCommand& command, st
 
 // The verbs that work on an open roll, then those that open what they need themselves. By file:
 // project_intake.cpp, project_show.cpp, project_edit.cpp, project_copy.cpp, project_arrange.cpp,
-// project_files.cpp, project_preview.cpp, project_export.cpp.
+// project_files.cpp, project_preview.cpp, project_export.cpp, project_sheet.cpp.
 int run(RollSession& session, const ProjectAddArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectShowArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectCheckArguments& arguments, std::ostream& results);
@@ -41,5 +41,6 @@ int run(const ProjectRestoreArguments& arguments, std::ostream& results);
 int run(const ProjectRecentArguments& arguments, std::ostream& results);
 int run(const ProjectPreviewArguments& arguments, std::ostream& results);
 int run(const ProjectExportArguments& arguments, std::ostream& results);
+int run(const ProjectSheetArguments& arguments, std::ostream& results);
 
 } // namespace tamlo::cli

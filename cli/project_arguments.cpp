@@ -1,5 +1,6 @@
 #include "cli/project_arguments.h"
 
+#include "app/export/sheet_plan.h"
 #include "app/shell/crop_draft.h"
 #include "cli/rack.h"
 #include "core/text/loc.h"
@@ -204,6 +205,22 @@ void describeExport(CLI::App& project, ProjectCommand& into)
     verb.app->add_flag("--json", to.json, T("cli.help.export.json"));
 }
 
+void describeSheet(CLI::App& project, ProjectCommand& into)
+{
+    const auto verb = addVerb<ProjectSheetArguments>(project, "sheet", "cli.help.project.sheet", into);
+    takeRoll(*verb.app, *verb.arguments);
+    verb.app->add_option("-o", verb.arguments->output, T("cli.help.sheet.output"))
+        ->required()
+        ->type_name("SHEET.pdf|PAGE.png|PAGES.html");
+    verb.app->add_option("--cols", verb.arguments->cols, T("cli.help.sheet.cols"))
+        ->check(CLI::Range(1, SheetExporter::kMostCols))
+        ->type_name("N")
+        ->option_text("N");
+    verb.app->add_flag("--originals", verb.arguments->originals, T("cli.help.sheet.originals"));
+    verb.app->add_option("--page", verb.arguments->page, T("cli.help.sheet.page"))->type_name("N");
+    verb.app->add_flag("--json", verb.arguments->json, T("cli.help.export.json"));
+}
+
 void describeFiles(CLI::App& project, ProjectCommand& into)
 {
     const auto locate = addVerb<ProjectLocateArguments>(project, "locate", "cli.help.project.locate", into);
@@ -246,6 +263,7 @@ void describeProject(CLI::App& app, ProjectCommand& into)
     describeCopying(*project, into);
     describePreview(*project, into);
     describeExport(*project, into);
+    describeSheet(*project, into);
     describeFiles(*project, into);
     for (CLI::App* verb : project->get_subcommands(nullptr)) {
         verb->fallthrough();

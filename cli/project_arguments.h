@@ -103,6 +103,12 @@ struct ProjectExportArguments : RollArguments {
     bool dryRun = false;
     bool noRecord = false;
 };
+struct ProjectSheetArguments : RollArguments {
+    std::filesystem::path output;
+    int cols = 6;
+    bool originals = false;
+    std::optional<std::size_t> page;
+};
 struct ProjectRecentArguments {
     bool json = false;
     bool clear = false;
@@ -114,7 +120,8 @@ using ProjectCommand =
                  ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
                  ProjectRemoveArguments, ProjectOrderArguments, ProjectCropArguments, ProjectRerollArguments,
                  ProjectLocateArguments, ProjectBackupsArguments, ProjectRestoreArguments,
-                 ProjectRecentArguments, ProjectPreviewArguments, ProjectExportArguments>;
+                 ProjectRecentArguments, ProjectPreviewArguments, ProjectExportArguments,
+                 ProjectSheetArguments>;
 
 /// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
 void describeProject(CLI::App& app, ProjectCommand& into);

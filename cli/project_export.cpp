@@ -3,8 +3,9 @@
 // which is noted what was written.
 
 #include "app/export/export_report.h"
-#include "app/project/project_file.h"
-#include "cli/input_files.h"
+#include "app/export/photographs.h"
+#include "cli/export_lines.h"
+#include "cli/export_record.h"
 #include "cli/interrupted.h"
 #include "cli/messages.h"
 #include "cli/progress.h"
@@ -12,30 +13,18 @@
 #include "cli/project_session.h"
 #include "cli/usage_error.h"
 #include "core/profiles/catalogue/profile_store.h"
-#include "core/text/error_words.h"
 #include "platform/console.h"
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
-#include <cmath>
 #include <ostream>
 
 namespace tamlo::cli {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
+using Clock = ExportLines::Clock;
 using nlohmann::ordered_json;
-
-/// As often as an open project is saved by itself: each save keeps a copy of the one before.
-constexpr std::chrono::seconds kRecordEvery{60};
-
-double secondsSince(Clock::time_point start)
-{
-    const std::chrono::duration<double> passed = Clock::now() - start;
-    return std::round(passed.count() * 1000.0) / 1000.0;
-}
 
 struct Shard {
     std::size_t k = 1, count = 1;
@@ -111,111 +100,6 @@ ExportSettings settingsOf(const ProjectExportArguments& arguments, const Project
     return settings;
 }
 
-/// Notes in the roll what was written of frames that still are as they were exported.
-class Recorder {
-public:
-    Recorder(fs::path roll, bool records) : roll_(std::move(roll)), records_(records) {}
-
-    void add(const ExportedFrame& frame)
-    {
-        waiting_.push_back(frame);
-        if (Clock::now() - last_ >= kRecordEvery) flush();
-    }
-    /// Why nothing could be noted; empty where all is.
-    const std::string& problem() const { return problem_; }
-
-    void flush()
-    {
-        last_ = Clock::now();
-        if (!records_ || waiting_.empty()) return;
-        try {
-            const double now =
-                std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-            ProjectFile file(roll_);
-            Project project = Project::decode(file.read(), ProfileStore::shared());
-            for (const ExportedFrame& one : waiting_) note(project, one, now);
-            if (file.write(project.encoded(), now) == ProjectFile::Written::changedOnDisk)
-                throw std::runtime_error(T("project.changedOnDisk"));
-            waiting_.clear();
-            problem_.clear();
-        } catch (const std::exception& error) {
-            problem_ = ErrorWords::of(error); // tried again with the next frames
-        }
-    }
-
-private:
-    static void note(Project& project, const ExportedFrame& one, double now)
-    {
-        const auto place = project.frames.find(one.frame->id);
-        if (!place) return;
-        const Frame& frame = project.frames[*place];
-        if (!(frame.process == one.frame->process) || frame.crop != one.frame->crop ||
-            frame.orient != one.frame->orient)
-            return; // it has been changed meanwhile
-        Frame& noted = project.frames.edit(*place);
-        noted.exportedAt = Date::since1970(now);
-        noted.exportedName = one.file.filename().string();
-    }
-
-    fs::path roll_;
-    bool records_;
-    Clock::time_point last_ = Clock::now();
-    std::vector<ExportedFrame> waiting_;
-    std::string problem_;
-};
-
-/// What a run tells on standard output: paths, or with --json one object a line.
-class Lines {
-public:
-    Lines(std::ostream& out, std::size_t total, bool json) : out_(out), total_(total), json_(json) {}
-
-    void frame(const ExportedFrame& one, std::size_t place)
-    {
-        if (!json_) return void(out_ << one.file.string() << std::endl);
-        ordered_json line = object("frame", place, one.file.string());
-        line["seconds"] = std::round(one.seconds * 1000.0) / 1000.0;
-        tell(line);
-    }
-    void skipped(const std::string& file, std::size_t place, const std::string& reason)
-    {
-        if (!json_) return;
-        ordered_json line = object("skipped", place, file);
-        line["reason"] = reason;
-        tell(line);
-    }
-    void failed(const std::string& file, std::size_t place, const std::string& why)
-    {
-        if (!json_) return;
-        ordered_json line = object("failed", place, file);
-        line["error"] = why;
-        tell(line);
-    }
-    void done(const ExportOutcome& outcome, bool stopped, Clock::time_point start)
-    {
-        if (!json_) return;
-        ordered_json line{{"event", "done"}, {"n", outcome.written.size()}, {"total", total_}};
-        line["failed"] = outcome.failed.size();
-        line["seconds"] = secondsSince(start);
-        if (stopped) line["stopped"] = true;
-        if (outcome.targetFault) line["error"] = *outcome.targetFault;
-        tell(line);
-    }
-
-private:
-    ordered_json object(const char* event, std::size_t place, const std::string& file) const
-    {
-        return {{"event", event}, {"n", place}, {"total", total_}, {"file", file}};
-    }
-    void tell(const ordered_json& line)
-    {
-        out_ << line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
-    }
-
-    std::ostream& out_;
-    std::size_t total_;
-    bool json_;
-};
-
 class Export {
 public:
     Export(const ProjectExportArguments& arguments, std::ostream& results)
@@ -237,8 +121,8 @@ public:
         if (arguments_.dryRun) return tellPlan();
         refuseUndecided();
         Progress progress(jobs_.size(), arguments_.json && !platform::errorIsTerminal());
-        Recorder recorder(rollPath(arguments_.roll),
-                          !arguments_.noRecord && (!arguments_.shard || arguments_.record));
+        ExportRecord recorder(rollPath(arguments_.roll),
+                              !arguments_.noRecord && (!arguments_.shard || arguments_.record));
         ExportRun run(ProfileStore::shared(), settingsOf(arguments_, project_), photographs_,
                       events(progress, recorder));
         report_.outcome = run.run(jobs_);
@@ -326,7 +210,7 @@ private:
             if (clashes(job)) throw UsageError(T("cli.export.exists", {{"file", job.target.string()}}));
     }
 
-    ExportRun::Events events(Progress& progress, Recorder& recorder)
+    ExportRun::Events events(Progress& progress, ExportRecord& recorder)
     {
         ExportRun::Events events;
         events.cancels = platform::stopRequested;
@@ -382,7 +266,7 @@ private:
     fs::path folder_;
     std::vector<FrameID> set_;
     Photographs photographs_;
-    Lines lines_;
+    ExportLines lines_;
     std::ostream& results_;
     std::vector<ExportJob> jobs_;
     ExportReport report_;

@@ -1,16 +1,13 @@
 // tamlo project preview: a frame as the develop screen shows it.
 
-#include "app/preview/program_build.h"
-#include "app/shell/live_views.h"
 #include "cli/interrupted.h"
 #include "cli/messages.h"
 #include "cli/project.h"
 #include "cli/project_frames.h"
 #include "cli/project_session.h"
+#include "cli/roll_look.h"
 #include "cli/usage_error.h"
 #include "core/io/image_writer.h"
-#include "core/profiles/catalogue/profile_store.h"
-#include "platform/preferences.h"
 
 #include <charconv>
 #include <ostream>
@@ -36,27 +33,6 @@ Size fitOf(const std::string& text)
     return fit;
 }
 
-/// The session of one look at one frame.
-struct Look {
-    Look(const std::filesystem::path& roll, ProfileStore& store)
-        : views({loop, store, nullptr, ProxyCache::defaultFolder(), programBuild()}),
-          model({loop, store, questions, views, clipboard, volumes, preferences})
-    {
-        views.attach(model);
-        views.tiles().setShowsGrid(false);
-        views.screen().setReadsAhead(false);
-        if (!model.saver.open(roll, Saver::Access::read)) throw std::runtime_error(model.status());
-    }
-
-    platform::HeadlessLoop loop;
-    HeadlessQuestions questions;
-    platform::SessionClipboard clipboard;
-    platform::SystemVolumes volumes;
-    platform::FilePreferences preferences;
-    LiveViews views;
-    AppModel model;
-};
-
 bool isThere(const FrameScreen& screen, const std::string& tier)
 {
     if (!screen.image()) return false;
@@ -72,7 +48,9 @@ int run(const ProjectPreviewArguments& arguments, std::ostream& results)
     const Size fit = arguments.fit ? fitOf(*arguments.fit) : kUsualFit;
     if (arguments.output.extension() != ".png") throw UsageError(T("cli.project.needsPng"));
     const std::filesystem::path roll = rollPath(arguments.roll);
-    Look look(roll, ProfileStore::shared());
+    RollLook look(ProfileStore::shared());
+    look.views.tiles().setShowsGrid(false);
+    look.open(roll);
     const FrameID id = frameMeant(arguments.frames, look.model.project(),
                                   [&](const Frame& frame) { return look.model.linker.state(frame.id); });
     FrameScreen& screen = look.views.screen();

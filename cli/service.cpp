@@ -32,7 +32,7 @@ int headlessRun(const std::string& input, const std::string& output)
         Application application(Application::Mode::service, loop, ProfileStore::shared(), programBuild());
         application.start(false);
         HeadlessRun run(application, loop, [&](HeadlessRun::Result ended) { result = std::move(ended); });
-        run.runSmokeTest(input, output);
+        run.runSmokeTest(input, output, platform::environmentVariable("TAMLO_SMOKE_SHEET"));
         if (!loop.runUntil([&] { return result.has_value(); })) return Interrupted::kStatus;
         application.end();
     }

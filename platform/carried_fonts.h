@@ -10,5 +10,7 @@ namespace tamlo::platform::CarriedFonts {
 std::span<const std::uint8_t> herosBold();
 /// Liberation Sans Bold: Cyrillic, Greek and what else the first lacks.
 std::span<const std::uint8_t> liberationSansBold();
+/// DejaVu Sans Mono: what a contact sheet is lettered in.
+std::span<const std::uint8_t> dejaVuSansMono();
 
 } // namespace tamlo::platform::CarriedFonts

@@ -2,75 +2,21 @@
 
 #include "platform/carried_fonts.h"
 #include "platform/platform_error.h"
-#include "platform/text_runs.h"
+#include "platform/set_line.h"
 
-#include <ft2build.h>
-#include <hb-ot.h>
-#include <hb.h>
-#include FT_FREETYPE_H
 #include FT_OUTLINE_H
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string>
 
 namespace tamlo::platform {
 namespace {
 
-constexpr int kFaces = 2;
 constexpr double kLargestEmPx = 50'000.0; // with its reach below the end of FreeType's coordinates, 262,144
 
 // The box for a letter that no face has, in ems; taste: a capital's height and stroke.
 constexpr double kBoxAdvance = 0.66, kBoxLeft = 0.08, kBoxRight = 0.58, kBoxTop = 0.72, kBoxStroke = 0.08;
-
-void check(FT_Error error, const char* what)
-{
-    if (error != 0)
-        throw PlatformError(std::string("FreeType could not ") + what + " (error " + std::to_string(error) +
-                            ")");
-}
-
-/// Both libraries' view of one carried face.
-class Face {
-public:
-    Face(FT_Library library, std::span<const std::uint8_t> bytes)
-    {
-        const auto size = static_cast<FT_Long>(bytes.size());
-        check(FT_New_Memory_Face(library, bytes.data(), size, 0, &outlines_), "open a carried face");
-        hb_blob_t* blob =
-            hb_blob_create(reinterpret_cast<const char*>(bytes.data()), static_cast<unsigned>(bytes.size()),
-                           HB_MEMORY_MODE_READONLY, nullptr, nullptr);
-        hb_face_t* face = hb_face_create(blob, 0);
-        shaper_ = hb_font_create(face);
-        hb_face_destroy(face);
-        hb_blob_destroy(blob);
-    }
-    ~Face()
-    {
-        hb_font_destroy(shaper_);
-        FT_Done_Face(outlines_);
-    }
-    Face(const Face&) = delete;
-    Face& operator=(const Face&) = delete;
-
-    bool has(char32_t c) const { return FT_Get_Char_Index(outlines_, c) != 0; }
-    hb_font_t* shaper() const { return shaper_; }
-    FT_Face outlines() const { return outlines_; }
-    double unitEm() const { return 1.0 / static_cast<double>(outlines_->units_per_EM); }
-
-private:
-    FT_Face outlines_ = nullptr;
-    hb_font_t* shaper_ = nullptr;
-};
-
-struct LibraryCloser {
-    void operator()(FT_Library library) const noexcept { FT_Done_FreeType(library); }
-};
-
-struct BufferCloser {
-    void operator()(hb_buffer_t* buffer) const noexcept { hb_buffer_destroy(buffer); }
-};
 
 /// A letter's outline in pixels of the bitmap, y upward; FreeType reads it as it reads its own.
 class PixelOutline {
@@ -133,55 +79,8 @@ void addSpans(int y, int count, const FT_Span* spans, void* user)
 } // namespace
 
 struct TextLine::Glyphs {
-    struct Glyph {
-        int face;       ///< -1: the box
-        unsigned index; ///< in that face
-        double xEm, yEm;
-    };
-
-    std::unique_ptr<FT_LibraryRec_, LibraryCloser> library;
-    std::array<std::unique_ptr<Face>, kFaces> faces;
-    std::vector<Glyph> set;
-    double widthEm = 0.0;
-
-    Glyphs()
-    {
-        FT_Library made = nullptr;
-        check(FT_Init_FreeType(&made), "start");
-        library.reset(made);
-        faces[0] = std::make_unique<Face>(made, CarriedFonts::herosBold());
-        faces[1] = std::make_unique<Face>(made, CarriedFonts::liberationSansBold());
-    }
-
-    const Face& face(int i) const { return *faces[static_cast<std::size_t>(i)]; }
-
-    void setRun(const std::u16string& text, const TextRun& run)
-    {
-        if (run.face < 0) {
-            set.push_back({-1, 0, widthEm, 0.0});
-            widthEm += kBoxAdvance;
-            return;
-        }
-        const std::unique_ptr<hb_buffer_t, BufferCloser> buffer(hb_buffer_create());
-        hb_buffer_add_utf16(buffer.get(), reinterpret_cast<const std::uint16_t*>(text.data()),
-                            static_cast<int>(text.size()), static_cast<unsigned>(run.begin),
-                            static_cast<int>(run.end - run.begin));
-        hb_buffer_set_direction(buffer.get(), run.rightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
-        hb_buffer_set_language(buffer.get(), hb_language_from_string("und", -1)); // not the machine's
-        hb_buffer_guess_segment_properties(buffer.get());
-        hb_shape(face(run.face).shaper(), buffer.get(), nullptr, 0);
-        if (!hb_buffer_allocation_successful(buffer.get())) throw PlatformError("HarfBuzz failed: no memory");
-
-        unsigned count = 0;
-        const hb_glyph_info_t* info = hb_buffer_get_glyph_infos(buffer.get(), &count);
-        const hb_glyph_position_t* place = hb_buffer_get_glyph_positions(buffer.get(), &count);
-        const double unit = face(run.face).unitEm();
-        for (unsigned i = 0; i < count; ++i) {
-            set.push_back(
-                {run.face, info[i].codepoint, widthEm + unit * place[i].x_offset, unit * place[i].y_offset});
-            widthEm += unit * place[i].x_advance;
-        }
-    }
+    LetterCase letters{{CarriedFonts::herosBold(), CarriedFonts::liberationSansBold()}, kBoxAdvance};
+    SetLine line;
 
     void draw(PixelOutline outline, Bitmap& bitmap) const
     {
@@ -195,15 +94,13 @@ struct TextLine::Glyphs {
         params.gray_spans = addSpans;
         params.user = &bitmap;
         params.clip_box = {0, 0, right, top};
-        check(FT_Outline_Render(library.get(), &view, &params), "draw a letter");
+        checkFreeType(FT_Outline_Render(letters.library(), &view, &params), "draw a letter");
     }
 };
 
 TextLine::TextLine(std::string_view text) : glyphs_(std::make_unique<Glyphs>())
 {
-    const TextRuns runs = textRuns(text, kLongestLine, kFaces,
-                                   [&](int face, char32_t c) { return glyphs_->face(face).has(c); });
-    for (const TextRun& run : runs.visual) glyphs_->setRun(runs.text, run);
+    glyphs_->line = glyphs_->letters.set(text, kLongestLine);
 }
 
 TextLine::~TextLine() = default;
@@ -212,7 +109,7 @@ TextLine& TextLine::operator=(TextLine&&) noexcept = default;
 
 double TextLine::widthEm() const noexcept
 {
-    return glyphs_->widthEm;
+    return glyphs_->line.widthEm;
 }
 
 std::vector<std::uint8_t> TextLine::draw(std::size_t width, std::size_t height,
@@ -220,7 +117,7 @@ std::vector<std::uint8_t> TextLine::draw(std::size_t width, std::size_t height,
 {
     if (!(place.emPx <= kLargestEmPx)) throw PlatformError("letters of more than 50000 pixels");
     Bitmap bitmap{std::vector<std::uint8_t>(width * height), width, height};
-    for (const Glyphs::Glyph& glyph : glyphs_->set) {
+    for (const SetLetter& glyph : glyphs_->line.letters) {
         const double x = place.originX + glyph.xEm * place.emPx, y = place.baselineY + glyph.yEm * place.emPx;
         // Nothing of a letter reaches further than this from its origin.
         constexpr double kReachEm = 4.0;
@@ -230,8 +127,8 @@ std::vector<std::uint8_t> TextLine::draw(std::size_t width, std::size_t height,
             glyphs_->draw(PixelOutline(place.emPx, x, y), bitmap);
             continue;
         }
-        const Face& face = glyphs_->face(glyph.face);
-        check(FT_Load_Glyph(face.outlines(), glyph.index, FT_LOAD_NO_SCALE), "load a letter");
+        const CarriedFace& face = glyphs_->letters.face(glyph.face);
+        checkFreeType(FT_Load_Glyph(face.outlines(), glyph.index, FT_LOAD_NO_SCALE), "load a letter");
         const FT_Outline& outline = face.outlines()->glyph->outline;
         if (outline.n_points > 0)
             glyphs_->draw(PixelOutline(outline, place.emPx * face.unitEm(), x, y), bitmap);

@@ -8,7 +8,9 @@
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace tamlo::platform {
 namespace {
@@ -40,6 +42,23 @@ std::unique_ptr<icu::Collator> makeNaturalCollator()
     return collator;
 }
 
+/// A text and where its characters end, the beginning before them.
+struct Characters {
+    explicit Characters(std::string_view utf8) : text(decoded(utf8))
+    {
+        UErrorCode code = U_ZERO_ERROR;
+        const std::unique_ptr<icu::BreakIterator> characters(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), code));
+        check(code);
+        characters->setText(text);
+        for (std::int32_t end = characters->next(); end != icu::BreakIterator::DONE; end = characters->next())
+            ends.push_back(end);
+    }
+
+    icu::UnicodeString text;
+    std::vector<std::int32_t> ends{0};
+};
+
 } // namespace
 
 bool isUtf8(std::string_view bytes)
@@ -64,6 +83,11 @@ std::string asUtf8(std::string_view text)
 std::string lowerCased(std::string_view text)
 {
     return encoded(decoded(text).toLower(icu::Locale::getRoot()));
+}
+
+std::string upperCased(std::string_view text)
+{
+    return encoded(decoded(text).toUpper(icu::Locale::getRoot()));
 }
 
 std::string trimmed(std::string_view text)
@@ -94,15 +118,20 @@ std::string whiteSpaceReplaced(std::string_view text, std::string_view replaceme
 
 std::string firstCharacters(std::string_view text, std::size_t count)
 {
-    const icu::UnicodeString line = decoded(text);
-    UErrorCode code = U_ZERO_ERROR;
-    const std::unique_ptr<icu::BreakIterator> characters(
-        icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), code));
-    check(code);
-    characters->setText(line);
-    std::int32_t end = 0;
-    for (std::size_t i = 0; i < count && end < line.length(); ++i) end = characters->next();
-    return encoded(line.tempSubStringBetween(0, end));
+    const Characters line(text);
+    return encoded(line.text.tempSubStringBetween(0, line.ends[std::min(count, line.ends.size() - 1)]));
+}
+
+std::string lastCharacters(std::string_view text, std::size_t count)
+{
+    const Characters line(text);
+    const std::size_t all = line.ends.size() - 1;
+    return encoded(line.text.tempSubStringBetween(line.ends[all - std::min(count, all)]));
+}
+
+std::size_t characterCount(std::string_view text)
+{
+    return Characters(text).ends.size() - 1;
 }
 
 std::string naturalSortKey(std::string_view text)

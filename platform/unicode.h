@@ -15,6 +15,7 @@ std::string asUtf8(std::string_view text);
 
 /// Lower case by the Unicode rules of no language in particular.
 std::string lowerCased(std::string_view text);
+std::string upperCased(std::string_view text);
 
 /// Without white space and line feeds at both ends.
 std::string trimmed(std::string_view text);
@@ -24,6 +25,8 @@ std::string whiteSpaceReplaced(std::string_view text, std::string_view replaceme
 
 /// The first `count` characters as a reader counts them: a letter with its accents is one.
 std::string firstCharacters(std::string_view text, std::size_t count);
+std::string lastCharacters(std::string_view text, std::size_t count);
+std::size_t characterCount(std::string_view text);
 
 /// Bytes whose order is the natural order of texts (Unicode collation): case and accents count last, and a
 /// run of digits counts as its number, "Delta 400" before "Delta 3200".

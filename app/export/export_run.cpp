@@ -1,10 +1,10 @@
 #include "app/export/export_run.h"
 
 #include "app/export/decode_ahead.h"
+#include "app/export/export_size.h"
 #include "app/export/finished_print.h"
 #include "app/preview/render_process.h"
 #include "app/preview/source_decode.h"
-#include "app/preview/tiers.h"
 #include "core/film/light/display_lights.h"
 #include "core/image/cancellation.h"
 #include "core/image/orient.h"
@@ -26,7 +26,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kAhead = 1;
 constexpr int kSocialQuality = 98;
-constexpr std::int64_t kSocialLong = 2048;
 
 /// What is wrong with the place that is written to.
 struct TargetFault : std::runtime_error {
@@ -84,15 +83,7 @@ RGBImage ExportRun::decoded(const ExportJob& job) const
 {
     const CancellationScope cancellation([this] { return ended_ || cancelled(); });
     const Frame& frame = *job.frame;
-    std::int64_t cap = 0;
-    if (frame.process && ImageLoader::isRAW(frame.url)) {
-        const Size full = SourceDecode::fullPixelSize(frame.url).value_or(Size());
-        const RenderChoices choices = choicesOf(
-            renderProcess(*frame.process, frame, std::nullopt, settings_.cropGate, &settings_.frames),
-            store_);
-        const Tiers::Caps caps = Tiers::capsOf(choices.film, choices.paper, choices.options, full);
-        if (caps.master > 0) cap = Tiers::scaled(caps.master, Tiers::cropDecodeFactor(frame.crop, full));
-    }
+    const std::int64_t cap = ExportSize::decodeCap(frame, {store_, settings_.cropGate, settings_.frames});
     return SourceDecode::full(frame.url, cap, ProxyFile::wbOf(frame));
 }
 
@@ -217,8 +208,7 @@ void ExportRun::print(const Frame& frame, RGBImage image, const Path& target)
         [&] { FinishedPrint::save(std::move(master), made, target.string(), settings_.quality, metadata); });
     noteWritten(target);
     if (!settings_.social) return;
-    choices.options.socialPx = settings_.socialPx;
-    choices.options.socialBy = settings_.socialPx == kSocialLong ? "long" : "width";
+    ExportSize::askSocial(choices.options, settings_.socialPx);
     writeSocial(FinishedPrint::opaque(std::move(image), made), choices.options, target,
                 PrintMetadata::of(frame.url, choices, 0, settings_.signature));
 }

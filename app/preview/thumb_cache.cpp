@@ -103,6 +103,13 @@ std::optional<ReadyImage> ThumbCache::readFile(const std::string& name)
     }
 }
 
+bool ThumbCache::has(const std::string& viewKey) const
+{
+    for (const Raster raster : {Raster::p, Raster::t})
+        if (platform::fileInfo(cache_.directory() / path(viewKey, raster))) return true;
+    return false;
+}
+
 std::optional<ThumbCache::Tile> ThumbCache::read(const std::string& viewKey, Raster raster)
 {
     for (const Raster wanted : {raster, other(raster)})

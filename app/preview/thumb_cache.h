@@ -39,6 +39,8 @@ public:
 
     /// Nothing where the file is there. Removes the tiles of this view by other builds.
     void store(const std::string& viewKey, const ReadyImage& image, Raster raster);
+    /// A file is there, of whichever raster.
+    bool has(const std::string& viewKey) const;
     /// The wanted raster, else the other. A file that is no picture is removed, so that it can be made anew.
     std::optional<Tile> read(const std::string& viewKey, Raster raster);
     /// By another build: a print before a computed one, then the newest.

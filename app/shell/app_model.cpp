@@ -176,6 +176,7 @@ void AppModel::adopt(Project project, std::optional<Path> url)
 {
     cropping.leaveCropMode();
     sides.exitAB();
+    sheets.leave();
     seams_.views.clear();
     project_ = std::move(project);
     projectURL_ = std::move(url);

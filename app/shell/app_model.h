@@ -21,12 +21,14 @@
 #include "app/shell/removal.h"
 #include "app/shell/saver.h"
 #include "app/shell/selection.h"
+#include "app/shell/sheets.h"
 #include "app/shell/sides.h"
 #include "app/shell/spreading.h"
 #include "app/shell/turns.h"
 #include "app/shell/zoom.h"
 
 #include "platform/clipboard.h"
+#include "platform/desktop.h"
 #include "platform/preferences.h"
 #include "platform/volumes.h"
 
@@ -49,6 +51,7 @@ struct AppSeams {
     ProjectRegistry* registry = nullptr; ///< none: this session remembers no project
     /// Size of a frame's source, upright; none when it can't be had.
     std::function<std::optional<Size>(const Frame&)> sourceSize = {};
+    platform::Desktop* desktop = nullptr; ///< none: nobody is told of progress and ends
 };
 
 class AppModel {
@@ -152,6 +155,7 @@ public:
     Recents recents{*this};
     Saver saver{*this};
     Exporter exporter{*this};
+    Sheets sheets{*this};
 };
 
 } // namespace tamlo

@@ -1,6 +1,7 @@
 #include "app/shell/exporter.h"
 
 #include "app/export/export_folders.h"
+#include "app/export/export_size.h"
 #include "app/preview/program_build.h"
 #include "app/shell/app_model.h"
 #include "core/text/loc.h"
@@ -11,6 +12,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 namespace tamlo {
 
@@ -112,6 +114,7 @@ bool Exporter::run(const ExportDraft& draft, const Path& folder, Done done)
     task_.emplace();
     task_->total = jobs.size();
     task_->startedAt = model_.seams().loop.now();
+    changed();
     shared_ = std::make_shared<Shared>();
     ExportSettings settings;
     settings.scale = draft.scale;
@@ -130,7 +133,8 @@ bool Exporter::run(const ExportDraft& draft, const Path& folder, Done done)
             });
             return ended;
         },
-        [this, done = std::move(done)](ExportReport last) { ended(std::move(last), done); });
+        [this, farewell = Farewell{folder, draft.reveal, draft.single.has_value()},
+         done = std::move(done)](ExportReport last) { ended(std::move(last), farewell, done); });
     return true;
 }
 
@@ -151,10 +155,16 @@ ExportRun::Events Exporter::events()
             task_->currentName = name;
             task_->frameFraction = 0;
             progress_ = T("export.progressFrame", {{"n", n}, {"total", task_->total}, {"name", name}});
+            changed();
         });
     };
-    events.fraction = [this, post](const char*, double fraction) {
-        post([this, fraction] { task_->frameFraction = fraction; });
+    events.fraction = [this, post, shown = std::make_shared<int>(-1)](const char*, double fraction) {
+        const int percent = static_cast<int>(fraction * 100);
+        if (std::exchange(*shown, percent) == percent) return; // told often enough
+        post([this, fraction] {
+            task_->frameFraction = fraction;
+            changed();
+        });
     };
     events.exists = [this, post, shared = shared_](const ExportClash& clash) {
         post([this, clash] { askExportExists(clash); });
@@ -163,12 +173,20 @@ ExportRun::Events Exporter::events()
     events.finished = [this, post](const ExportedFrame& one, std::size_t n) {
         post([this, one, n] { took(one, n); });
     };
+    events.failed = [this, post](const FailedFrame&, std::size_t) {
+        post([this] {
+            ++task_->done;
+            task_->frameFraction = 0;
+            changed();
+        });
+    };
     return events;
 }
 
 void Exporter::askExportExists(const ExportClash& clash)
 {
     task_->waiting = true;
+    changed();
     const QuestionText text{T("export.exists.title", {{"name", clash.target.filename().string()}}),
                             T("export.exists.info", {{"dir", clash.target.parent_path().string()},
                                                      {"free", clash.free.filename().string()}})};
@@ -176,7 +194,10 @@ void Exporter::askExportExists(const ExportClash& clash)
         text, !clash.isPhotograph,
         Answer<ExportClashReply>([this, shared = shared_, alive = std::weak_ptr<bool>(alive_)](
                                      std::optional<ExportClashReply> reply) {
-            if (!alive.expired() && task_) task_->waiting = false;
+            if (!alive.expired() && task_) {
+                task_->waiting = false;
+                changed();
+            }
             shared->answer(reply.value_or(ExportClashReply()));
         }));
 }
@@ -202,6 +223,7 @@ void Exporter::took(const ExportedFrame& one, std::size_t n)
                    {"total", task_->total},
                    {"name", one.file.filename().string()},
                    {"sec", secondsText(one.seconds)}});
+    changed();
 }
 
 void Exporter::stop()
@@ -209,16 +231,53 @@ void Exporter::stop()
     if (!task_) return;
     task_->cancelling = true;
     shared_->stops = true;
+    changed();
 }
 
-void Exporter::ended(ExportReport report, const Done& done)
+void Exporter::ended(ExportReport report, const Farewell& farewell, const Done& done)
 {
     task_.reset();
     progress_.clear();
+    changed();
     const bool failed = report.outcome.targetFault.has_value() || !report.outcome.failed.empty();
     failed ? model_.tellFailure(report.text()) : model_.tell(report.text());
+    notifyExportFinished(report, farewell);
     model_.saver.autosave();
     if (done) done(report);
+}
+
+void Exporter::changed()
+{
+    updateDockProgress();
+    model_.observers.note(Concern::exporting);
+}
+
+void Exporter::updateDockProgress() const
+{
+    platform::Desktop* const desktop = model_.seams().desktop;
+    if (desktop) desktop->showProgress(task_ ? std::optional(task_->fraction()) : std::nullopt);
+}
+
+void Exporter::notifyExportFinished(const ExportReport& report, const Farewell& farewell) const
+{
+    platform::Desktop* const desktop = model_.seams().desktop;
+    if (!desktop) return;
+    desktop->notify(report.text(), farewell.folder.string());
+    const auto& written = report.outcome.written;
+    if (farewell.reveals && !written.empty())
+        desktop->reveal({farewell.isSingle ? written.front().file : farewell.folder});
+}
+
+std::optional<Size> Exporter::outputSize(double scale, const Frame& frame) const
+{
+    const Project& project = model_.project();
+    return ExportSize::output(frame, scale, {model_.store(), project.cropGate, project.frames});
+}
+
+std::optional<Size> Exporter::socialSize(std::int64_t px, const Frame& frame) const
+{
+    const Project& project = model_.project();
+    return ExportSize::social(frame, px, {model_.store(), project.cropGate, project.frames});
 }
 
 } // namespace tamlo

@@ -40,6 +40,10 @@ public:
     /// Ends the run after the file in hand.
     void stop();
 
+    /// Pixels of a frame's file and of its copy for sharing, for a dialogue; absent where they can't be told.
+    std::optional<Size> outputSize(double scale, const Frame& frame) const;
+    std::optional<Size> socialSize(std::int64_t px, const Frame& frame) const;
+
     bool isExporting() const { return task_.has_value(); }
     const std::optional<ExportTask>& task() const { return task_; }
     /// The line of the frame in hand, or of the one that was written last.
@@ -48,11 +52,21 @@ public:
 private:
     struct Shared;
 
+    /// What the desktop is told of the end.
+    struct Farewell {
+        Path folder;
+        bool reveals = false, isSingle = false;
+    };
+
     bool run(const ExportDraft& draft, const Path& folder, Done done);
     ExportRun::Events events();
     void askExportExists(const ExportClash& clash);
     void took(const ExportedFrame& one, std::size_t n);
-    void ended(ExportReport report, const Done& done);
+    void ended(ExportReport report, const Farewell& farewell, const Done& done);
+    /// Whoever shows the run: what is under way has changed.
+    void changed();
+    void updateDockProgress() const;
+    void notifyExportFinished(const ExportReport& report, const Farewell& farewell) const;
 
     AppModel& model_;
     Stats stats_;

@@ -3,8 +3,11 @@
 #pragma once
 
 #include "app/project/frame.h"
+#include "core/io/ready_image.h"
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace tamlo {
@@ -32,6 +35,17 @@ struct FrameViews {
     virtual void closingProject() {}
     /// All that is known of the frames of a project belongs to another one now.
     virtual void clear() {}
+    /// Tiles show untouched pictures.
+    virtual bool showsOriginals() const { return false; }
+    /// A tile for a sheet: on the disk, or what the grid shows where it is not kept there.
+    struct SheetTile {
+        enum class State { ready, coming, none };
+        /// From any thread; null where it can't be read after all.
+        using Read = std::function<std::shared_ptr<const ReadyImage>()>;
+        State state = State::none;
+        Read read = {};
+    };
+    virtual SheetTile sheetTile(const FrameID&) { return {}; }
     /// Goes up with each picture that comes onto the develop screen.
     virtual std::int64_t pictureGen() const { return 0; }
 };

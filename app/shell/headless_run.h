@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <optional>
 #include <string>
 
 namespace tamlo {
@@ -22,12 +23,15 @@ public:
     /// done: called once, on the main thread.
     HeadlessRun(Application& application, platform::MainLoop& loop, std::function<void(Result)> done);
 
-    void runSmokeTest(const std::filesystem::path& input, const std::filesystem::path& output);
+    /// input: a photograph, or a folder of them. sheet: where a page of the contact sheet goes.
+    void runSmokeTest(const std::filesystem::path& input, const std::filesystem::path& output,
+                      std::optional<std::filesystem::path> sheet = {});
 
 private:
     void poll();
     bool isReady();
     void finish();
+    void writeSheet();
     void fail();
     void end(Result result);
 
@@ -35,6 +39,7 @@ private:
     platform::MainLoop& loop_;
     std::function<void(Result)> done_;
     std::filesystem::path output_;
+    std::optional<std::filesystem::path> sheet_;
     int ticks_ = 0;
     bool isImporting_ = true;
     platform::Timer timer_;

@@ -45,6 +45,8 @@ public:
     void openedProject() override;
     void closingProject() override;
     void clear() override;
+    bool showsOriginals() const override { return tiles_.showsOriginals(); }
+    SheetTile sheetTile(const FrameID& id) override { return tiles_.sheetTile(id); }
     std::int64_t pictureGen() const override { return screen_.shownGen(); }
 
 private:

@@ -244,6 +244,25 @@ void Tiles::persist(const FrameID& id, const std::string& key, Image image, Rast
     flushTimer_ = previews_.loop.after(kFlushSeconds, [this] { flush(false); });
 }
 
+FrameViews::SheetTile Tiles::sheetTile(const FrameID& id) const
+{
+    using State = FrameViews::SheetTile::State;
+    const FrameRef frame = model_->project().frame(id);
+    const std::optional<std::string> key = frame ? viewKey(*frame, showsOriginals_) : std::nullopt;
+    if (!key) return {};
+    const auto shown = shown_.find(id);
+    const auto stub = stubs_.find(id);
+    const bool isShown =
+        shown != shown_.end() && shown->second == *key && !(stub != stubs_.end() && stub->second);
+    const Image inMemory = isShown ? tile(id) : nullptr;
+    const bool isOnDisk = mayPersist(id) && previews_.thumbs.has(*key);
+    if (!inMemory && !isOnDisk) return {pending_.contains(id) ? State::coming : State::none, {}};
+    return {State::ready, [&thumbs = previews_.thumbs, key = *key, inMemory, isOnDisk]() -> Image {
+                auto read = isOnDisk ? thumbs.read(key, Raster::p) : std::nullopt;
+                return read ? std::make_shared<const ReadyImage>(std::move(read->image)) : inMemory;
+            }};
+}
+
 void Tiles::flush(bool wait)
 {
     flushTimer_.cancel();

@@ -5,6 +5,7 @@
 
 #include "app/project/project.h"
 #include "app/shell/background.h"
+#include "app/shell/frame_views.h"
 #include "app/shell/previews.h"
 #include "app/shell/source_loads.h"
 
@@ -36,6 +37,7 @@ public:
     std::int64_t shownGen() const { return shownGen_; }
     /// Tiles as untouched pictures, whatever the frames' processes.
     void setShowsOriginals(bool shows);
+    bool showsOriginals() const { return showsOriginals_; }
     /// Without a grid on the screen no tile is made; the print of the develop screen is kept as one still.
     void setShowsGrid(bool shows) { showsGrid_ = shows; }
     void setDisplayScale(double scale) { displayScale_ = scale; }
@@ -52,6 +54,8 @@ public:
 
     /// Frames whose tile is still to come, and can.
     std::size_t pendingCount() const { return pending_.size(); }
+    /// The tile as a sheet has it.
+    FrameViews::SheetTile sheetTile(const FrameID& id) const;
     /// Writes what waits for the disk. wait: until it stands there.
     void flush(bool wait);
 
