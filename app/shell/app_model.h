@@ -87,6 +87,9 @@ public:
                         const std::function<void(Frame&)>& change);
     /// Changes the roll as a whole as one undo step. Returns whether anything changed.
     bool editProject(History::Change step, const std::function<void(Project&)>& change);
+    /// Records a step that changes nothing of the project: what it does is all in its closures, which tell of
+    /// a failure themselves.
+    void recordBeside(History::Change step);
     /// Changes what is no step: the filter, files found again, the record of an export.
     void amendProject(const std::function<void(Project&)>& change)
     {
@@ -97,7 +100,7 @@ public:
 
     bool undo();
     bool redo();
-    /// Undoes until so many steps are left, for a list on screen.
+    /// Undoes, or does again, until so many steps stand, for a list on screen.
     void undoTo(std::size_t stepsLeft);
 
     /// From now on as a session does that stays open: saves by itself and keeps watch over the sources.

@@ -86,6 +86,16 @@ std::int64_t FrameScreen::masterCapLong() const
     return now && now->source ? now->caps.master : 0;
 }
 
+double FrameScreen::viewedLong() const
+{
+    const auto now = situation();
+    if (now && now->source) {
+        const Size full = now->source->fullSize();
+        return static_cast<double>(std::max(full.width, full.height)) / now->cropFactor;
+    }
+    return image_ ? static_cast<double>(std::max(image_->width, image_->height)) : 0;
+}
+
 Tiers::Badge FrameScreen::badge() const
 {
     const auto now = situation();
@@ -176,6 +186,7 @@ void FrameScreen::renderCurrent(double fineDelaySeconds)
         if (!loads_.isLoading(now->frame->id)) loads_.load(now->frame->id);
         return;
     }
+    model_->zoom.setDetailLong(viewedLong());
     if (loads_.redecodeIfNeeded(now->frame->id)) return;
     submitFrame(model_->history().gestureIsOpen() && lastProxySeconds_ > kSlowProxySeconds);
     submitBeside(*now);

@@ -82,6 +82,9 @@ public:
     std::int64_t neededDetailLong() const;
     std::int64_t fullDetailLong() const;
     std::int64_t masterCapLong() const;
+    /// Long side, in pixels of the source, of what the crop shows of it; that of the picture without a
+    /// source, and 0 without either.
+    double viewedLong() const;
 
     /// Something is still to come: a source, a proxy or a tier.
     bool isBusy() const;

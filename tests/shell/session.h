@@ -19,7 +19,12 @@ struct RecordingViews : FrameViews {
     void renderThumbs(const std::vector<FrameID>& ids) override { rendered += ids.size(); }
     void load(const FrameID&) override { ++loaded; }
     void renderAB(const ProcessSettings&) override { ++renderedB; }
+    void openedFrame(const FrameID& id) override { opened = id; }
+    void backToGrid() override { opened.reset(); }
+    void setZoom(double to) override { zoom = to; }
     std::size_t rendered = 0, loaded = 0, renderedB = 0;
+    std::optional<FrameID> opened; ///< on the develop screen
+    double zoom = 1;
 };
 
 class SessionTest : public testing::Test {
