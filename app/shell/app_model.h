@@ -14,7 +14,9 @@
 #include "app/shell/marks.h"
 #include "app/shell/observers.h"
 #include "app/shell/ordering.h"
+#include "app/shell/preset_files.h"
 #include "app/shell/presets.h"
+#include "app/shell/profile_files.h"
 #include "app/shell/questions.h"
 #include "app/shell/rack.h"
 #include "app/shell/recents.h"
@@ -142,6 +144,8 @@ public:
     Lists lists{*this};
     Rack rack{*this};
     Presets presets{*this};
+    PresetFiles presetFiles{*this};
+    ProfileFiles profileFiles{*this};
     Copying copying{*this};
     Spreading spreading{*this};
     Turns turns{*this};
