@@ -67,14 +67,6 @@ void needDevelop(LiveSession& session)
     if (!isOnDevelop(session)) throw UsageError(T("cli.session.needsFrame"));
 }
 
-/// Zoom and pan know the picture; the screen's tiers know the zoom.
-void syncZoom(LiveSession& session)
-{
-    FrameScreen& screen = session.views().screen();
-    session.model().zoom.setDetailLong(static_cast<double>(screen.fullDetailLong()));
-    screen.setZoom(session.model().zoom.zoom());
-}
-
 void open(LiveSession& session, const Words& words, std::ostream&)
 {
     if (words.size() != 2) throw badLine(words);
@@ -101,7 +93,6 @@ void wait(LiveSession& session, const Words& words, std::ostream& results)
     };
     session.waitUntil([&] { return isThere() || !screen.isBusy(); });
     if (!screen.image()) throw std::runtime_error(T("cli.session.noPicture"));
-    syncZoom(session);
     results << screen.image()->width << 'x' << screen.image()->height << " " << screen.info() << '\n';
 }
 
@@ -173,7 +164,6 @@ void crop(LiveSession& session, const Words& words, std::ostream& results)
 void zoom(LiveSession& session, const Words& words, std::ostream& results)
 {
     needDevelop(session);
-    syncZoom(session);
     Zoom& zoom = session.model().zoom;
     const std::string word = words.size() > 1 ? words[1] : "";
     if (word == "in" || word == "out")
@@ -184,7 +174,6 @@ void zoom(LiveSession& session, const Words& words, std::ostream& results)
         zoom.setZoomPercent(100);
     else
         zoom.setZoomPercent(numberAt(words, 1));
-    syncZoom(session);
     results << zoom.zoomLabel() << '\n';
 }
 

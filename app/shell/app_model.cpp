@@ -125,6 +125,12 @@ bool AppModel::editProject(History::Change step, const std::function<void(Projec
     return true;
 }
 
+void AppModel::recordBeside(History::Change step)
+{
+    history_.record(std::move(step), project_, seams_.loop.now());
+    observers.note(Concern::document);
+}
+
 bool AppModel::undo()
 {
     return apply(history_.undo(project_, seams_.loop.now()));
@@ -137,7 +143,9 @@ bool AppModel::redo()
 
 void AppModel::undoTo(std::size_t stepsLeft)
 {
-    while (history_.undoStack().size() > stepsLeft && undo()) {}
+    const auto left = [this] { return history_.undoStack().size(); };
+    while (left() > stepsLeft && undo()) {}
+    while (left() < stepsLeft && redo()) {}
 }
 
 bool AppModel::apply(std::optional<History::Step> step)
@@ -146,7 +154,7 @@ bool AppModel::apply(std::optional<History::Step> step)
     beginAction();
     if (step->action) step->action();
     applySnapshot(*step);
-    tell(T("status.undone", {{"name", step->name}}));
+    if (!lastActionFailed_) tell(T("status.undone", {{"name", step->name}}));
     return true;
 }
 

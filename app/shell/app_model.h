@@ -14,7 +14,9 @@
 #include "app/shell/marks.h"
 #include "app/shell/observers.h"
 #include "app/shell/ordering.h"
+#include "app/shell/preset_files.h"
 #include "app/shell/presets.h"
+#include "app/shell/profile_files.h"
 #include "app/shell/questions.h"
 #include "app/shell/rack.h"
 #include "app/shell/recents.h"
@@ -90,6 +92,9 @@ public:
                         const std::function<void(Frame&)>& change);
     /// Changes the roll as a whole as one undo step. Returns whether anything changed.
     bool editProject(History::Change step, const std::function<void(Project&)>& change);
+    /// Records a step that changes nothing of the project: what it does is all in its closures, which tell of
+    /// a failure themselves.
+    void recordBeside(History::Change step);
     /// Changes what is no step: the filter, files found again, the record of an export.
     void amendProject(const std::function<void(Project&)>& change)
     {
@@ -100,7 +105,7 @@ public:
 
     bool undo();
     bool redo();
-    /// Undoes until so many steps are left, for a list on screen.
+    /// Undoes, or does again, until so many steps stand, for a list on screen.
     void undoTo(std::size_t stepsLeft);
 
     /// From now on as a session does that stays open: saves by itself and keeps watch over the sources.
@@ -142,6 +147,8 @@ public:
     Lists lists{*this};
     Rack rack{*this};
     Presets presets{*this};
+    PresetFiles presetFiles{*this};
+    ProfileFiles profileFiles{*this};
     Copying copying{*this};
     Spreading spreading{*this};
     Turns turns{*this};

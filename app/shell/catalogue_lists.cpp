@@ -212,9 +212,10 @@ std::optional<std::string> unlessEmpty(std::string text)
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-PresetInfo infoOf(const PresetDocument& document, const CatalogueLists& lists)
+/// id: what the store knows it by, which a file that was given another name does not hold.
+PresetInfo infoOf(const std::string& id, const PresetDocument& document, const CatalogueLists& lists)
 {
-    return {.id = document.id(),
+    return {.id = id,
             .title = document.name(),
             .summary = summaryOf(document, lists),
             .blocks = document.blocks(),
@@ -251,7 +252,7 @@ void readPresets(const ProfileStore& store, CatalogueLists& into)
         if (entry.hidden)
             into.hiddenPresets.push_back({entry.id, document->name()});
         else
-            into.presetInfos.push_back(infoOf(*document, into));
+            into.presetInfos.push_back(infoOf(entry.id, *document, into));
     }
     const auto& groups = PresetGroups::order();
     std::ranges::stable_sort(into.presetInfos, {}, [&](const PresetInfo& info) {

@@ -38,9 +38,10 @@ std::string Copying::blockEnvelope(const FrameID& id, const std::string& title,
 
 void Copying::copySettings()
 {
-    const FrameRef frame = model_.selection.currentFrame();
-    SettingsClipboard::write(settingsOf(frame), model_.seams().clipboard);
-    model_.tell(T("clipboard.copied", {{"summary", summary(settingsOf(frame), model_.store())}}));
+    const ProcessSettings settings =
+        model_.sides.editsB() ? *model_.sides.abB() : model_.selection.currentProcess();
+    SettingsClipboard::write(settings, model_.seams().clipboard);
+    model_.tell(T("clipboard.copied", {{"summary", summary(settings, model_.store())}}));
 }
 
 void Copying::copyBlock(const std::string& title, const PresetSchema::Blocks& blocks)
@@ -57,16 +58,20 @@ bool Copying::hasSettings() const
 
 void Copying::pasteSettings()
 {
-    const FrameIDs targets = model_.selection.actionTargets();
-    if (const auto pasted = SettingsClipboard::read(model_.seams().clipboard, model_.store()))
-        give(pasted->process, targets);
+    const auto pasted = SettingsClipboard::read(model_.seams().clipboard, model_.store());
+    if (!pasted) return;
+    if (model_.sides.editsB()) return model_.sides.setB(pasted->process);
+    give(pasted->process, model_.selection.actionTargets());
 }
 
 void Copying::pasteBlock()
 {
-    const FrameIDs targets = model_.selection.actionTargets();
-    if (const auto block = BlockClipboard::read(model_.seams().clipboard))
-        stamp(block->title, block->preset, targets);
+    const auto block = BlockClipboard::read(model_.seams().clipboard);
+    if (!block) return;
+    if (model_.sides.editsB())
+        model_.presets.applyToTargets(block->preset, block->title);
+    else
+        stamp(block->title, block->preset, model_.selection.actionTargets());
 }
 
 std::optional<Copying::Pasted> Copying::paste(const std::string& text, const FrameIDs& ids)

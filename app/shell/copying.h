@@ -23,7 +23,7 @@ public:
     std::string blockEnvelope(const FrameID& id, const std::string& title,
                               const PresetSchema::Blocks& blocks) const;
 
-    /// The current frame's settings, or some blocks of them, to the clipboard.
+    /// What the rack shows of the current frame, or some blocks of it, to the clipboard.
     void copySettings();
     void copyBlock(const std::string& title, const PresetSchema::Blocks& blocks);
     bool hasSettings() const;
@@ -34,7 +34,8 @@ public:
     };
     /// Pastes an envelope of either sort into frames, as one step; none when the text is no envelope.
     std::optional<Pasted> paste(const std::string& text, const FrameIDs& ids);
-    /// The clipboard's settings into the targets of an action; the same with its block.
+    /// The clipboard's settings into the targets of an action, or into side B while the rack edits it; the
+    /// same with its block.
     void pasteSettings();
     void pasteBlock();
 

@@ -86,6 +86,16 @@ std::int64_t FrameScreen::masterCapLong() const
     return now && now->source ? now->caps.master : 0;
 }
 
+double FrameScreen::viewedLong() const
+{
+    const auto now = situation();
+    if (now && now->source) {
+        const Size full = now->source->fullSize();
+        return static_cast<double>(std::max(full.width, full.height)) / now->cropFactor;
+    }
+    return image_ ? static_cast<double>(std::max(image_->width, image_->height)) : 0;
+}
+
 Tiers::Badge FrameScreen::badge() const
 {
     const auto now = situation();
@@ -176,6 +186,7 @@ void FrameScreen::renderCurrent(double fineDelaySeconds)
         if (!loads_.isLoading(now->frame->id)) loads_.load(now->frame->id);
         return;
     }
+    model_->zoom.setDetailLong(viewedLong());
     if (loads_.redecodeIfNeeded(now->frame->id)) return;
     submitFrame(model_->history().gestureIsOpen() && lastProxySeconds_ > kSlowProxySeconds);
     submitBeside(*now);
@@ -201,7 +212,9 @@ void FrameScreen::cancelPending()
 void FrameScreen::clear()
 {
     cancelPending();
-    for (const char* key : {"frame", "orig", "ab", "peek", "fine", "proof:"}) previews_.renderer.cancel(key);
+    endPeek();
+    cancelProof();
+    for (const char* key : {"frame", "orig", "ab", "fine"}) previews_.renderer.cancel(key);
     previews_.frames.cancelDetail();
     image_.reset();
     original_.reset();
@@ -430,10 +443,22 @@ void FrameScreen::fineEnded(std::int64_t ticket, std::int64_t longSide, Outcome 
 void FrameScreen::peek(const ProcessSettings& process, std::int64_t inputLong, Taken taken)
 {
     const auto now = situation();
+    ++peekGen_;
     if (!now || !now->source) return taken(KeyedRenderer::Stale());
     KeyedRenderer::Request request = this->request(*now, process);
     request.inputLong = inputLong;
-    previews_.renderer.submit("peek", std::move(request), std::move(taken));
+    previews_.renderer.submit(
+        "peek", std::move(request),
+        [this, gen = peekGen_, ticket = ticket_, taken = std::move(taken)](Outcome outcome) {
+            const bool isWanted = gen == peekGen_ && ticket == ticket_;
+            taken(isWanted ? std::move(outcome) : KeyedRenderer::Stale());
+        });
+}
+
+void FrameScreen::endPeek()
+{
+    ++peekGen_;
+    previews_.renderer.cancel("peek");
 }
 
 void FrameScreen::proof(const std::vector<ProcessSettings>& processes, std::int64_t inputLong,
@@ -450,8 +475,17 @@ void FrameScreen::proof(const std::vector<ProcessSettings>& processes, std::int6
         request.inputLong = inputLong;
         request.ticket.reset(); // a sheet of proofs outlives a turn of a knob
         previews_.renderer.submit("proof:" + std::to_string(i), std::move(request),
-                                  [taken, i](Outcome outcome) { taken(i, std::move(outcome)); });
+                                  [this, gen = proofGen_, taken, i](Outcome outcome) {
+                                      taken(i,
+                                            gen == proofGen_ ? std::move(outcome) : KeyedRenderer::Stale());
+                                  });
     }
+}
+
+void FrameScreen::cancelProof()
+{
+    ++proofGen_;
+    previews_.renderer.cancel("proof:");
 }
 
 } // namespace tamlo

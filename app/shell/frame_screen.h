@@ -82,17 +82,23 @@ public:
     std::int64_t neededDetailLong() const;
     std::int64_t fullDetailLong() const;
     std::int64_t masterCapLong() const;
+    /// Long side, in pixels of the source, of what the crop shows of it; that of the picture without a
+    /// source, and 0 without either.
+    double viewedLong() const;
 
     /// Something is still to come: a source, a proxy or a tier.
     bool isBusy() const;
 
     using Taken = std::function<void(KeyedRenderer::Outcome)>;
-    /// The current frame under another process, for a look at it. A later peek takes its place.
+    /// The current frame under another process, for a look at it. A later peek takes its place. It ends stale
+    /// without a source, and when the frame changes; nothing of it stays.
     void peek(const ProcessSettings& process, std::int64_t inputLong, Taken taken);
-    /// The same under several, in their order; cancelled together.
+    /// Nobody looks any more: a peek under way ends stale.
+    void endPeek();
+    /// The same under several, in their order; cancelled together, after which each ends stale.
     void proof(const std::vector<ProcessSettings>& processes, std::int64_t inputLong,
                std::function<void(std::size_t, KeyedRenderer::Outcome)> taken);
-    void cancelProof() { previews_.renderer.cancel("proof:"); }
+    void cancelProof();
 
 private:
     struct Situation; ///< the current frame, its source and its caps
@@ -133,6 +139,7 @@ private:
     double displayScale_ = 1, zoom_ = 1;
 
     std::int64_t ticket_ = 0, shownTicket_ = -1, masterRetryTicket_ = -1;
+    std::int64_t peekGen_ = 0, proofGen_ = 0; ///< a look of an older one is over
     double lastProxySeconds_ = 0;
     platform::Timer fineWork_, masterWork_, restWork_;
     bool restIsDue_ = false;

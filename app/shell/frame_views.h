@@ -24,6 +24,8 @@ struct FrameViews {
     /// Another process is to be shown beside that of the frame on the screen, or no longer.
     virtual void renderAB(const ProcessSettings&) {}
     virtual void dropAB() {}
+    /// The frame on the screen is looked at from nearer or farther: so many times its fit.
+    virtual void setZoom(double /*zoom*/) {}
     /// The frame's source is to be read, or forgotten.
     virtual void load(const FrameID&) {}
     virtual void evict(const FrameID&) {}

@@ -38,6 +38,7 @@ public:
     void cancelPendingRenders() override { screen_.cancelPending(); }
     void renderAB(const ProcessSettings& process) override { screen_.setSideB(process); }
     void dropAB() override { screen_.setSideB(std::nullopt); }
+    void setZoom(double zoom) override { screen_.setZoom(zoom); }
     void load(const FrameID& id) override { loads_.load(id); }
     void evict(const FrameID& id) override;
     void openedFrame(const FrameID& id) override;

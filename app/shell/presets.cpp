@@ -2,6 +2,8 @@
 
 #include "app/project/process_rules.h"
 #include "app/shell/app_model.h"
+#include "core/profiles/catalogue/profile_store.h"
+#include "core/text/error_words.h"
 #include "core/text/loc.h"
 
 namespace tamlo {
@@ -24,7 +26,7 @@ std::size_t Presets::apply(const std::vector<FrameID>& ids, const Preset& preset
                 {T("undo.presetApplied", {{"name", title}, {"what", blocksTail(preset.blocks)}})}, ids,
                 [&](Frame& frame) {
                     ProcessSettings settings = frame.process ? *frame.process : ProcessSettings::fresh();
-                    applyPreset(settings, preset, name, model_.store());
+                    tamlo::applyPreset(settings, preset, name, model_.store());
                     model_.rack.give(frame, std::move(settings));
                 })
             .size();
@@ -35,6 +37,16 @@ std::size_t Presets::apply(const std::vector<FrameID>& ids, const Preset& preset
     return changed;
 }
 
+void Presets::applyPreset(const std::string& id, const PresetSchema::Blocks& blocks)
+{
+    try {
+        const PresetDocument document = model_.store().presetDocument(id);
+        applyToTargets(document.typed(blocks.empty() ? document.blocks() : blocks), id);
+    } catch (const std::exception& error) {
+        model_.tellFailure(ErrorWords::of(error));
+    }
+}
+
 void Presets::applyToTargets(const Preset& preset, const std::string& name)
 {
     if (!model_.sides.editsB()) {
@@ -42,7 +54,7 @@ void Presets::applyToTargets(const Preset& preset, const std::string& name)
         return;
     }
     ProcessSettings settings = *model_.sides.abB();
-    applyPreset(settings, preset, name, model_.store());
+    tamlo::applyPreset(settings, preset, name, model_.store());
     model_.sides.setB(settings);
 }
 

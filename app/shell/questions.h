@@ -4,6 +4,7 @@
 
 #include "app/export/export_run.h"
 #include "app/project/folder_scan.h"
+#include "core/profiles/catalogue/preset_library.h"
 
 #include <cstddef>
 #include <functional>
@@ -44,6 +45,13 @@ struct QuestionText {
 
 enum class ApplyTo { onlyEmpty, every };
 
+/// What a screen shows of a question whose answer is a name.
+struct NameQuestion {
+    QuestionText text;
+    std::string placeholder; ///< shown in the empty field
+    std::string name;        ///< what stands in the field at first
+};
+
 struct Questions {
     virtual ~Questions() = default;
 
@@ -60,6 +68,18 @@ struct Questions {
     /// What to do where an exported file would take a name that stands. mayReplace: a photograph of the roll
     /// is never replaced.
     virtual void exportExists(const QuestionText& text, bool mayReplace, Answer<ExportClashReply> answer) = 0;
+
+    // Of the catalogue. Whoever shows no catalogue need not answer: each is cancelled then.
+
+    /// What a preset is to be called.
+    virtual void presetName(const NameQuestion&, Answer<std::string>) {}
+    /// Whether a preset goes: a user's own to the trash, one of the program's out of the list.
+    virtual void deletePreset(const QuestionText&, Answer<bool>) {}
+    /// Whether a user's profile goes to the trash.
+    virtual void deleteProfile(const QuestionText&, Answer<bool>) {}
+    /// What to do with a preset or a profile whose id is taken. mayReplace: the one that is there is the
+    /// user's.
+    virtual void idTaken(const QuestionText&, bool /*mayReplace*/, Answer<PresetConflict>) {}
 };
 
 /// Answers at once with what was decided beforehand, and cancels what was not.
@@ -69,6 +89,9 @@ struct HeadlessQuestions : Questions {
     std::optional<bool> removePicked;
     std::optional<bool> linkOther;
     std::optional<ExportClashReply> exportReply;
+    std::optional<std::string> nameChoice;
+    std::optional<bool> deleteFromCatalogue;
+    std::optional<PresetConflict> conflictChoice;
     bool linkWhatIsNearby = false; ///< an offer: what is not wanted was not left undecided
     std::size_t cancelled = 0;     ///< questions that nothing had decided
 
@@ -83,6 +106,19 @@ struct HeadlessQuestions : Questions {
     void exportExists(const QuestionText&, bool, Answer<ExportClashReply> answer) override
     {
         settle(exportReply, answer);
+    }
+    void presetName(const NameQuestion&, Answer<std::string> answer) override { settle(nameChoice, answer); }
+    void deletePreset(const QuestionText&, Answer<bool> answer) override
+    {
+        settle(deleteFromCatalogue, answer);
+    }
+    void deleteProfile(const QuestionText&, Answer<bool> answer) override
+    {
+        settle(deleteFromCatalogue, answer);
+    }
+    void idTaken(const QuestionText&, bool, Answer<PresetConflict> answer) override
+    {
+        settle(conflictChoice, answer);
     }
 
 private:

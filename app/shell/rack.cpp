@@ -5,6 +5,7 @@
 #include "app/shell/knob_changes.h"
 #include "core/text/loc.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace tamlo {
@@ -80,7 +81,8 @@ void Rack::give(Frame& frame, Shared<ProcessSettings> process, Refit refit) cons
 void Rack::setRackSettings(const ProcessSettings& to)
 {
     if (model_.sides.editsB()) return model_.sides.setB(turned(*model_.sides.abB(), to));
-    takeSettings(to);
+    const FrameRef frame = model_.selection.currentFrame();
+    if (frame) takeSettings(turned(settingsOf(*frame), to));
 }
 
 void Rack::takeSettings(const ProcessSettings& to)
@@ -88,15 +90,14 @@ void Rack::takeSettings(const ProcessSettings& to)
     const FrameRef frame = model_.selection.currentFrame();
     if (!frame || model_.selection.screen() != Screen::develop) return;
     const ProcessSettings from = settingsOf(*frame);
-    const ProcessSettings after = turned(from, to);
-    if (after == from) return;
+    if (to == from) return;
     History::Change step{T("undo.startPrinting")};
     if (frame->process) {
-        KnobChange knob = changeOf(from, after, model_.store());
+        KnobChange knob = changeOf(from, to, model_.store());
         step = {std::move(knob.name), "frame:" + knob.key};
     }
     model_.editFrames(std::move(step), {frame->id},
-                      [&](Frame& changed) { give(changed, after, Refit::automaticAndBeyond); });
+                      [&](Frame& changed) { give(changed, to, Refit::automaticAndBeyond); });
 }
 
 std::size_t Rack::change(const FrameIDs& ids, const Change& change)
@@ -181,10 +182,19 @@ void Rack::rerollRack(Seeds::SeedStream stream)
     model_.sides.setB(settings);
 }
 
+void Rack::resetSettingsOfTargets()
+{
+    if (model_.sides.editsB()) return model_.sides.setB(ProcessSettings::fresh());
+    resetSettings(model_.selection.actionTargets());
+}
+
 std::size_t Rack::resetSettings(const FrameIDs& ids)
 {
-    const std::string name =
-        ids.size() == 1 ? T("undo.resetSettings") : T("undo.resetSettingsMany", {{"n", ids.size()}});
+    const auto n = std::ranges::count_if(ids, [&](const FrameID& id) {
+        const FrameRef frame = model_.project().frame(id);
+        return frame && frame->process;
+    });
+    const std::string name = n == 1 ? T("undo.resetSettings") : T("undo.resetSettingsMany", {{"n", n}});
     return model_.editFrames({name}, ids, [&](Frame& frame) { give(frame, std::nullopt); }).size();
 }
 

@@ -25,7 +25,7 @@ public:
     ProcessSettings rackSettings() const;
     /// A knob was turned: one step a gesture. Only on the develop screen; on side B of two, without a step.
     void setRackSettings(const ProcessSettings& to);
-    /// Settings for the frame on the develop screen, named by what they change.
+    /// Settings for the frame on the develop screen as they stand, in a step named by what they change.
     void takeSettings(const ProcessSettings& to);
 
     /// Changes the process of frames as one step; a frame without one starts from a fresh one. Returns how
@@ -41,6 +41,8 @@ public:
     void rerollRack(Seeds::SeedStream stream);
     /// Makes originals of frames.
     std::size_t resetSettings(const FrameIDs& ids);
+    /// The same of the targets; side B of two becomes a fresh process.
+    void resetSettingsOfTargets();
 
     /// Gives a frame a process that something else than a knob has made; its crop follows the format.
     void give(Frame& frame, Shared<ProcessSettings> process, Refit refit = Refit::automatic) const;

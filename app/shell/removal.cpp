@@ -63,7 +63,10 @@ void Removal::take(const FrameIDs& ids)
         model_.sides.exitAB();
     }
     for (const FrameID& id : ids) model_.seams().views.evict(id);
-    selection.setCursor(cursor);
+    if (selection.screen() == Screen::develop && cursor != selection.cursor())
+        cursor ? selection.openFrame(*cursor) : selection.backToGrid();
+    else
+        selection.setCursor(cursor);
     selection.normalize();
 }
 

@@ -65,10 +65,7 @@ void Selection::openFrame(const FrameID& id)
 {
     if (!model_.project().frame(id)) return;
     model_.beginAction();
-    if (id != cursor_) {
-        model_.cropping.applyCropAndExit();
-        model_.sides.exitAB();
-    }
+    if (id != cursor_) model_.cropping.applyCropAndExit();
     setCursor(id);
     screen_ = Screen::develop;
     model_.observers.note(Concern::selection);
@@ -77,7 +74,10 @@ void Selection::openFrame(const FrameID& id)
 
 void Selection::setCursor(std::optional<FrameID> id)
 {
-    if (id != cursor_) model_.endGesture(); // the same knob on another frame is another step
+    if (id != cursor_) {
+        model_.endGesture(); // the same knob on another frame is another step
+        model_.sides.exitAB();
+    }
     cursor_ = std::move(id);
     model_.observers.note(Concern::selection);
 }
@@ -87,7 +87,7 @@ void Selection::select(const FrameIDs& ids)
     selected_ = {ids.begin(), ids.end()};
     if (!ids.empty()) {
         anchor_ = ids.front();
-        setCursor(ids.front());
+        if (screen_ == Screen::grid) setCursor(ids.front());
     }
     normalize();
 }
@@ -149,17 +149,29 @@ void Selection::goTo(std::ptrdiff_t visibleIndex, bool extend)
 
 void Selection::step(int delta, bool extend)
 {
-    const FrameIDs visible = visibleIDs();
-    const auto at = cursor_ ? std::ranges::find(visible, *cursor_) : visible.end();
-    if (at != visible.end()) goTo(at - visible.begin() + delta, extend);
+    if (const auto from = placeToStepFrom(visibleIDs(), delta)) goTo(*from + delta, extend);
+}
+
+std::optional<std::ptrdiff_t> Selection::placeToStepFrom(const FrameIDs& visible, int delta) const
+{
+    if (!cursor_) return std::nullopt;
+    const auto at = std::ranges::find(visible, *cursor_);
+    if (at != visible.end()) return at - visible.begin();
+    // The frame that is looked at has just been hidden by its mark: it stands between its neighbours.
+    const auto places = model_.project().frames.places();
+    const auto here = places.find(*cursor_);
+    if (here == places.end()) return std::nullopt;
+    const auto before =
+        std::ranges::count_if(visible, [&](const FrameID& id) { return places.at(id) < here->second; });
+    return delta > 0 ? before - 1 : before;
 }
 
 void Selection::stepRow(int delta, bool extend)
 {
     const FrameIDs visible = visibleIDs();
-    const auto at = cursor_ ? std::ranges::find(visible, *cursor_) : visible.end();
-    if (at == visible.end()) return;
-    const std::ptrdiff_t to = at - visible.begin() + std::ptrdiff_t{delta} * gridColumns_;
+    const auto from = placeToStepFrom(visible, delta);
+    if (!from || visible.empty()) return;
+    const std::ptrdiff_t to = *from + std::ptrdiff_t{delta} * gridColumns_;
     goTo(std::clamp<std::ptrdiff_t>(to, 0, std::ssize(visible) - 1), extend);
 }
 
@@ -177,14 +189,15 @@ void Selection::extendSelection(const FrameID& to)
     if (b < a) std::swap(a, b);
     selected_ = {a, b + 1};
     anchor_ = from;
-    setCursor(to);
+    model_.observers.note(Concern::selection);
+    if (screen_ == Screen::grid) setCursor(to);
 }
 
 void Selection::toggleSelection(const FrameID& id)
 {
     if (selected_.erase(id) == 0) selected_.insert(id);
     anchor_ = id;
-    setCursor(id);
+    if (screen_ == Screen::grid) setCursor(id);
     normalize();
 }
 
@@ -207,6 +220,7 @@ void Selection::backToGrid()
     model_.beginAction();
     model_.cropping.applyCropAndExit();
     model_.sides.exitAB();
+    model_.endGesture();
     screen_ = Screen::grid;
     normalize();
     model_.seams().views.backToGrid();

@@ -68,6 +68,8 @@ public:
 
 private:
     void goTo(std::ptrdiff_t visibleIndex, bool extend);
+    /// The cursor's place among the visible frames; of a hidden one, that beside which a step begins.
+    std::optional<std::ptrdiff_t> placeToStepFrom(const FrameIDs& visible, int delta) const;
 
     AppModel& model_;
     int gridColumns_ = 6;

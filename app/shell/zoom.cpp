@@ -71,6 +71,7 @@ void Zoom::setZoom(double zoom)
     zoom_ = limited(zoom);
     pan_ = {pan_.x * zoom_ / before, pan_.y * zoom_ / before}; // the centre stays
     clampPan();
+    model_.seams().views.setZoom(zoom_);
 }
 
 void Zoom::stepZoom(int direction)
@@ -111,6 +112,7 @@ void Zoom::reset()
     model_.observers.note(Concern::frameView);
     zoom_ = 1;
     pan_ = {};
+    model_.seams().views.setZoom(zoom_);
 }
 
 void Zoom::clampPan()

@@ -305,6 +305,23 @@ TEST_F(Views, PeeksAndProofsMakeNoTierAndNoTile)
     settle([&] { return peeked >= 0; });
     EXPECT_EQ(peeked, 50);
     sources_.held = true;
+    int ended = 0;
+    const auto wantStale = [&](const KeyedRenderer::Outcome& outcome) {
+        ++ended;
+        EXPECT_TRUE(std::holds_alternative<KeyedRenderer::Stale>(outcome));
+    };
+    screen().peek(other, 512, wantStale); // the one after it takes its place
+    screen().peek(other, 512, wantStale);
+    screen().endPeek();
+    sources_.held = false;
+    settle([&] { return ended == 2; });
+    const std::size_t peeks = sources_.count("peek");
+    screen().peek(other, 512, wantStale);
+    const auto isRendered = [&] { return sources_.count("peek") > peeks; };
+    while (!isRendered()) std::this_thread::yield();
+    screen().endPeek(); // its answer may be on the way
+    settle([&] { return ended == 3; });
+    sources_.held = true;
     screen().proof({other, other, other}, 256, [&](std::size_t, const KeyedRenderer::Outcome& outcome) {
         ++proofs;
         stale += std::holds_alternative<KeyedRenderer::Stale>(outcome);

@@ -61,6 +61,35 @@ TEST_F(NavigationTest, KeysWalkTheVisibleFrames)
     EXPECT_EQ(s.screen(), Screen::develop);
     EXPECT_EQ(cursor(), 3u);
     EXPECT_EQ(s.actionTargets(), ids({3}));
+    model_.marks.markCurrent(Mark::rejected); // and out of sight, under the eyes
+    EXPECT_EQ(cursor(), 3u);
+    s.step(-1);
+    EXPECT_EQ(cursor(), 1u);
+    s.openFrame(roll()[3].id);
+    s.step(1);
+    EXPECT_EQ(cursor(), 4u);
+}
+
+TEST_F(NavigationTest, TheDevelopScreenGoesOnWhenItsFrameGoes)
+{
+    open(3);
+    model_.selection.openFrame(roll()[1].id);
+    model_.sides.enterAB();
+    const FrameID next = roll()[2].id;
+    model_.removal.removeSelected(false);
+    EXPECT_EQ(views_.opened, next);
+    EXPECT_FALSE(model_.sides.abEnabled());
+    model_.removal.removeSelected(false);
+    EXPECT_EQ(views_.opened, roll()[0].id) << "the nearest before";
+    model_.removal.removeSelected(false);
+    EXPECT_EQ(views_.opened, std::nullopt);
+    EXPECT_EQ(model_.selection.screen(), Screen::grid);
+    model_.undoTo(1);
+    model_.selection.openFrame(next);
+    model_.sides.enterAB();
+    model_.undoTo(2); // forward: it is removed again
+    EXPECT_EQ(roll().size(), 1u);
+    EXPECT_FALSE(model_.sides.abEnabled()) << "its two sides go with it";
 }
 
 TEST_F(NavigationTest, AMarkGoesOnWhereTheUserWantsIt)
@@ -122,12 +151,29 @@ TEST_F(NavigationTest, SideBLeavesNoStepUntilItIsTaken)
     EXPECT_EQ(steps(), 1u);
     EXPECT_EQ(roll()[1].process->options.grade, 4.5);
     EXPECT_FALSE(model_.sides.abEnabled());
+    model_.undo();
     model_.sides.enterAB();
     model_.sides.focusAB(Sides::ABSide::b);
     model_.rack.setRackSettings(graded(1));
+    model_.copying.copySettings();
+    model_.rack.resetSettingsOfTargets();
+    EXPECT_EQ(model_.rack.rackSettings(), ProcessSettings::fresh());
+    model_.copying.pasteSettings();
+    EXPECT_EQ(model_.rack.rackSettings().options.grade, 1)
+        << "what is seen is copied, and pasted where it is seen";
+    model_.copying.copyBlock("PRINTING", {PresetBlock::print});
+    model_.rack.setRackSettings(graded(3));
+    model_.copying.pasteBlock();
+    EXPECT_EQ(model_.rack.rackSettings().options.grade, 1);
     model_.selection.step(1);
     EXPECT_FALSE(model_.sides.abEnabled()) << "another frame keeps A";
-    EXPECT_EQ(steps(), 1u);
+    EXPECT_EQ(steps(), 0u);
+    model_.sides.enterAB();
+    model_.sides.focusAB(Sides::ABSide::b);
+    model_.presets.applyToTargets(store_.preset("tintype"), "tintype");
+    model_.sides.exitAB(Sides::ABSide::b);
+    EXPECT_EQ(model_.selection.currentProcess().stock, "collodion_wet");
+    EXPECT_FALSE(model_.selection.currentProcess().modified) << "nothing has moved since the recipe";
 }
 
 TEST_F(NavigationTest, ARerollIsAStepOfItsOwn)
@@ -165,6 +211,7 @@ TEST_F(NavigationTest, ZoomGoesByRungsAndKeepsWithinThePicture)
     EXPECT_EQ(zoom.zoom(), 1) << "the ladder's end";
     zoom.toggleOneToOne();
     EXPECT_EQ(zoom.zoomLabel(), "100%");
+    EXPECT_EQ(views_.zoom, zoom.zoom()) << "the tiers follow";
     zoom.setPan({9000, -9000});
     EXPECT_NEAR(zoom.pan().x, (600 * zoom.zoom() - 1600) / 2, 1e-6);
     zoom.setZoomPercent(100.3);

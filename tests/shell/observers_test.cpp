@@ -136,6 +136,9 @@ TEST_F(ObserversTest, TheHistoryTellsWhenAndWhichFrames)
     EXPECT_TRUE(rows[1].isUndone);
     model_.undoTo(0);
     EXPECT_TRUE(historyRows(model_)[0].isUndone);
+    model_.undoTo(rows[1].stepsLeft);
+    EXPECT_FALSE(historyRows(model_)[1].isUndone) << "a row that was undone is gone to by doing it again";
+    EXPECT_EQ(roll().size(), 3u);
 }
 
 } // namespace

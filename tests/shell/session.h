@@ -19,21 +19,24 @@ struct RecordingViews : FrameViews {
     void renderThumbs(const std::vector<FrameID>& ids) override { rendered += ids.size(); }
     void load(const FrameID&) override { ++loaded; }
     void renderAB(const ProcessSettings&) override { ++renderedB; }
+    void openedFrame(const FrameID& id) override { opened = id; }
+    void backToGrid() override { opened.reset(); }
+    void setZoom(double to) override { zoom = to; }
     std::size_t rendered = 0, loaded = 0, renderedB = 0;
+    std::optional<FrameID> opened; ///< on the develop screen
+    double zoom = 1;
+};
+
+/// The user's root for as long as it lives: before a store is made, which asks for it once.
+struct UserRoot : ScratchFolder {
+    UserRoot() { setenv("TAMLO_USER_DIR", path().c_str(), 1); }
+    ~UserRoot() { unsetenv("TAMLO_USER_DIR"); }
 };
 
 class SessionTest : public testing::Test {
 protected:
-    SessionTest()
-    {
-        Loc::setOverride(Loc::Lang::en);
-        setenv("TAMLO_USER_DIR", userFolder_.path().c_str(), 1);
-    }
-    ~SessionTest() override
-    {
-        unsetenv("TAMLO_USER_DIR");
-        Loc::setOverride(std::nullopt);
-    }
+    SessionTest() { Loc::setOverride(Loc::Lang::en); }
+    ~SessionTest() override { Loc::setOverride(std::nullopt); }
 
     /// Turns the loop until work elsewhere has come back.
     void settle(const std::function<bool()>& done)
@@ -60,7 +63,7 @@ protected:
     std::size_t steps() const { return model_.history().undoStack().size(); }
     std::string topName() const { return steps() ? model_.history().undoStack().back().name : ""; }
 
-    ScratchFolder userFolder_;
+    UserRoot userFolder_;
     VirtualLoop loop_;
     ProfileStore store_;
     HeadlessQuestions questions_;

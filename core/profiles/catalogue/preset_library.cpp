@@ -245,6 +245,7 @@ void ProfileStore::renamePreset(const std::string& id, const std::string& name)
     PresetDocument document;
     document.json = PresetDocument::decode(UserFiles::read(*entry->url));
     document.setName(name);
+    if (document.json.contains("name_en")) document.json["name_en"] = name; // or the old one would be shown
     write(document, entry->url);
 }
 
