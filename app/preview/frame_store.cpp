@@ -21,7 +21,8 @@ constexpr std::size_t kMostFine = 2;
 
 std::int64_t bytesOf(const FrameSource& source)
 {
-    return static_cast<std::int64_t>(source.proxy.data.size() * sizeof(float));
+    return static_cast<std::int64_t>((source.proxy.data.size() + source.lights.missing.data.size()) *
+                                     sizeof(float));
 }
 
 bool sameFile(const std::optional<platform::FileInfo>& a, const std::optional<platform::FileInfo>& b)
@@ -310,6 +311,13 @@ std::optional<SourceExposure::Stats> FrameStore::exportStats(const Frame& frame,
         if (const auto shape = cache_->readShape(ProxyFile::key(*fingerprint, wb)); shape && shape->stats)
             return shape->stats;
     return SourceExposure::stats(SourceExposure::luminance(decoded));
+}
+
+DisplayLights::Map FrameStore::exportLights(const Frame& frame, const RGBImage& decoded)
+{
+    if (ImageLoader::isRAW(frame.url)) return {};
+    const SourceRef known = source(frame.id);
+    return known ? known->lights : SourceDecode::lights(decoded);
 }
 
 void FrameStore::evict(const FrameID& id)

@@ -79,6 +79,9 @@ public:
     /// the decoded picture. Absent for a picture that is no RAW file. From any thread.
     std::optional<SourceExposure::Stats> exportStats(const Frame& frame, WBMode wb, const RGBImage& decoded);
 
+    /// The same of what the lights of a display picture lack; empty for a RAW file.
+    DisplayLights::Map exportLights(const Frame& frame, const RGBImage& decoded);
+
     /// Forgets all pictures of a frame, and what is being loaded of it.
     void evict(const FrameID& id);
     /// Frees the large slot, unless it is this frame's.
