@@ -13,7 +13,7 @@ namespace {
 constexpr Knob kKnobs[] = {
     {"ev", "ev", 0.1},
     {"src_exposure", "srcExposure"},
-    {"src_lights", "srcLights"},
+    {"src_lights", "srcLights", 0.05},
     {"wb_mode", "wbMode"},
     {"wb_temp", "wbTemp", 1},
     {"wb_tint", "wbTint", 1},
