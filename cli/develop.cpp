@@ -120,7 +120,7 @@ private:
         render.options.printEv = print.printEv;
         render.options.grade = print.grade;
         if (print.reasonKey)
-            return note(T("cli.autoPrintNot", {{"file", file}, {"reason", T(*print.reasonKey)}}));
+            return note(T("cli.autoPrintNot", {{"file", file}, {"reason", Pipeline::whyNot(print, render)}}));
         note(T("cli.autoPrint", {{"file", file},
                                  {"ev", Fmt::number(print.printEv, 2)},
                                  {"grade", Fmt::number(print.grade, 2)},

@@ -5,7 +5,6 @@
 #include "app/preview/render_process.h"
 #include "app/preview/source_decode.h"
 #include "app/preview/tiers.h"
-#include "core/film/light/display_lights.h"
 #include "core/image/cancellation.h"
 #include "core/image/orient.h"
 #include "core/io/image_loader.h"
@@ -208,8 +207,6 @@ void ExportRun::print(const Frame& frame, RGBImage image, const Path& target)
     const ProcessSettings process =
         renderProcess(*frame.process, frame, statsOf(frame, image), settings_.cropGate, &settings_.frames);
     RenderChoices choices = choicesOf(process, store_);
-    if (!ImageLoader::isRAW(frame.url))
-        image = DisplayLights::restore(std::move(image), choices.options.srcLights);
     const Pipeline::OutputPlan plan =
         Pipeline::outputPlan(image.size(), choices.film, choices.paper, choices.options, 1.0);
     image = lit(frame, std::move(image), process.options.srcLights);

@@ -138,6 +138,16 @@ FrameStore::Loaded FrameStore::loadNow(const Frame& frame, WBMode wb, bool cache
     }
 }
 
+FrameStore::SourceRef FrameStore::loadHere(const Frame& frame, bool hasFile)
+{
+    const WBMode wb = ProxyFile::wbOf(frame);
+    const SourceRef known = source(frame.id);
+    if (known && (known->wb == wb || !known->isRAW || !hasFile)) return known;
+    if (hasFile) return std::make_shared<const FrameSource>(decodeProxy(frame, wb));
+    std::optional<FrameSource> cached = cachedProxy(frame, wb, false);
+    return cached ? std::make_shared<const FrameSource>(std::move(*cached)) : nullptr;
+}
+
 std::optional<FrameSource> FrameStore::cachedProxy(const Frame& frame, WBMode wb, bool fileIsThere)
 {
     if (!cache_ || !frame.fingerprint) return std::nullopt;

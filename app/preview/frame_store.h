@@ -61,6 +61,10 @@ public:
     /// From memory or from the cache, for a frame whose file is away.
     void loadCachedProxy(const FrameRef& frame, WBMode wb, std::function<void(Loaded)> completion);
 
+    /// The same on the calling thread, any one, and nothing of it is kept; null where the cache alone is
+    /// asked and has none. Errors: those of ImageLoader.
+    SourceRef loadHere(const Frame& frame, bool hasFile);
+
     struct Detail {
         std::int64_t longSide = 0;
         std::int64_t capLongPx = 0; ///< of the source; 0 for none

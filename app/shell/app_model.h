@@ -15,6 +15,7 @@
 #include "app/shell/observers.h"
 #include "app/shell/ordering.h"
 #include "app/shell/presets.h"
+#include "app/shell/printers_eye.h"
 #include "app/shell/questions.h"
 #include "app/shell/rack.h"
 #include "app/shell/recents.h"
@@ -152,6 +153,7 @@ public:
     Recents recents{*this};
     Saver saver{*this};
     Exporter exporter{*this};
+    PrintersEye printersEye{*this};
 };
 
 } // namespace tamlo

@@ -74,6 +74,8 @@ void LiveViews::attach(AppModel& model)
             return frames.exportStats(frame, wb, image);
         },
         [&frames](const Frame& frame, const RGBImage& image) { return frames.exportLights(frame, image); });
+    model.printersEye.setSource(
+        [&frames](const FrameRef& frame, bool hasFile) { return frames.loadHere(*frame, hasFile); });
     daily_ = previews_.loop.every(kDaySeconds, [this] { trimLater(); });
 }
 

@@ -2,9 +2,11 @@
 
 #include "core/image/luminance.h"
 #include "core/image/source_exposure.h"
+#include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/idle_options.h"
 #include "core/pipeline/pipeline.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -70,11 +72,20 @@ RenderOptions bare(RenderOptions options)
     return options;
 }
 
+/// What a crop leaves of the frame is looked at, as large as a whole one where the frame has so much.
+std::int64_t lookedAtLong(Size frame, const RenderOptions& options)
+{
+    const Size picture = Pipeline::croppedSize(options.crop, frame);
+    const double part = static_cast<double>(std::max(picture.width, picture.height)) /
+                        static_cast<double>(std::max<std::int64_t>(std::max(frame.width, frame.height), 1));
+    return std::llround(static_cast<double>(longPx) / std::clamp(part, 0.01, 1.0));
+}
+
 /// Prints a frame at several settings and looks at the result.
 class Eye {
 public:
     Eye(const RGBImage& frame, const RenderChoices& choices, const RenderHooks& hooks)
-        : frame_(resized(frame, longPx)), choices_(choices)
+        : frame_(resized(frame, lookedAtLong(frame.size(), choices.options))), choices_(choices)
     {
         backend_.hooks.shouldCancel = hooks.shouldCancel;
         choices_.options = bare(choices.options);
@@ -193,6 +204,15 @@ PrintTones backOff(const Eye& eye, const PrintTones& before, const Setting& neut
 }
 
 } // namespace
+
+std::string Pipeline::whyNot(const AutoPrint& print, const RenderChoices& choices)
+{
+    if (!print.reasonKey) return {};
+    const auto title = [](const auto& profile) {
+        return Loc::pick(profile.name.value_or(""), profile.nameEn);
+    };
+    return T(*print.reasonKey, {{"film", title(choices.film)}, {"paper", title(choices.paper)}});
+}
 
 PrintTones Pipeline::printTones(const RGBImage& print, double white)
 {

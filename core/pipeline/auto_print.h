@@ -47,6 +47,9 @@ struct AutoPrint {
 AutoPrint autoPrint(const RGBImage& frame, const RenderChoices& choices,
                     const std::set<std::string>& held = {}, const RenderHooks& hooks = {});
 
+/// Why nothing is changed, in the user's language; empty where something is.
+std::string whyNot(const AutoPrint& print, const RenderChoices& choices);
+
 /// The tones of a finished print whose paper is `white` bright.
 PrintTones printTones(const RGBImage& print, double white);
 
