@@ -1,6 +1,7 @@
 #include "cli/develop.h"
 
 #include "app/export/finished_print.h"
+#include "app/preview/source_decode.h"
 #include "cli/develop_choices.h"
 #include "cli/develop_jobs.h"
 #include "cli/input_files.h"
@@ -10,7 +11,6 @@
 #include "cli/progress.h"
 #include "cli/run_report.h"
 #include "cli/usage_error.h"
-#include "core/film/light/display_lights.h"
 #include "core/image/cancellation.h"
 #include "core/image/random.h"
 #include "core/image/render_profiler.h"
@@ -86,7 +86,10 @@ public:
         });
         cancellationPoint();
         // Of the whole source, whatever --long says: a light of few pixels is lost in a reduced one.
-        image = DisplayLights::restore(std::move(image), render.options.srcLights);
+        if (render.options.srcLights > 0.0) {
+            const DisplayLights::Map lights = SourceDecode::lights(image);
+            image = DisplayLights::restore(std::move(image), lights, render.options.srcLights);
+        }
         // Every length of the simulation is physical: a reduced source makes the same picture.
         if (one.sourceLong > 0) image = resized(std::move(image), one.sourceLong);
         if (arguments_.autoPrint) exposePrint(image, job, render);
@@ -117,7 +120,7 @@ private:
         render.options.printEv = print.printEv;
         render.options.grade = print.grade;
         if (print.reasonKey)
-            return note(T("cli.autoPrintNot", {{"file", file}, {"reason", T(*print.reasonKey)}}));
+            return note(T("cli.autoPrintNot", {{"file", file}, {"reason", Pipeline::whyNot(print, render)}}));
         note(T("cli.autoPrint", {{"file", file},
                                  {"ev", Fmt::number(print.printEv, 2)},
                                  {"grade", Fmt::number(print.grade, 2)},

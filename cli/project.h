@@ -25,6 +25,7 @@ int run(RollSession& session, const ProjectShowArguments& arguments, std::ostrea
 int run(RollSession& session, const ProjectCheckArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectSetArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectPresetArguments& arguments, std::ostream& results);
+int run(RollSession& session, const ProjectAutoPrintArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectMarkArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectTurnArguments& arguments, std::ostream& results);
 int run(RollSession& session, const ProjectCopyArguments& arguments, std::ostream& results);

@@ -98,6 +98,9 @@ void describeEdits(CLI::App& project, ProjectCommand& into)
     place(*preset.app, "ID|FILE", preset.arguments->preset, "cli.help.preset");
     preset.app->add_option("--blocks", preset.arguments->blocks, T("cli.help.project.blocks"))
         ->type_name("NAME,NAME");
+    const auto eye =
+        addVerb<ProjectAutoPrintArguments>(project, "autoprint", "cli.help.project.autoprint", into);
+    takeFrames(*eye.app, *eye.arguments);
     const auto mark = addVerb<ProjectMarkArguments>(project, "mark", "cli.help.project.mark", into);
     takeFrames(*mark.app, *mark.arguments);
     choice(place(*mark.app, "MARK", mark.arguments->mark, "cli.help.project.markWord"),

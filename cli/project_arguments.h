@@ -36,6 +36,7 @@ struct ProjectPresetArguments : RollArguments {
     std::string preset; ///< id, or a file
     std::optional<std::string> blocks;
 };
+struct ProjectAutoPrintArguments : RollArguments {};
 struct ProjectMarkArguments : RollArguments {
     std::string mark;
 };
@@ -116,12 +117,12 @@ struct ProjectRecentArguments {
 
 using ProjectCommand =
     std::variant<std::monostate, ProjectAddArguments, ProjectShowArguments, ProjectCheckArguments,
-                 ProjectSetArguments, ProjectPresetArguments, ProjectMarkArguments, ProjectTurnArguments,
-                 ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments, ProjectResetArguments,
-                 ProjectRemoveArguments, ProjectOrderArguments, ProjectCropArguments, ProjectRerollArguments,
-                 ProjectLocateArguments, ProjectBackupsArguments, ProjectRestoreArguments,
-                 ProjectRecentArguments, ProjectPreviewArguments, ProjectExportArguments,
-                 ProjectSheetArguments>;
+                 ProjectSetArguments, ProjectPresetArguments, ProjectAutoPrintArguments, ProjectMarkArguments,
+                 ProjectTurnArguments, ProjectCopyArguments, ProjectPasteArguments, ProjectApplyArguments,
+                 ProjectResetArguments, ProjectRemoveArguments, ProjectOrderArguments, ProjectCropArguments,
+                 ProjectRerollArguments, ProjectLocateArguments, ProjectBackupsArguments,
+                 ProjectRestoreArguments, ProjectRecentArguments, ProjectPreviewArguments,
+                 ProjectExportArguments, ProjectSheetArguments>;
 
 /// Adds the command with its verbs; the one that is called ends up in `into`, which outlives the parser.
 void describeProject(CLI::App& app, ProjectCommand& into);

@@ -1,4 +1,4 @@
-// tamlo project set, preset, mark, turn, reset, remove.
+// tamlo project set, preset, autoprint, mark, turn, reset, remove.
 
 #include "cli/catalogue.h"
 #include "cli/messages.h"
@@ -66,6 +66,32 @@ int run(RollSession& session, const ProjectPresetArguments& arguments, std::ostr
     for (const std::string& note : document.warnings) tellNote(note);
     return concluded(session, session.model().presets.apply(ids, document.typed(blocks), document.id()),
                      results);
+}
+
+int run(RollSession& session, const ProjectAutoPrintArguments& arguments, std::ostream& results)
+{
+    PrintersEye& eye = session.model().printersEye;
+    std::optional<PrintersEye::Report> report;
+    if (!eye.autoPrint(session.frames(arguments.frames),
+                       [&](const PrintersEye::Report& last) { report = last; }))
+        throw UsageError(T("cli.project.looking"));
+    session.waitUntil([&] { return report.has_value(); });
+    bool failed = false;
+    for (const PrintersEye::Seen& one : report->seen) {
+        const std::string label = session.project().label(one.id);
+        failed = failed || one.failed;
+        if (!one.why.empty())
+            tellNote(T("cli.autoPrintNot", {{"file", label}, {"reason", one.why}}));
+        else
+            results << T("cli.project.autoPrinted", {{"label", label},
+                                                     {"ev", Fmt::number(one.print.printEv, 2)},
+                                                     {"grade", Fmt::number(one.print.grade, 2)},
+                                                     {"white", Fmt::number(one.print.after.white, 0)},
+                                                     {"before", Fmt::number(one.print.before.white, 0)}})
+                    << std::endl;
+    }
+    concluded(session, report->changed, results);
+    return failed ? 1 : 0;
 }
 
 int run(RollSession& session, const ProjectMarkArguments& arguments, std::ostream& results)

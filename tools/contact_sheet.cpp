@@ -4,10 +4,10 @@
 // Each + adds a column with its options on top of the first ones.
 // --long is the long side of each picture on the sheet, 640 when it is not given.
 // Status: 0, 1 when a picture could not be developed, 2 for a wrong command line.
+#include "app/preview/source_decode.h"
 #include "cli/arguments.h"
 #include "cli/develop_choices.h"
 #include "cli/usage_error.h"
-#include "core/film/light/display_lights.h"
 #include "core/image/random.h"
 #include "core/image/source_exposure.h"
 #include "core/io/image_loader.h"
@@ -42,7 +42,7 @@ Source source(const std::filesystem::path& photo, const cli::DevelopChoices& cho
     RGBImage image = ImageLoader::loadLinear(photo, ImageLoader::decodeWBMode(options.wbMode),
                                              SourceExposure::fromKey(options.srcExposure), longPx);
     DisplayLights::Map lights;
-    if (!ImageLoader::isRAW(photo)) lights = DisplayLights::measure(image);
+    if (!ImageLoader::isRAW(photo)) lights = SourceDecode::lights(image);
     return {resized(std::move(image), longPx), std::move(lights)};
 }
 

@@ -145,9 +145,12 @@ std::array<RGBImage, 3> prints(const Photo& photo, const RenderChoices& choices)
     const Tiers::Caps caps = Tiers::capsOf(choices.film, choices.paper, choices.options, full);
     const std::int64_t whole = Tiers::fullLong(full, caps, 1.0);
     const std::int64_t screen = Tiers::neededLong(whole, caps, 1.0, kScreenLong);
-    const auto print = [&](RGBImage input) { return CPUBackend().process(std::move(input), choices); };
-    std::array<RGBImage, 3> out{print(photo.source.proxy), print(resized(photo.whole, screen)),
-                                print(resized(photo.whole, whole))};
+    const auto print = [&](const RGBImage& source, std::int64_t longPx) {
+        RGBImage lit = DisplayLights::restore(source, photo.source.lights, choices.options.srcLights);
+        return CPUBackend().process(resized(std::move(lit), longPx), choices);
+    };
+    std::array<RGBImage, 3> out{print(photo.source.proxy, ProxyFile::kProxyLong), print(photo.whole, screen),
+                                print(photo.whole, whole)};
     // All to one size: a short side that rounds the other way would lay the pictures a pixel apart.
     const Size size = resizedSize(out[2].size(), kComparedLong);
     for (RGBImage& tier : out)

@@ -173,6 +173,15 @@ std::optional<SourceExposure::Stats> ExportRun::statsOf(const Frame& frame, cons
     return SourceExposure::stats(SourceExposure::luminance(image));
 }
 
+/// A display picture with the light that its lights are given back.
+RGBImage ExportRun::lit(const Frame& frame, RGBImage image, double amount) const
+{
+    if (ImageLoader::isRAW(frame.url) || !(amount > 0.0)) return image;
+    const DisplayLights::Map lights =
+        events_.lights ? events_.lights(frame, image) : SourceDecode::lights(image);
+    return DisplayLights::restore(std::move(image), lights, amount);
+}
+
 void ExportRun::printOriginal(const Frame& frame, RGBImage image, const Path& target)
 {
     const double gain = originalGain(statsOf(frame, image));
@@ -190,10 +199,9 @@ void ExportRun::print(const Frame& frame, RGBImage image, const Path& target)
     const ProcessSettings process =
         renderProcess(*frame.process, frame, statsOf(frame, image), settings_.cropGate, &settings_.frames);
     RenderChoices choices = choicesOf(process, store_);
-    if (!ImageLoader::isRAW(frame.url))
-        image = DisplayLights::restore(std::move(image), choices.options.srcLights);
     const Pipeline::OutputPlan plan =
         Pipeline::outputPlan(image.size(), choices.film, choices.paper, choices.options, 1.0);
+    image = lit(frame, std::move(image), process.options.srcLights);
     CPUBackend backend;
     if (events_.fraction) backend.hooks.onProgress = events_.fraction;
     backend.hooks.shouldCancel = [this] { return cancelled(); };

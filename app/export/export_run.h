@@ -84,6 +84,8 @@ public:
         std::function<bool()> stops, cancels;
         /// What a RAW frame was measured at for its preview; absent: of the decoded picture.
         std::function<std::optional<SourceExposure::Stats>(const Frame&, WBMode, const RGBImage&)> stats;
+        /// What the lights of any other lacked there; absent: of the decoded picture.
+        std::function<DisplayLights::Map(const Frame&, const RGBImage&)> lights;
     };
 
     ExportRun(const ProfileStore& store, ExportSettings settings, const Photographs& photographs,
@@ -105,6 +107,7 @@ private:
     void print(const Frame& frame, RGBImage image, const Path& target);
     void printOriginal(const Frame& frame, RGBImage image, const Path& target);
     std::optional<SourceExposure::Stats> statsOf(const Frame& frame, const RGBImage& image) const;
+    RGBImage lit(const Frame& frame, RGBImage image, double amount) const;
     void writeSocial(RGBImage print, const RenderOptions& options, const Path& target,
                      const OutputMetadata& metadata);
     void noteWritten(const Path& file);

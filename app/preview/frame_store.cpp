@@ -21,7 +21,8 @@ constexpr std::size_t kMostFine = 2;
 
 std::int64_t bytesOf(const FrameSource& source)
 {
-    return static_cast<std::int64_t>(source.proxy.data.size() * sizeof(float));
+    return static_cast<std::int64_t>((source.proxy.data.size() + source.lights.missing.data.size()) *
+                                     sizeof(float));
 }
 
 bool sameFile(const std::optional<platform::FileInfo>& a, const std::optional<platform::FileInfo>& b)
@@ -135,6 +136,16 @@ FrameStore::Loaded FrameStore::loadNow(const Frame& frame, WBMode wb, bool cache
     } catch (const std::exception& error) {
         return {nullptr, error.what()};
     }
+}
+
+FrameStore::SourceRef FrameStore::loadHere(const Frame& frame, bool hasFile)
+{
+    const WBMode wb = ProxyFile::wbOf(frame);
+    const SourceRef known = source(frame.id);
+    if (known && (known->wb == wb || !known->isRAW || !hasFile)) return known;
+    if (hasFile) return std::make_shared<const FrameSource>(decodeProxy(frame, wb));
+    std::optional<FrameSource> cached = cachedProxy(frame, wb, false);
+    return cached ? std::make_shared<const FrameSource>(std::move(*cached)) : nullptr;
 }
 
 std::optional<FrameSource> FrameStore::cachedProxy(const Frame& frame, WBMode wb, bool fileIsThere)
@@ -310,6 +321,13 @@ std::optional<SourceExposure::Stats> FrameStore::exportStats(const Frame& frame,
         if (const auto shape = cache_->readShape(ProxyFile::key(*fingerprint, wb)); shape && shape->stats)
             return shape->stats;
     return SourceExposure::stats(SourceExposure::luminance(decoded));
+}
+
+DisplayLights::Map FrameStore::exportLights(const Frame& frame, const RGBImage& decoded)
+{
+    if (ImageLoader::isRAW(frame.url)) return {};
+    const SourceRef known = source(frame.id);
+    return known ? known->lights : SourceDecode::lights(decoded);
 }
 
 void FrameStore::evict(const FrameID& id)

@@ -61,6 +61,10 @@ public:
     /// From memory or from the cache, for a frame whose file is away.
     void loadCachedProxy(const FrameRef& frame, WBMode wb, std::function<void(Loaded)> completion);
 
+    /// The same on the calling thread, any one, and nothing of it is kept; null where the cache alone is
+    /// asked and has none. Errors: those of ImageLoader.
+    SourceRef loadHere(const Frame& frame, bool hasFile);
+
     struct Detail {
         std::int64_t longSide = 0;
         std::int64_t capLongPx = 0; ///< of the source; 0 for none
@@ -78,6 +82,9 @@ public:
     /// What an export multiplies a RAW frame by comes from here: what was measured for its preview, else of
     /// the decoded picture. Absent for a picture that is no RAW file. From any thread.
     std::optional<SourceExposure::Stats> exportStats(const Frame& frame, WBMode wb, const RGBImage& decoded);
+
+    /// The same of what the lights of a display picture lack; empty for a RAW file.
+    DisplayLights::Map exportLights(const Frame& frame, const RGBImage& decoded);
 
     /// Forgets all pictures of a frame, and what is being loaded of it.
     void evict(const FrameID& id);

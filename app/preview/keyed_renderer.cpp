@@ -173,6 +173,10 @@ KeyedRenderer::Render viewRender(const ProfileStore& store, CalibrationCache* ca
             const CancellationScope cancellation(shouldCancel);
             RGBImage image = request.source ? request.source() : std::move(request.image);
             request.image = {};
+            // Ahead of the reduction, in which a light of few pixels is lost.
+            if (request.process)
+                image = DisplayLights::restore(std::move(image), request.lights,
+                                               request.process->options.srcLights);
             if (request.inputLong) image = resized(std::move(image), *request.inputLong);
             if (!request.process) {
                 out = originalPicture(std::move(image), request);

@@ -32,6 +32,7 @@ public:
     struct Request {
         RGBImage image;                         ///< the input
         std::optional<ProcessSettings> process; ///< as renderProcess gives it; absent for an original
+        DisplayLights::Map lights;              ///< of the source, for the process's src_lights
         double gain = 1.0;                      ///< of the original
         OriginalView original;
         std::optional<std::int64_t> ticket;    ///< below the one in force: nobody waits for it

@@ -234,7 +234,8 @@ std::optional<FrameSource> ProxyFile::decode(std::span<const std::uint8_t> bytes
                        head->shape.fullHeight,
                        head->shape.isRAW,
                        head->shape.wb,
-                       head->halfPrecision};
+                       head->halfPrecision,
+                       {}};
     const std::size_t samples = source.proxy.data.size();
     const std::uint8_t* pixels = bytes.data() + kHeaderBytes;
     if (head->halfPrecision) {
@@ -244,6 +245,7 @@ std::optional<FrameSource> ProxyFile::decode(std::span<const std::uint8_t> bytes
     } else {
         std::memcpy(source.proxy.mutableData(), pixels, samples * sizeof(float));
     }
+    if (!source.isRAW) source.lights = DisplayLights::measure(source.proxy);
     return source;
 }
 

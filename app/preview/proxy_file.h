@@ -6,6 +6,7 @@
 
 #include "app/project/fingerprint.h"
 #include "app/project/frame.h"
+#include "core/film/light/display_lights.h"
 #include "core/image/rgb_image.h"
 #include "core/image/source_exposure.h"
 #include "core/io/raw_decode.h"
@@ -29,6 +30,9 @@ struct FrameSource {
     bool isRAW = false;
     WBMode wb = WBMode::film;
     bool halfPrecision = false; ///< the pixels have been half floats
+    /// What the clipped lights of a display picture lack: measured of the proxy whenever that comes into
+    /// memory, which gives the same each time. Empty for a RAW source.
+    DisplayLights::Map lights = {};
 
     Size fullSize() const { return {fullWidth, fullHeight}; }
 };

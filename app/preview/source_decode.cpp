@@ -80,7 +80,16 @@ FrameSource SourceDecode::proxy(const Path& file, WBMode wb)
     source.fullHeight = full.height;
     source.halfPrecision = std::max(decoded.width, decoded.height) > ProxyFile::kProxyLong;
     if (source.halfPrecision) throughHalves(source.proxy);
+    if (!source.isRAW) source.lights = DisplayLights::measure(source.proxy);
     return source;
+}
+
+DisplayLights::Map SourceDecode::lights(const RGBImage& whole)
+{
+    if (whole.longSide() <= ProxyFile::kProxyLong) return DisplayLights::measure(whole);
+    RGBImage proxy = resized(whole, ProxyFile::kProxyLong);
+    throughHalves(proxy);
+    return DisplayLights::measure(proxy);
 }
 
 RGBImage SourceDecode::detail(const Path& file, std::int64_t longSide, WBMode wb)

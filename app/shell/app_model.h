@@ -16,6 +16,7 @@
 #include "app/shell/ordering.h"
 #include "app/shell/preset_files.h"
 #include "app/shell/presets.h"
+#include "app/shell/printers_eye.h"
 #include "app/shell/profile_files.h"
 #include "app/shell/questions.h"
 #include "app/shell/rack.h"
@@ -163,6 +164,7 @@ public:
     Saver saver{*this};
     Exporter exporter{*this};
     Sheets sheets{*this};
+    PrintersEye printersEye{*this};
 };
 
 } // namespace tamlo

@@ -148,6 +148,7 @@ ExportRun::Events Exporter::events()
     };
     ExportRun::Events events;
     events.stats = stats_;
+    events.lights = lights_;
     events.stops = [shared = shared_] { return shared->stops.load(); };
     events.cancels = [shared = shared_] { return shared->cancels.load(); };
     events.begins = [this, post](const ExportJob& job, std::size_t n) {

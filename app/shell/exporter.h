@@ -25,11 +25,17 @@ public:
     using Done = std::function<void(const ExportReport&)>;
     using Stats = std::function<std::optional<SourceExposure::Stats>(const Frame&, WBMode, const RGBImage&)>;
 
+    using Lights = std::function<DisplayLights::Map(const Frame&, const RGBImage&)>;
+
     explicit Exporter(AppModel& model);
     ~Exporter();
 
-    /// What RAW frames were measured at for their previews; from any thread. Set before the first run.
-    void setStats(Stats stats) { stats_ = std::move(stats); }
+    /// What frames were measured at for their previews; from any thread. Set before the first run.
+    void setMeasured(Stats stats, Lights lights)
+    {
+        stats_ = std::move(stats);
+        lights_ = std::move(lights);
+    }
 
     /// From the preferences: for one frame, or for a batch.
     ExportDraft exportDraft(const std::optional<FrameID>& single) const;
@@ -70,6 +76,7 @@ private:
 
     AppModel& model_;
     Stats stats_;
+    Lights lights_;
     std::optional<ExportTask> task_;
     std::string progress_;
     std::shared_ptr<Shared> shared_;

@@ -156,6 +156,7 @@ KeyedRenderer::Request FrameScreen::request(const Situation& now,
 {
     KeyedRenderer::Request request;
     request.image = now.source->proxy;
+    request.lights = now.source->lights;
     request.ticket = ticket_;
     if (process)
         request.process = renderProcess(*process, *now.frame, now.source->stats, model_->project().cropGate,

@@ -67,6 +67,15 @@ void LiveViews::attach(AppModel& model)
     loads_.attach(model);
     tiles_.attach(model);
     screen_.attach(model);
+    // An exported frame gets the exposure and the lights of its preview.
+    FrameStore& frames = previews_.frames;
+    model.exporter.setMeasured(
+        [&frames](const Frame& frame, WBMode wb, const RGBImage& image) {
+            return frames.exportStats(frame, wb, image);
+        },
+        [&frames](const Frame& frame, const RGBImage& image) { return frames.exportLights(frame, image); });
+    model.printersEye.setSource(
+        [&frames](const FrameRef& frame, bool hasFile) { return frames.loadHere(*frame, hasFile); });
     daily_ = previews_.loop.every(kDaySeconds, [this] { trimLater(); });
 }
 

@@ -175,6 +175,7 @@ void Tiles::submit(const FrameRef& frame, const FrameStore::SourceRef& source, c
 {
     KeyedRenderer::Request request;
     request.image = source->proxy;
+    request.lights = source->lights;
     request.inputLong = kTileLong;
     request.gain = originalGain(source->stats);
     request.original = {frame->crop, frame->orient.rot * 90, frame->orient.mirror};

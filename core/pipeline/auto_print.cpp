@@ -2,9 +2,11 @@
 
 #include "core/image/luminance.h"
 #include "core/image/source_exposure.h"
+#include "core/pipeline/crop_geometry.h"
 #include "core/pipeline/film_dispatch.h"
 #include "core/pipeline/idle_options.h"
 #include "core/pipeline/pipeline.h"
+#include "core/text/loc.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,12 +22,14 @@ using Pipeline::PrintTones;
 constexpr double kNearBlack = 2.0; // L* above the paper's black
 constexpr double kFlat = 4.0;      // L* between both ends: one tone
 constexpr double kClose = 0.4;     // L* that no eye tells
-constexpr double kBlackRise = 5.0; // L* that the black may give for the white
+// What the black may give for the white, L*: more while the white is not one yet.
+constexpr double kBlackRise = 5.0, kBlackRiseMost = 8.0;
+constexpr double kIsWhite = 90.5;
 constexpr double kMoreClipped = 0.002;
 constexpr double kClipsAt = 0.9985; // of the paper's white
 constexpr double kTryStops = 0.3, kTryGrade = 0.5;
 constexpr int kSteps = 3;
-constexpr int kHalvings = 5;
+constexpr double kPerStop = 100.0; // settings in a stop or a grade: what is written is what was looked at
 constexpr double kFilmUm = 60.0; // scale at which the paper's black is probed: any will do for an even field
 
 struct Setting {
@@ -68,11 +72,20 @@ RenderOptions bare(RenderOptions options)
     return options;
 }
 
+/// What a crop leaves of the frame is looked at, as large as a whole one where the frame has so much.
+std::int64_t lookedAtLong(Size frame, const RenderOptions& options)
+{
+    const Size picture = Pipeline::croppedSize(options.crop, frame);
+    const double part = static_cast<double>(std::max(picture.width, picture.height)) /
+                        static_cast<double>(std::max<std::int64_t>(std::max(frame.width, frame.height), 1));
+    return std::llround(static_cast<double>(longPx) / std::clamp(part, 0.01, 1.0));
+}
+
 /// Prints a frame at several settings and looks at the result.
 class Eye {
 public:
     Eye(const RGBImage& frame, const RenderChoices& choices, const RenderHooks& hooks)
-        : frame_(resized(frame, longPx)), choices_(choices)
+        : frame_(resized(frame, lookedAtLong(frame.size(), choices.options))), choices_(choices)
     {
         backend_.hooks.shouldCancel = hooks.shouldCancel;
         choices_.options = bare(choices.options);
@@ -115,11 +128,16 @@ Aim aimOf(const PrintTones& now, double paperBlack)
             now.black + towardsBlack * (paperBlack + kNearBlack - now.black)};
 }
 
+double stepped(double v)
+{
+    return std::round(v * kPerStop) / kPerStop;
+}
+
 Setting held(const Setting& at, const Setting& neutral)
 {
-    return {std::clamp(at.printEv, neutral.printEv - reachStops, neutral.printEv + reachStops),
-            std::clamp(at.grade, std::max(neutral.grade - reachGrade, 0.0),
-                       std::min(neutral.grade + reachGrade, 5.0))};
+    return {stepped(std::clamp(at.printEv, neutral.printEv - reachStops, neutral.printEv + reachStops)),
+            stepped(std::clamp(at.grade, std::max(neutral.grade - reachGrade, 0.0),
+                               std::min(neutral.grade + reachGrade, 5.0)))};
 }
 
 /// Slopes of white and black with each of the two knobs.
@@ -147,8 +165,9 @@ Setting step(const Slopes& s, const Aim& aim, const PrintTones& now, const Setti
 
 bool isAllowed(const PrintTones& before, const PrintTones& after)
 {
-    return std::abs(after.median - before.median) <= medianReach &&
-           after.black <= before.black + kBlackRise && after.clipped <= before.clipped + kMoreClipped;
+    const double rise = after.white < kIsWhite ? kBlackRiseMost : kBlackRise;
+    return std::abs(after.median - before.median) <= medianReach && after.black <= before.black + rise &&
+           after.clipped <= before.clipped + kMoreClipped;
 }
 
 bool isClose(const Aim& aim, const PrintTones& now)
@@ -161,22 +180,23 @@ bool isClose(const Aim& aim, const PrintTones& now)
 PrintTones backOff(const Eye& eye, const PrintTones& before, const Setting& neutral, Setting& at)
 {
     const Setting found = at;
+    const double way = found.printEv - neutral.printEv;
     for (const double grades : {1.0, 0.5, 0.0}) {
-        const auto look = [&](double share) {
-            at = {neutral.printEv + share * (found.printEv - neutral.printEv),
-                  neutral.grade + grades * (found.grade - neutral.grade)};
-            return eye.look(at);
+        const auto setting = [&](long steps) {
+            return held({neutral.printEv + std::copysign(static_cast<double>(steps) / kPerStop, way),
+                         neutral.grade + grades * (found.grade - neutral.grade)},
+                        neutral);
         };
-        PrintTones kept = look(0.0);
+        PrintTones kept = eye.look(setting(0));
         if (!isAllowed(before, kept)) continue;
-        double low = 0.0, high = 1.0;
-        for (int i = 0; i < kHalvings; ++i) {
-            const double share = (low + high) / 2.0;
-            const PrintTones seen = look(share);
-            (isAllowed(before, seen) ? low : high) = share;
-            if (low == share) kept = seen;
+        long low = 0, high = std::lround(std::abs(way) * kPerStop) + 1;
+        while (high - low > 1) {
+            const long steps = (low + high) / 2;
+            const PrintTones seen = eye.look(setting(steps));
+            (isAllowed(before, seen) ? low : high) = steps;
+            if (low == steps) kept = seen;
         }
-        at.printEv = neutral.printEv + low * (found.printEv - neutral.printEv);
+        at = setting(low);
         return kept;
     }
     at = neutral;
@@ -184,6 +204,15 @@ PrintTones backOff(const Eye& eye, const PrintTones& before, const Setting& neut
 }
 
 } // namespace
+
+std::string Pipeline::whyNot(const AutoPrint& print, const RenderChoices& choices)
+{
+    if (!print.reasonKey) return {};
+    const auto title = [](const auto& profile) {
+        return Loc::pick(profile.name.value_or(""), profile.nameEn);
+    };
+    return T(*print.reasonKey, {{"film", title(choices.film)}, {"paper", title(choices.paper)}});
+}
 
 PrintTones Pipeline::printTones(const RGBImage& print, double white)
 {
@@ -256,9 +285,8 @@ AutoPrint Pipeline::autoPrint(const RGBImage& frame, const RenderChoices& choice
         now = seen;
     }
     if (!isAllowed(result.before, now)) now = backOff(eye, result.before, neutral, at);
-    const auto rounded = [](double v) { return std::round(v * 100.0) / 100.0; };
-    result.printEv = rounded(at.printEv);
-    result.grade = rounded(at.grade);
+    result.printEv = at.printEv;
+    result.grade = at.grade;
     result.after = now;
     return result;
 }

@@ -19,7 +19,9 @@ inline constexpr double whiteShare = 0.88;   ///< ... this much of the paper's w
 inline constexpr double blackPercent = 0.5;  ///< the point that comes near the paper's black
 inline constexpr double reachStops = 1.0;    ///< either way of the neutral print
 inline constexpr double reachGrade = 1.0;
-inline constexpr double medianReach = 11.5; ///< L* that a frame's median may move
+/// L* that a frame's median may move. It binds before the white is home where a frame's lights lie close to
+/// its middle (fog, a grey cat, a dim room): a grade harder than reachGrade would be needed there.
+inline constexpr double medianReach = 11.8;
 } // namespace AutoPrintRules
 
 /// Points of a print's luminance in L*, of its paper's white.
@@ -44,6 +46,9 @@ struct AutoPrint {
 /// white or black moves less, and no median by more than medianReach. Errors: those of the render; cancelled.
 AutoPrint autoPrint(const RGBImage& frame, const RenderChoices& choices,
                     const std::set<std::string>& held = {}, const RenderHooks& hooks = {});
+
+/// Why nothing is changed, in the user's language; empty where something is.
+std::string whyNot(const AutoPrint& print, const RenderChoices& choices);
 
 /// The tones of a finished print whose paper is `white` bright.
 PrintTones printTones(const RGBImage& print, double white);

@@ -1,6 +1,9 @@
 #include "app/preview/keyed_renderer.h"
+#include "app/preview/source_decode.h"
 #include "core/image/cancellation.h"
+#include "core/io/image_writer.h"
 #include "core/profiles/catalogue/profile_store.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/test_seams.h"
 
 #include <gtest/gtest.h>
@@ -185,6 +188,40 @@ TEST(ViewRender, OriginalsAndProcesses)
     EXPECT_THROW(render("fine", request, [] { return true; }), TamloError);
     request.process->stock = "no such film";
     EXPECT_ANY_THROW(render("frame", request, no));
+}
+
+TEST(ViewRender, GivesAProxyTheLightsThatAnExportGetsOfTheWholeSource)
+{
+    const ScratchFolder folder;
+    const std::string file = (folder / "lamp.png").string();
+    RGBImage night(2600, 1300, {0.02f, 0.02f, 0.03f});
+    for (std::int64_t y = 600; y < 640; ++y)
+        std::fill_n(night.mutableData() + (y * night.width + 900) * 3, 40 * 3, 1.0f);
+    ImageWriter::save(night, file, 95, std::nullopt);
+    const FrameSource source = SourceDecode::proxy(file, WBMode::film);
+    ASSERT_FALSE(source.lights.empty());
+    const auto bits = [](const DisplayLights::Map& map) {
+        return std::vector<float>(map.missing.data.begin(), map.missing.data.end());
+    };
+    EXPECT_EQ(bits(SourceDecode::lights(SourceDecode::full(file, 0, WBMode::film))), bits(source.lights));
+    EXPECT_EQ(bits(ProxyFile::decode(ProxyFile::encode(source))->lights), bits(source.lights)) << "kept";
+
+    const ProfileStore store;
+    Request request;
+    request.image = source.proxy;
+    request.process = ProcessSettings::fresh();
+    request.process->stock = "cinestill800t";
+    request.process->options.grainMult = 0;
+    request.inputLong = 520;
+    const auto halo = [&] { // red beside the lamp
+        const ReadyImage print = viewRender(store)("frame", request, [] { return false; });
+        return print.rgba[static_cast<std::size_t>((124 * print.width + 194) * 4)];
+    };
+    const int dim = halo();
+    request.lights = source.lights;
+    EXPECT_GT(halo(), dim + 10);
+    request.process->options.srcLights = 0;
+    EXPECT_EQ(halo(), dim) << "a document that does not name them has none";
 }
 
 } // namespace
