@@ -1,0 +1,15 @@
+// MainWindow: the frame that the screens stand in.
+#pragma once
+
+#include <QMainWindow>
+
+namespace tamlo::ui {
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    MainWindow();
+};
+
+} // namespace tamlo::ui
