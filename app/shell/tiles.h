@@ -3,6 +3,7 @@
 // rendered. No source is opened for a view that was seen before.
 #pragma once
 
+#include "app/project/project.h"
 #include "app/shell/background.h"
 #include "app/shell/previews.h"
 #include "app/shell/source_loads.h"
