@@ -47,7 +47,8 @@ TEST(Theme, EveryAccentCanBeReadAndIsNamed)
         }
     EXPECT_NEAR(contrast(Qt::white, Qt::black), 21, 1e-9);
     EXPECT_NEAR(contrast(QColor(0x77, 0x77, 0x77), Qt::white), 4.478, 1e-3); // known pair
-    for (const QColor& mark : {Theme::pick(), Theme::reject()}) EXPECT_GE(contrast(mark, QColor(0x28, 0x28, 0x28)), kMark);
+    for (const QColor& mark : {Theme::pick(), Theme::reject()})
+        EXPECT_GE(contrast(mark, QColor(0x28, 0x28, 0x28)), kMark);
 }
 
 } // namespace

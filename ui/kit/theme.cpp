@@ -1,6 +1,7 @@
 #include "ui/kit/theme.h"
 
 #include "platform/preferences.h"
+#include "ui/kit/kit_accessible.h"
 #include "ui/kit/words.h"
 
 #include <QApplication>
@@ -111,7 +112,8 @@ QPalette Theme::palette(const Choices& choices)
     set(QPalette::Midlight, grey(greys.line));
     set(QPalette::Mid, grey(greys.edge));
     set(QPalette::ToolTipBase, grey(greys.raised));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
         set(role, ink);
     set(QPalette::BrightText, grey(greys.number));
     set(QPalette::PlaceholderText, grey(greys.dim));
@@ -131,6 +133,7 @@ void Theme::apply(QApplication& application, const Choices& choices)
     font.setPointSizeF(kBasePoints * std::clamp(choices.textPercent, kLeastPercent, kMostPercent) / 100);
     QApplication::setFont(font);
     QApplication::setPalette(palette(choices));
+    installKitAccessibility();
 }
 
 QColor Theme::colour(QPalette::ColorRole role)

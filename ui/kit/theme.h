@@ -51,15 +51,15 @@ public:
 
     // Grounds.
     static QColor panel() { return colour(QPalette::Window); }
-    static QColor raised() { return colour(QPalette::Button); } ///< buttons, heads of cards
-    static QColor well() { return colour(QPalette::Base); }     ///< entries, lists, tracks
+    static QColor raised() { return colour(QPalette::Button); }   ///< buttons, heads of cards
+    static QColor well() { return colour(QPalette::Base); }       ///< entries, lists, tracks
     static QColor surround() { return colour(QPalette::Shadow); } ///< around the print and the tiles
     // What stands on them.
     static QColor text() { return colour(QPalette::WindowText); }
     static QColor dimText() { return colour(QPalette::PlaceholderText); } ///< captions and notes, still 4.5:1
     static QColor number() { return colour(QPalette::BrightText); }       ///< 7:1
-    static QColor edge() { return colour(QPalette::Mid); }      ///< outline of a control, 3:1
-    static QColor line() { return colour(QPalette::Midlight); } ///< between things, no meaning
+    static QColor edge() { return colour(QPalette::Mid); }                ///< outline of a control, 3:1
+    static QColor line() { return colour(QPalette::Midlight); }           ///< between things, no meaning
     static QColor accent() { return colour(QPalette::Highlight); }
     static QColor onAccent() { return colour(QPalette::HighlightedText); }
     static QColor warning() { return colour(QPalette::LinkVisited); } ///< text of a failure
