@@ -269,7 +269,8 @@ const std::map<std::string, Verb, std::less<>> kVerbs{
 } // namespace
 
 LiveSession::LiveSession()
-    : application_(Application::Mode::user, loop_, ProfileStore::shared(), programBuild())
+    : application_(Application::Mode::user, {loop_, ProfileStore::shared(), questions_, clipboard_},
+                   programBuild())
 {
     application_.start(false);
     FrameScreen& screen = views().screen();

@@ -22,7 +22,6 @@ void HeadlessRun::runSmokeTest(const std::filesystem::path& input, const std::fi
 {
     output_ = output;
     AppModel& model = application_.model();
-    application_.questions().pairChoice = FolderScan::PairChoice::both;
     application_.views().screen().setFit(kFit, 1);
     model.importer.addFiles({input.string()}, [this, &model](std::optional<Importer::Outcome> outcome) {
         isImporting_ = false;

@@ -52,6 +52,7 @@ public:
 
     /// Frames whose tile is still to come, and can.
     std::size_t pendingCount() const { return pending_.size(); }
+    bool isPending(const FrameID& id) const { return pending_.contains(id); }
     /// Writes what waits for the disk. wait: until it stands there.
     void flush(bool wait);
 

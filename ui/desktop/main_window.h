@@ -6,8 +6,6 @@
 namespace tamlo::ui {
 
 class MainWindow : public QMainWindow {
-    Q_OBJECT
-
 public:
     MainWindow();
 };
