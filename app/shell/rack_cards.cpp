@@ -63,6 +63,18 @@ std::string textOf(const Json& value)
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
+/// What a number that is absent stands for: the paper's own, or the size of the print.
+double whenAbsent(std::string_view option, const RenderChoices& choices)
+{
+    const PaperProfile& paper = choices.paper;
+    if (option == "sheet_cm") return choices.options.printCm;
+    if (option == "relief") return 1;
+    if (option == "ink_roller" && paper.texture) return paper.texture->roller.value_or(0);
+    if (option == "pickup" && paper.transfer) return paper.transfer->pickup.value_or(0);
+    if (option == "coat_rough" && paper.coat) return paper.coat->rough.value_or(0);
+    return 0;
+}
+
 std::optional<RackKnob> standing(const Knob& knob, const RackVisibility& rack, const RenderChoices& choices)
 {
     const auto rule = std::ranges::find(kRules, knob.option, &KnobRule::option);
@@ -83,7 +95,7 @@ std::optional<RackKnob> standing(const Knob& knob, const RackVisibility& rack, c
         out.choices = rack.allowedFormats();
         if (const auto fugitive = rack.fugitiveFormat()) out.choices.push_back(*fugitive);
     }
-    if (knob.step > 0) out.row = knobRow(knob, choices.options, choices.options.printCm);
+    if (knob.step > 0) out.row = knobRow(knob, choices.options, whenAbsent(knob.option, choices));
     return out;
 }
 

@@ -1,8 +1,9 @@
-// ProjectFlow: projects and photographs come and go: the dialogues, and what is asked before a roll is left. The
-// session itself stands in app/shell.
+// ProjectFlow: projects and photographs come and go: the dialogues, and what is asked before a roll is left.
+// The session itself stands in app/shell.
 #pragma once
 
 #include "app/shell/app_model.h"
+#include "core/text/loc.h"
 #include "ui/desktop/file_dialogs.h"
 
 #include <functional>
@@ -38,7 +39,8 @@ private:
     void leaveExport(Then go);
     void leaveProject(Then go);
     void write(const std::filesystem::path& to, Saver::Over over, Then then);
-    void confirm(const char* titleKey, const Loc::Args& args, const char* noteKey, const char* yesKey, Then yes);
+    void confirm(const char* titleKey, const Loc::Args& args, const char* noteKey, const char* yesKey,
+                 Then yes);
 
     AppModel& model_;
     SheetHost& sheets_;

@@ -26,10 +26,6 @@ bool onDevelop(const D& desk)
 {
     return desk.isOnDevelop();
 }
-bool canExport(const D& desk)
-{
-    return desk.hasFrames() && !desk.model.exporter.isExporting();
-}
 bool hasLost(const D& desk)
 {
     return !desk.model.linker.lostFrames().empty();
@@ -86,14 +82,13 @@ void zoomBy(D& desk, int direction)
 const Command kCommands[] = {
     {"menu.file.new", MenuOf::file, "Ctrl+N", nullptr, [](D& d) { d.window.newProject(); }},
     {"menu.file.open", MenuOf::file, "Ctrl+O", nullptr, [](D& d) { d.window.openProject(); }},
-    {"menu.file.add", MenuOf::file, "Ctrl+I", nullptr, [](D& d) { d.window.addPhotographs(); }, nullptr, kGroup},
+    {"menu.file.add", MenuOf::file, "Ctrl+I", nullptr, [](D& d) { d.window.addPhotographs(); }, nullptr,
+     kGroup},
     {"menu.file.addFolder", MenuOf::file, "Ctrl+Shift+I", nullptr, [](D& d) { d.window.addFolder(); }},
     {"menu.file.save", MenuOf::file, "Ctrl+S", hasFrames, [](D& d) { d.window.save(); }, nullptr, kGroup},
     {"menu.file.saveAs", MenuOf::file, "Ctrl+Shift+S", hasFrames, [](D& d) { d.window.saveAs(); }},
     {"menu.file.restore", MenuOf::file, "", [](const D& d) { return d.model.projectURL().has_value(); },
      [](D& d) { d.window.restoreBackup(); }},
-    {"menu.file.export", MenuOf::file, "Ctrl+E", canExport, [](D& d) { d.window.showExport(); }, nullptr, kGroup},
-    {"menu.file.exportAgain", MenuOf::file, "Ctrl+Shift+E", canExport, [](D& d) { d.window.exportAgain(); }},
     {"menu.file.locate", MenuOf::file, "", hasLost, [](D& d) { d.window.locateFile(); }, nullptr, kGroup},
     {"menu.file.locateFolder", MenuOf::file, "", hasLost, [](D& d) { d.window.locateFolder(); }},
     {"menu.file.quit", MenuOf::file, "Ctrl+Q", nullptr, [](D& d) { d.window.quit(); }, nullptr, kGroup},
@@ -103,18 +98,19 @@ const Command kCommands[] = {
     {"menu.edit.redo", MenuOf::edit, "Ctrl+Shift+Z Ctrl+Y",
      [](const D& d) { return !d.model.history().redoStack().empty(); }, [](D& d) { d.model.redo(); }},
     {"menu.edit.history", MenuOf::edit, "Ctrl+Alt+Z", nullptr, [](D& d) { d.window.showHistory(); }},
-    {"menu.edit.copy", MenuOf::edit, "Ctrl+C", hasCursor, [](D& d) { d.model.copying.copySettings(); }, nullptr,
-     kGroup},
+    {"menu.edit.copy", MenuOf::edit, "Ctrl+C", hasCursor, [](D& d) { d.model.copying.copySettings(); },
+     nullptr, kGroup},
     {"menu.edit.paste", MenuOf::edit, "Ctrl+V",
      [](const D& d) { return d.hasCursor() && d.model.copying.hasSettings(); },
      [](D& d) { d.model.copying.pasteSettings(); }},
-    {"menu.edit.selectAll", MenuOf::edit, "Ctrl+A", onGrid, [](D& d) { d.model.selection.selectAllVisible(); },
-     nullptr, kGroup},
-    {"menu.edit.selectNone", MenuOf::edit, "Ctrl+Shift+A", onGrid, [](D& d) { d.model.selection.select({}); }},
+    {"menu.edit.selectAll", MenuOf::edit, "Ctrl+A", onGrid,
+     [](D& d) { d.model.selection.selectAllVisible(); }, nullptr, kGroup},
+    {"menu.edit.selectNone", MenuOf::edit, "Ctrl+Shift+A", onGrid,
+     [](D& d) { d.model.selection.select({}); }},
     {"menu.edit.remove", MenuOf::edit, "Del", [](const D& d) { return d.isOnGrid() && d.hasCursor(); },
      [](D& d) { d.model.removal.removeSelected(true); }},
-    {"menu.edit.find", MenuOf::edit, "Ctrl+K", nullptr, [](D& d) { d.window.showPalette(); }, nullptr, kGroup},
-    {"menu.edit.preferences", MenuOf::edit, "Ctrl+,", nullptr, [](D& d) { d.window.showPreferences(); }},
+    {"menu.edit.find", MenuOf::edit, "Ctrl+K", nullptr, [](D& d) { d.window.showPalette(); }, nullptr,
+     kGroup},
 
     {"menu.frame.pick", MenuOf::frame, "P", hasCursor, [](D& d) { mark(d, Mark::selected); }},
     {"menu.frame.reject", MenuOf::frame, "X R", hasCursor, [](D& d) { mark(d, Mark::rejected); }},
@@ -134,16 +130,20 @@ const Command kCommands[] = {
     {"menu.frame.resetTurn", MenuOf::frame, "",
      [](const D& d) { return d.hasCursor() && !d.model.turns.orientTargetIsDefault(); },
      [](D& d) { turn(d, OrientAction::reset); }},
-    {"menu.frame.resetCrop", MenuOf::frame, "", isCropped, [](D& d) { d.model.cropping.resetCropOfTargets(); }},
-    {"menu.frame.byName", MenuOf::frame, "", onGrid, [](D& d) { d.model.ordering.setSortMode(SortMode::name); },
+    {"menu.frame.resetCrop", MenuOf::frame, "", isCropped,
+     [](D& d) { d.model.cropping.resetCropOfTargets(); }},
+    {"menu.frame.byName", MenuOf::frame, "", onGrid,
+     [](D& d) { d.model.ordering.setSortMode(SortMode::name); },
      [](const D& d) { return isSorted(d, SortMode::name); }, kGroup},
-    {"menu.frame.byTime", MenuOf::frame, "", onGrid, [](D& d) { d.model.ordering.setSortMode(SortMode::shot); },
+    {"menu.frame.byTime", MenuOf::frame, "", onGrid,
+     [](D& d) { d.model.ordering.setSortMode(SortMode::shot); },
      [](const D& d) { return isSorted(d, SortMode::shot); }},
     {"menu.frame.byHand", MenuOf::frame, "", onGrid,
      [](D& d) { d.model.ordering.setSortMode(SortMode::manual); },
      [](const D& d) { return isSorted(d, SortMode::manual); }},
     {"menu.frame.reverse", MenuOf::frame, "", onGrid, [](D& d) { d.model.ordering.reverseFrames(); }},
-    {"menu.frame.showAll", MenuOf::frame, "1", onGrid, [](D& d) { d.model.selection.setFilter(GridFilter::all); },
+    {"menu.frame.showAll", MenuOf::frame, "1", onGrid,
+     [](D& d) { d.model.selection.setFilter(GridFilter::all); },
      [](const D& d) { return isFilter(d, GridFilter::all); }, kGroup},
     {"menu.frame.hideRejected", MenuOf::frame, "2", onGrid,
      [](D& d) { d.model.selection.setFilter(GridFilter::hideRejected); },

@@ -1,4 +1,5 @@
-// Desk: what a command of the window acts on: the session, its pictures, and what only the window itself can do.
+// Desk: what a command of the window acts on: the session, its pictures, and what only the window itself can
+// do.
 #pragma once
 
 #include "app/shell/app_model.h"
@@ -19,15 +20,12 @@ struct WindowActions {
     virtual void save() = 0;
     virtual void saveAs() = 0;
     virtual void restoreBackup() = 0;
-    virtual void showExport() = 0;
-    virtual void exportAgain() = 0;
     virtual void locateFile() = 0;
     virtual void locateFolder() = 0;
     virtual void showUnreadable() = 0;
     virtual void quit() = 0;
     virtual void showHistory() = 0;
     virtual void showPalette() = 0;
-    virtual void showPreferences() = 0;
     virtual void showKeys() = 0;
     virtual void showAbout() = 0;
     virtual void toggleFullScreen() = 0;

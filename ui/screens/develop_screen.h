@@ -1,22 +1,42 @@
-// DevelopScreen: one frame, its print and the rack.
+// DevelopScreen: one frame: its print, the rack that makes it, and the strip of the roll.
 #pragma once
 
-#include <QWidget>
+#include "ui/screens/desk.h"
 
-namespace tamlo {
-class AppModel;
-}
+#include <QList>
+#include <QWidget>
 
 namespace tamlo::ui {
 
-class DevelopScreen : public QWidget {
-    Q_OBJECT
+class CanvasBar;
+class CanvasLink;
+class FrameStrip;
+class PictureView;
 
+class DevelopScreen : public QWidget {
 public:
-    explicit DevelopScreen(AppModel& model, QWidget* parent = nullptr);
+    explicit DevelopScreen(Desk desk, QWidget* parent = nullptr);
+
+    void setShowsOriginal(bool shows);
+    void setShowsStrip(bool shows);
+    bool showsStrip() const;
+    /// What F6 walks through.
+    QList<QWidget*> regions() const;
+
+protected:
+    void changeEvent(QEvent* event) override;
 
 private:
-    [[maybe_unused]] AppModel& model_;
+    void retranslate();
+    void showPicture();
+
+    Desk desk_;
+    PictureView* picture_;
+    CanvasLink* link_; ///< the view's
+    CanvasBar* bar_;
+    FrameStrip* strip_;
+    bool showsOriginal_ = false;
+    Subscription subscription_;
 };
 
 } // namespace tamlo::ui

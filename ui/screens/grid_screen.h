@@ -21,6 +21,8 @@ public:
 
     GridView& view() { return *view_; }
     void zoomTiles(int direction);
+    /// What the bar shows, after what is no concern of the session has changed.
+    void refresh();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -28,7 +30,6 @@ protected:
 private:
     void build();
     void retranslate();
-    void refresh();
     void setTile(int side);
 
     Desk desk_;

@@ -1,9 +1,9 @@
 #include "ui/screens/status_line.h"
 
+#include "app/preview/render_process.h"
 #include "core/image/tamlo_error.h"
 #include "core/pipeline/output_plan.h"
 #include "core/profiles/formats/profile_error.h"
-#include "app/preview/render_process.h"
 #include "ui/kit/words.h"
 
 #include <QEvent>
@@ -57,6 +57,7 @@ void StatusLine::build()
     status_->setAutoRaise(true);
     status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     status_->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    status_->setStyleSheet(QStringLiteral("text-align: left; padding-left: 4px; border: none;"));
     cancel_->setAutoRaise(true);
     cancel_->setText(QStringLiteral("✕"));
     line->addWidget(status_, 1);
@@ -132,7 +133,8 @@ void StatusLine::watchWork()
 {
     showWork();
     const bool works = desk_.model.exporter.isExporting() || desk_.views.loads().loadingCount() > 0;
-    ticks_ = works ? desk_.model.seams().loop.after(kTickSeconds, [this] { watchWork(); }) : platform::Timer();
+    ticks_ =
+        works ? desk_.model.seams().loop.after(kTickSeconds, [this] { watchWork(); }) : platform::Timer();
 }
 
 void StatusLine::showFrame()
@@ -142,7 +144,8 @@ void StatusLine::showFrame()
     source_->setText(frame ? qt(desk_.views.loads().sourceInfo(frame->id)) : QString());
     source_->setVisible(!source_->text().isEmpty());
     size_->clear();
-    if (frame && frame->process && shape) size_->setText(printSize(*frame, {shape->fullWidth, shape->fullHeight}));
+    if (frame && frame->process && shape)
+        size_->setText(printSize(*frame, {shape->fullWidth, shape->fullHeight}));
     size_->setVisible(!size_->text().isEmpty());
 }
 
@@ -151,8 +154,8 @@ QString StatusLine::printSize(const Frame& frame, Size source) const
 {
     const AppModel& model = desk_.model;
     try {
-        const ProcessSettings process = renderProcess(*frame.process, frame, std::nullopt, model.project().cropGate,
-                                                      &model.project().frames);
+        const ProcessSettings process = renderProcess(*frame.process, frame, std::nullopt,
+                                                      model.project().cropGate, &model.project().frames);
         const RenderChoices choices = choicesOf(process, model.store());
         return qt(Pipeline::sizeLabel(
             Pipeline::outputSize(source, choices.film, choices.paper, choices.options, 1), T("unit.mp")));
