@@ -1,4 +1,5 @@
 // The keys of a crop's session.
+#include "app/shell/app_model.h"
 #include "ui/screens/crop_grip.h"
 #include "ui/screens/crop_overlay.h"
 
@@ -54,7 +55,7 @@ bool CropOverlay::isSessionKey(const QKeyEvent& event)
 
 bool CropOverlay::takeKey(const QKeyEvent& event)
 {
-    Cropping& cropping = desk_.model.cropping;
+    Cropping& cropping = model_.cropping;
     if (!cropping.cropMode() || !isSessionKey(event)) return false;
     switch (keyOf(event)) {
     case Qt::Key_X:
