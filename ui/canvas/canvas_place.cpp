@@ -18,8 +18,9 @@ QSizeF CanvasPlace::fit() const
 Size CanvasPlace::shown() const
 {
     const QSizeF size = fit() * (zoom * displayScale);
-    return {std::max<std::int64_t>(std::llround(size.width()), 1),
-            std::max<std::int64_t>(std::llround(size.height()), 1)};
+    const Size whole{std::max<std::int64_t>(std::llround(size.width()), 1),
+                     std::max<std::int64_t>(std::llround(size.height()), 1)};
+    return isNearly(whole, pixels) ? pixels : whole;
 }
 
 QRect CanvasPlace::rect() const
@@ -45,6 +46,12 @@ QPointF CanvasPlace::pointOf(QPointF share) const
     const QRect at = rect();
     return {(at.x() + share.x() * at.width()) / displayScale,
             (at.y() + share.y() * at.height()) / displayScale};
+}
+
+bool isNearly(Size a, Size b)
+{
+    constexpr std::int64_t kMostPx = 2;
+    return std::abs(a.width - b.width) <= kMostPx && std::abs(a.height - b.height) <= kMostPx;
 }
 
 bool isSameShape(Size a, Size b)

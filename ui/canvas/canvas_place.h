@@ -15,6 +15,7 @@ struct CanvasPlace {
     static constexpr double kMarginPt = 16; ///< surround that a fitted picture leaves on every side
 
     Size shape;              ///< of the picture in all its pixels; empty: there is none
+    Size pixels = {};        ///< that are at hand; shown as they are where that is the size but for rounding
     QSizeF panel;            ///< points
     double displayScale = 1; ///< device pixels a point
     double zoom = 1;         ///< times the fit
@@ -31,6 +32,8 @@ struct CanvasPlace {
     QPointF pointOf(QPointF share) const;
 };
 
+/// Whether two sizes differ by no more than the rounding of sides at another scale.
+bool isNearly(Size a, Size b);
 /// Whether two sizes are of one picture at two scales, up to the rounding of their sides.
 bool isSameShape(Size a, Size b);
 

@@ -53,7 +53,7 @@ PictureLayer::PictureLayer(QObject* parent) : QObject(parent)
 
 void PictureLayer::setPicture(Image image, Size full)
 {
-    if (image == latest_.image && (full == Size() || full == latest_.shape)) return;
+    if (image == latest_.image && (full == Size() || isNearly(full, latest_.shape))) return;
     latest_.image = std::move(image);
     latest_.id = nextID();
     if (!latest_.image) {
@@ -65,10 +65,10 @@ void PictureLayer::setPicture(Image image, Size full)
     }
     if (latest_.image->alpha != ReadyImage::Alpha::skip)
         latest_.image = std::make_shared<const ReadyImage>(ImageWriter::flattenOnWhite(*latest_.image));
-    const Size own{latest_.image->width, latest_.image->height};
-    if (full != Size())
+    const Size own = latest_.pixels();
+    if (full != Size() && !isNearly(full, latest_.shape))
         latest_.shape = full;
-    else if (!isSameShape(latest_.shape, own))
+    else if (full == Size() && !isSameShape(latest_.shape, own))
         latest_.shape = own;
 }
 
@@ -88,6 +88,7 @@ CanvasPlace PictureLayer::placeOf(const Seen& seen) const
 {
     CanvasPlace place = place_;
     place.shape = seen.shape;
+    place.pixels = seen.pixels();
     return place;
 }
 
@@ -99,7 +100,7 @@ QRect PictureLayer::visibleTiles(const Seen& seen, int beyondPx) const
 
 bool PictureLayer::gather(Seen& seen, const QRect& tiles)
 {
-    const bool isCopy = !seen.color.transform && seen.shown == Size{seen.image->width, seen.image->height};
+    const bool isCopy = !seen.color.transform && seen.shown == seen.pixels();
     bool isAll = true;
     eachTile(tiles, [&](int x, int y) {
         if (seen.tile(x, y)) return;

@@ -29,11 +29,12 @@ public:
     const Image& picture() const { return latest_.image; }
     /// What is fitted; empty without a picture.
     Size shape() const { return latest_.shape; }
+    Size pixels() const { return latest_.pixels(); }
     void setColor(ScreenColor color);
 
-    /// Where the picture lies from now on. place.shape is not looked at. port: device pixels of the panel
-    /// that show this picture, from the panel's corner. isMoving: further steps follow at once, and what
-    /// can't be had at once may wait for the last.
+    /// Where the picture lies from now on. place.shape and pixels are not looked at. port: device pixels of
+    /// the panel that show this picture, from the panel's corner. isMoving: further steps follow at once, and
+    /// what can't be had at once may wait for the last.
     void aim(const CanvasPlace& place, const QRect& port, bool isMoving);
     /// Draws into a painter of device pixels whose origin is the panel's corner. isMoving: as for aim.
     void paint(QPainter& painter, bool isMoving) const;
@@ -60,6 +61,7 @@ private:
         {
             return id == other.id && shown == other.shown && color == other.color;
         }
+        Size pixels() const { return image ? Size{image->width, image->height} : Size(); }
         TileKey key(int x, int y) const { return {id, shown, x, y, color.serial}; }
         const QImage* tile(int x, int y) const;
     };

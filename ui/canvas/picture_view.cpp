@@ -165,7 +165,8 @@ QSizeF PictureView::panelSize() const
 
 CanvasPlace PictureView::place(Side side) const
 {
-    CanvasPlace place{layer(side).shape(), panelSize(), devicePixelRatioF(), zoom_, pan_};
+    CanvasPlace place{
+        layer(side).shape(), layer(side).pixels(), panelSize(), devicePixelRatioF(), zoom_, pan_};
     // Two of nearly one shape lie in one place.
     const Size other = layer(Side::main).shape();
     if (side == Side::beside && isSameShape(place.shape, other)) place.shape = other;

@@ -118,7 +118,12 @@ void KitChoice::setChosen(const QString& id)
 
 QSize KitChoice::sizeHint() const
 {
-    return {QComboBox::sizeHint().width(), Theme::controlHeight()};
+    int widest = 0;
+    for (int i = 0; i < count(); ++i) {
+        const int chip = itemIcon(i).isNull() ? 0 : kSwatch + Theme::kSmallGap;
+        widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(i)) + chip);
+    }
+    return {widest + Theme::kGap + 2 * Theme::kInset + Theme::kSmallGap, Theme::controlHeight()};
 }
 
 QSize KitChoice::minimumSizeHint() const

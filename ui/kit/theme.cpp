@@ -2,6 +2,7 @@
 
 #include "platform/preferences.h"
 #include "ui/kit/kit_accessible.h"
+#include "ui/kit/kit_style.h"
 #include "ui/kit/words.h"
 
 #include <QApplication>
@@ -127,7 +128,7 @@ QPalette Theme::palette(const Choices& choices)
 
 void Theme::apply(QApplication& application, const Choices& choices)
 {
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle(new KitStyle);
     application.setProperty(kTouchProperty, choices.touchDensity);
     QFont font = QApplication::font();
     font.setPointSizeF(kBasePoints * std::clamp(choices.textPercent, kLeastPercent, kMostPercent) / 100);

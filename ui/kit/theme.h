@@ -68,13 +68,14 @@ public:
     static QColor reject();
 
     // Measures in points of the screen; those that hold text grow with it.
-    static constexpr int kGap = 8;        ///< between controls
-    static constexpr int kSmallGap = 4;   ///< inside a control
-    static constexpr int kInset = 12;     ///< of a panel's contents
-    static constexpr int kRadius = 4;     ///< of a corner
-    static constexpr int kFocusWidth = 2; ///< of the focus mark
-    static int controlHeight();           ///< button, selector, entry
-    static int knobHeight();              ///< label and number above, track below
+    static constexpr int kGap = 8;          ///< between controls
+    static constexpr int kSmallGap = 4;     ///< inside a control
+    static constexpr int kInset = 12;       ///< of a panel's contents
+    static constexpr int kRadius = 4;       ///< of a corner
+    static constexpr int kFocusWidth = 2;   ///< of the focus mark
+    static constexpr int kScrollWidth = 10; ///< of a scroll bar
+    static int controlHeight();             ///< button, selector, entry
+    static int knobHeight();                ///< label and number above, track below
     static int rackWidth();
 
     static QFont smallFont();  ///< captions, notes

@@ -22,7 +22,7 @@ Rack::Rack(AppModel& model, QWidget* parent)
       note_(new KitNote(this)),
       changed_(new KitNote(this)),
       scroll_(new QScrollArea(this)),
-      shelf_(std::make_unique<Shelf>(model))
+      shelf_(new Shelf(model))
 {
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
@@ -36,12 +36,16 @@ Rack::Rack(AppModel& model, QWidget* parent)
     retranslate();
 }
 
-Rack::~Rack() = default;
+Rack::~Rack()
+{
+    delete shelf_;
+}
 
 void Rack::buildHead()
 {
     auto* head = new QVBoxLayout;
-    head->setContentsMargins(Theme::kInset, Theme::kInset, Theme::kInset, Theme::kInset);
+    head->setContentsMargins(Theme::kInset, Theme::kInset, Theme::kInset + Theme::kScrollWidth,
+                             Theme::kInset);
     head->setSpacing(Theme::kGap);
     head->addWidget(preset_);
     head->addWidget(changed_);
@@ -62,7 +66,6 @@ void Rack::buildCards()
         cards_.push_back(card);
         stack->addWidget(card);
         connect(card, &RackCardView::shelfAsked, this, &Rack::openShelf);
-        connect(card, &KitCard::folded, this, &Rack::refresh);
         connect(card->menu(), &QMenu::aboutToShow, this, [this, card] { fillMenu(*card); });
         card->setOpen(block == PresetBlock::source || block == PresetBlock::light ||
                       block == PresetBlock::film || block == PresetBlock::print);
@@ -181,11 +184,11 @@ void Rack::refresh()
     const ProcessSettings settings = model_.rack.rackSettings();
     const FrameRef frame = model_.selection.currentFrame();
     const bool isOriginal = frame && !frame->process && !model_.sides.editsB();
-    const auto rack = RackVisibility::of(settings, model_.store());
+    const RackVisibility* rack = visibility(settings);
     const auto changes = differences(model_.rack.recipeOf(settings), settings);
     showHead(settings, isOriginal, changes);
     scroll_->widget()->setEnabled(frame != nullptr);
-    for (RackCardView* card : cards_) card->setVisible(rack.has_value());
+    for (RackCardView* card : cards_) card->setVisible(rack != nullptr);
     if (!rack) {
         note_->setText(word("rack.unknownFilm", {{"id", settings.stock}}));
         note_->setVisible(true);
@@ -194,8 +197,19 @@ void Rack::refresh()
     std::set<std::string> changed;
     for (const KnobChange& one : changes) changed.insert(one.key);
     const RackTexts::View view{model_, settings, *rack};
-    const std::vector<RackCard> cards = rackCards(settings, model_.store());
+    const std::vector<RackCard> cards = rackCards(*rack);
     for (std::size_t i = 0; i < cards.size(); ++i) cards_[i]->show(cards[i], view, changed);
+}
+
+const RackVisibility* Rack::visibility(const ProcessSettings& settings)
+{
+    std::vector<std::string> of{settings.stock, settings.lens, settings.paper,
+                                std::to_string(model_.lists.gen())};
+    if (of != rackOf_) rack_ = RackVisibility::of(settings, model_.store());
+    rackOf_ = std::move(of);
+    if (!rack_) return nullptr;
+    rack_->options = settings.options;
+    return &*rack_;
 }
 
 void Rack::showHead(const ProcessSettings& settings, bool isOriginal, const std::vector<KnobChange>& changes)

@@ -7,6 +7,7 @@
 #include "ui/screens/rack_card.h"
 #endif
 
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
@@ -63,6 +64,7 @@ private:
 
     void buildHead();
     void buildCards();
+    const RackVisibility* visibility(const ProcessSettings& settings);
     void fillMenu(RackCardView& card);
     void showHead(const ProcessSettings& settings, bool isOriginal, const std::vector<KnobChange>& changes);
 
@@ -71,8 +73,11 @@ private:
     KitNote *note_, *changed_;
     QScrollArea* scroll_;
     std::vector<RackCardView*> cards_;
-    std::unique_ptr<Shelf> shelf_;
+    QPointer<Shelf> shelf_;                  ///< its host is its parent
     std::optional<std::size_t> stepsBefore_; ///< when the gesture began
+    /// The profiles of what was shown last, and what they were read for.
+    std::optional<RackVisibility> rack_;
+    std::vector<std::string> rackOf_;
     Subscription subscription_;
 };
 

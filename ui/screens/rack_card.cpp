@@ -215,6 +215,7 @@ void RackCardView::showKnobs(const RackCard& card, const RackTexts::View& view)
     for (const RackKnob& one : card.knobs) {
         const std::string_view option = one.knob->option;
         if ((hasDiscs && isGlow(option)) || (hasHint && option == "stop")) continue;
+        if (option == "wb_mode" && RackTexts::choices(one, view).size() < 2) continue;
         standing.insert(option);
         RackControl*& control = controls_[std::string(option)];
         if (control && control->kind() != RackControl::kindOf(one)) delete std::exchange(control, nullptr);

@@ -54,7 +54,7 @@ public:
         KnobRow row = *one.row;
         row.unit = RackTexts::numberUnit(knob_.option);
         turner_->setRow(row);
-        turner_->setTexts(qt(knob_.title()), RackTexts::spokenUnit(knob_.option));
+        turner_->setTexts(RackTexts::title(knob_), RackTexts::spokenUnit(knob_.option));
     }
     QWidget* control() const override { return turner_; }
 
@@ -78,8 +78,8 @@ public:
 
     void show(const RackKnob& one, const RackTexts::View& view) override
     {
-        toggle_->setText(qt(knob_.title()));
-        toggle_->setToolTip(qt(knob_.title()));
+        toggle_->setText(RackTexts::title(knob_));
+        toggle_->setToolTip(RackTexts::title(knob_));
         toggle_->setChecked(RackTexts::isOn(one, view));
         toggle_->setChanged(isChanged(one));
     }
@@ -101,7 +101,7 @@ public:
 
     void show(const RackKnob& one, const RackTexts::View& view) override
     {
-        row_->setLabel(qt(knob_.title()), isChanged(one));
+        row_->setLabel(RackTexts::title(knob_), isChanged(one));
         const std::vector<KitOption> options = RackTexts::choices(one, view);
         if (options != options_) picker_->setOptions(options);
         options_ = options;
@@ -132,7 +132,7 @@ public:
 
     void show(const RackKnob& one, const RackTexts::View&) override
     {
-        row_->setLabel(qt(knob_.title()), isChanged(one));
+        row_->setLabel(RackTexts::title(knob_), isChanged(one));
         if (!entry_->hasFocus() || !entry_->isModified()) entry_->setText(qt(one.value));
     }
     QWidget* control() const override { return entry_; }

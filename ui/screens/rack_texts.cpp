@@ -166,6 +166,11 @@ bool isOn(const RackKnob& one, const View& view)
            paper->plate->enabled.value_or(false);
 }
 
+QString title(const Knob& knob)
+{
+    return knob.option == std::string_view("frame_size") ? word("knob.frameSize") : qt(knob.title());
+}
+
 std::string numberUnit(std::string_view option)
 {
     constexpr std::string_view kShown[] = {"cm", "mm", "degrees", "degrees Celsius", "stops", "years"};

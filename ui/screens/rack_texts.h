@@ -30,6 +30,8 @@ std::vector<KitOption> choices(const RackKnob& one, const View& view);
 std::string inForce(const RackKnob& one, const View& view);
 bool isOn(const RackKnob& one, const View& view);
 
+/// What a knob is called; the size of a frame beside its format has a name of its own.
+QString title(const Knob& knob);
 /// Behind a number, with its blank; empty for none.
 std::string numberUnit(std::string_view option);
 /// Spoken with the range of a number.
