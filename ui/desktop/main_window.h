@@ -5,6 +5,7 @@
 #include "app/shell/application.h"
 #include "ui/desktop/menus.h"
 #include "ui/desktop/project_flow.h"
+#include "ui/desktop/qt_desktop.h"
 #include "ui/screens/desk.h"
 
 #include <QMainWindow>
@@ -31,6 +32,9 @@ public:
     void take(std::vector<std::string> paths) { flow_->take(std::move(paths)); }
     /// All texts anew, in the language in force.
     void retranslate();
+    /// What the window's commands act on.
+    const Desk& desk() const { return desk_; }
+    GridScreen& grid() { return *grid_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -66,9 +70,22 @@ private:
     bool showsOriginals() const override { return showsOriginals_; }
     void focusNextRegion(int direction) override;
     void zoomTiles(int direction) override;
+    void focusCard(PresetBlock block) override;
+    void openShelf(ShelfKind kind) override;
+    void copyBlock() override;
+    bool hasFocusedCard() const override;
+    void showExport() override;
+    void exportAgain() override;
+    void runExport(const ExportDraft& draft, const std::string& folder) override;
+    void chooseFolder(const char* titleKey, std::function<void(std::string)> take) override
+    {
+        flow_->chooseFolder(titleKey, std::move(take));
+    }
+    void showPreferences() override;
 
     void build();
     void follow(const ChangeSet& change);
+    void watchProgress();
     void showScreen();
     void showTitle();
     void restorePlace();
@@ -89,6 +106,8 @@ private:
     StatusLine* status_ = nullptr;
     std::unique_ptr<ProjectFlow> flow_;
     std::unique_ptr<Menus> menus_;
+    QtDesktop desktop_;
+    platform::Timer progress_;
     Subscription subscription_;
 };
 

@@ -12,8 +12,8 @@ ProjectFlow::ProjectFlow(AppModel& model, SheetHost& sheets, QWidget& window)
     : model_(model), sheets_(sheets), dialogs_(window)
 {}
 
-void ProjectFlow::confirm(const char* titleKey, const Loc::Args& args, const char* noteKey, const char* yesKey,
-                          Then yes)
+void ProjectFlow::confirm(const char* titleKey, const Loc::Args& args, const char* noteKey,
+                          const char* yesKey, Then yes)
 {
     auto sheet = std::make_unique<Sheet>(word(titleKey, args), noteKey ? word(noteKey) : QString());
     sheet->addCancel();
@@ -112,7 +112,8 @@ void ProjectFlow::save(Then then)
         return write(*model_.projectURL(), Saver::Over::expected, std::move(then));
     auto sheet = std::make_unique<Sheet>(word("project.changedOnDisk"), QString());
     sheet->addButton("menu.file.saveAs", [this, then] { saveAs(then); });
-    sheet->addButton("common.replace", [this, then] { write(*model_.projectURL(), Saver::Over::anything, then); });
+    sheet->addButton("common.replace",
+                     [this, then] { write(*model_.projectURL(), Saver::Over::anything, then); });
     sheet->addCancel();
     sheets_.show(std::move(sheet));
 }
@@ -139,10 +140,15 @@ void ProjectFlow::locateFile()
     const FrameID id = isCursor ? *cursor : lost.front();
     const FrameRef frame = model_.project().frame(id);
     if (!frame) return;
-    dialogs_.pictures(word("link.wherePanel", {{"file", frame->fileName()}}),
-                      [this, id](const FileDialogs::Paths& paths) {
-                          model_.linker.linkFile(id, paths.front(), true);
-                      });
+    dialogs_.pictures(
+        word("link.wherePanel", {{"file", frame->fileName()}}),
+        [this, id](const FileDialogs::Paths& paths) { model_.linker.linkFile(id, paths.front(), true); });
+}
+
+void ProjectFlow::chooseFolder(const char* titleKey, std::function<void(std::string)> take)
+{
+    dialogs_.folder(word(titleKey),
+                    [take = std::move(take)](FileDialogs::Paths paths) { take(paths.front()); });
 }
 
 void ProjectFlow::locateFolder()

@@ -30,6 +30,7 @@ public:
     void saveAs(Then then = {});
     void locateFile();
     void locateFolder();
+    void chooseFolder(const char* titleKey, std::function<void(std::string)> take);
 
     /// Makes sure that nothing is lost, asking where it has to, and goes on. Not called when the user stays.
     void leave(Then go);

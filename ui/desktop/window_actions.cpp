@@ -5,12 +5,15 @@
 #include "ui/kit/words.h"
 #include "ui/screens/about_dialog.h"
 #include "ui/screens/develop_screen.h"
+#include "ui/screens/export_dialog.h"
 #include "ui/screens/grid_screen.h"
 #include "ui/screens/grid_view.h"
 #include "ui/screens/history_dialog.h"
 #include "ui/screens/keys_dialog.h"
 #include "ui/screens/message_bars.h"
 #include "ui/screens/palette_dialog.h"
+#include "ui/screens/preferences_dialog.h"
+#include "ui/screens/rack.h"
 #include "ui/screens/restore_dialog.h"
 #include "ui/screens/sheet.h"
 #include "ui/screens/status_line.h"
@@ -162,6 +165,72 @@ bool MainWindow::showsStrip() const
 void MainWindow::zoomTiles(int direction)
 {
     grid_->zoomTiles(direction);
+}
+
+void MainWindow::focusCard(PresetBlock block)
+{
+    develop_->rack().focusCard(block);
+}
+
+void MainWindow::openShelf(ShelfKind kind)
+{
+    develop_->rack().openShelf(kind);
+}
+
+void MainWindow::copyBlock()
+{
+    if (const RackCardView* card = develop_->rack().focusedCard())
+        desk_.model.copying.copyBlock(T(std::string(PresetSchema::titleKey(card->block()))), {card->block()});
+}
+
+bool MainWindow::hasFocusedCard() const
+{
+    return desk_.isOnDevelop() && develop_->rack().focusedCard();
+}
+
+void MainWindow::showExport()
+{
+    (new ExportDialog(desk_, this))->show();
+}
+
+/// As the last one was, without asking; what it is to be is asked where no folder is known.
+void MainWindow::exportAgain()
+{
+    AppModel& model = desk_.model;
+    const ExportDraft draft =
+        model.exporter.exportDraft(desk_.isOnDevelop() ? model.selection.cursor() : std::nullopt);
+    const ExportFolders::List folders = ExportFolders::load(model.seams().preferences);
+    std::error_code ignored;
+    if (folders.empty() || !std::filesystem::is_directory(folders.front().path, ignored)) return showExport();
+    runExport(draft, folders.front().path);
+}
+
+void MainWindow::runExport(const ExportDraft& draft, const std::string& folder)
+{
+    const auto ended = [this, draft, folder](const ExportReport& report) {
+        progress_.cancel();
+        desktop_.showProgress(std::nullopt);
+        if (!isActiveWindow()) desktop_.notify(T("export.over"), report.text());
+        std::vector<std::filesystem::path> files;
+        for (const ExportedFrame& one : report.outcome.written) files.push_back(one.file);
+        if (draft.reveal && !files.empty()) desktop_.reveal(files);
+    };
+    if (desk_.model.exporter.startExport(draft, folder, ended)) watchProgress();
+}
+
+void MainWindow::watchProgress()
+{
+    const auto& task = desk_.model.exporter.task();
+    if (!task) return;
+    desktop_.showProgress(task->fraction());
+    progress_ = desk_.model.seams().loop.after(1, [this] { watchProgress(); });
+}
+
+void MainWindow::showPreferences()
+{
+    (new PreferencesDialog(
+         desk_, [this] { retranslate(); }, this))
+        ->show();
 }
 
 QList<QWidget*> MainWindow::regions() const

@@ -1,6 +1,6 @@
 #include "ui/screens/commands.h"
 
-#include "core/text/loc.h"
+#include "ui/screens/shelf_items.h"
 
 namespace tamlo::ui {
 namespace {
@@ -39,6 +39,15 @@ bool isCropped(const D& desk)
 {
     const FrameRef frame = desk.model.selection.currentFrame();
     return frame && frame->crop;
+}
+
+bool canExport(const D& desk)
+{
+    return desk.hasFrames() && !desk.model.exporter.isExporting();
+}
+bool isAB(const D& desk)
+{
+    return desk.model.sides.abEnabled();
 }
 
 // What they do.
@@ -89,6 +98,9 @@ const Command kCommands[] = {
     {"menu.file.saveAs", MenuOf::file, "Ctrl+Shift+S", hasFrames, [](D& d) { d.window.saveAs(); }},
     {"menu.file.restore", MenuOf::file, "", [](const D& d) { return d.model.projectURL().has_value(); },
      [](D& d) { d.window.restoreBackup(); }},
+    {"menu.file.export", MenuOf::file, "Ctrl+E", canExport, [](D& d) { d.window.showExport(); }, nullptr,
+     kGroup},
+    {"menu.file.exportAgain", MenuOf::file, "Ctrl+Shift+E", canExport, [](D& d) { d.window.exportAgain(); }},
     {"menu.file.locate", MenuOf::file, "", hasLost, [](D& d) { d.window.locateFile(); }, nullptr, kGroup},
     {"menu.file.locateFolder", MenuOf::file, "", hasLost, [](D& d) { d.window.locateFolder(); }},
     {"menu.file.quit", MenuOf::file, "Ctrl+Q", nullptr, [](D& d) { d.window.quit(); }, nullptr, kGroup},
@@ -103,6 +115,10 @@ const Command kCommands[] = {
     {"menu.edit.paste", MenuOf::edit, "Ctrl+V",
      [](const D& d) { return d.hasCursor() && d.model.copying.hasSettings(); },
      [](D& d) { d.model.copying.pasteSettings(); }},
+    {"menu.edit.copyBlock", MenuOf::edit, "Ctrl+Shift+C",
+     [](const D& d) { return d.window.hasFocusedCard(); }, [](D& d) { d.window.copyBlock(); }},
+    {"menu.edit.pasteBlock", MenuOf::edit, "Ctrl+Shift+V", hasCursor,
+     [](D& d) { d.model.copying.pasteBlock(); }},
     {"menu.edit.selectAll", MenuOf::edit, "Ctrl+A", onGrid,
      [](D& d) { d.model.selection.selectAllVisible(); }, nullptr, kGroup},
     {"menu.edit.selectNone", MenuOf::edit, "Ctrl+Shift+A", onGrid,
@@ -152,8 +168,34 @@ const Command kCommands[] = {
      [](D& d) { d.model.selection.setFilter(GridFilter::selected); },
      [](const D& d) { return isFilter(d, GridFilter::selected); }},
 
+    {"menu.process.presets", MenuOf::process, "Alt+0", onDevelop,
+     [](D& d) { d.window.openShelf(ShelfKind::presets); }},
+    {"menu.process.lensShelf", MenuOf::process, "Alt+3", onDevelop,
+     [](D& d) { d.window.openShelf(ShelfKind::lens); }},
+    {"menu.process.filterShelf", MenuOf::process, "Alt+4", onDevelop,
+     [](D& d) { d.window.openShelf(ShelfKind::filter); }},
+    {"menu.process.filmShelf", MenuOf::process, "Alt+5", onDevelop,
+     [](D& d) { d.window.openShelf(ShelfKind::film); }},
+    {"menu.process.paperShelf", MenuOf::process, "Alt+7", onDevelop,
+     [](D& d) { d.window.openShelf(ShelfKind::paper); }},
+    {"menu.process.source", MenuOf::process, "1", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::source); }, nullptr, kGroup},
+    {"menu.process.light", MenuOf::process, "2", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::light); }},
+    {"menu.process.optics", MenuOf::process, "3", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::optics); }},
+    {"menu.process.filter", MenuOf::process, "4", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::filter); }},
+    {"menu.process.film", MenuOf::process, "5", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::film); }},
+    {"menu.process.develop", MenuOf::process, "6", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::develop); }},
+    {"menu.process.print", MenuOf::process, "7", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::print); }},
+    {"menu.process.finish", MenuOf::process, "8", onDevelop,
+     [](D& d) { d.window.focusCard(PresetBlock::finish); }},
     {"menu.process.applyAll", MenuOf::process, "Ctrl+Alt+V", hasProcess,
-     [](D& d) { d.model.spreading.applyToAll(*d.model.selection.cursor()); }},
+     [](D& d) { d.model.spreading.applyToAll(*d.model.selection.cursor()); }, nullptr, kGroup},
     {"menu.process.reset", MenuOf::process, "Ctrl+Backspace", hasProcess,
      [](D& d) { d.model.rack.resetSettings(d.model.selection.actionTargets()); }},
     {"menu.process.rerollFilm", MenuOf::process, "", hasProcess,
@@ -162,6 +204,13 @@ const Command kCommands[] = {
      [](D& d) { reroll(d, Seeds::SeedStream::develop); }},
     {"menu.process.rerollPrint", MenuOf::process, "", hasProcess,
      [](D& d) { reroll(d, Seeds::SeedStream::print); }},
+
+    {"menu.process.compare", MenuOf::process, "B", onDevelop,
+     [](D& d) { isAB(d) ? d.model.sides.focusAB(Sides::ABSide::b) : d.model.sides.enterAB(); }, nullptr,
+     kGroup},
+    {"menu.process.sideA", MenuOf::process, "A", isAB, [](D& d) { d.model.sides.focusAB(Sides::ABSide::a); }},
+    {"develop.takeThis", MenuOf::process, "Return Enter", isAB,
+     [](D& d) { d.model.sides.exitAB(d.model.sides.abFocus()); }},
 
     {"menu.view.grid", MenuOf::view, "G", hasFrames, [](D& d) { d.model.selection.backToGrid(); },
      [](const D& d) { return !d.isOnDevelop(); }},

@@ -7,6 +7,8 @@
 
 namespace tamlo::ui {
 
+enum class ShelfKind;
+
 /// Each opens something, or begins something that goes on by callbacks; none waits.
 struct WindowActions {
     virtual ~WindowActions() = default;
@@ -36,6 +38,18 @@ struct WindowActions {
     virtual bool showsOriginals() const = 0;
     virtual void focusNextRegion(int direction) = 0;
     virtual void zoomTiles(int direction) = 0;
+    virtual void focusCard(PresetBlock block) = 0;
+    virtual void openShelf(ShelfKind kind) = 0;
+    /// Of the card of the rack that has the focus.
+    virtual void copyBlock() = 0;
+    virtual bool hasFocusedCard() const = 0;
+    virtual void showExport() = 0;
+    virtual void exportAgain() = 0;
+    /// Begins the run, and tells and shows what came of it when it ends.
+    virtual void runExport(const ExportDraft& draft, const std::string& folder) = 0;
+    /// Asks for a folder.
+    virtual void chooseFolder(const char* titleKey, std::function<void(std::string)> take) = 0;
+    virtual void showPreferences() = 0;
 };
 
 struct Desk {

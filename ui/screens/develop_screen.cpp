@@ -5,6 +5,7 @@
 #include "ui/kit/words.h"
 #include "ui/screens/canvas_bar.h"
 #include "ui/screens/frame_strip.h"
+#include "ui/screens/rack.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -36,7 +37,8 @@ DevelopScreen::DevelopScreen(Desk desk, QWidget* parent)
       picture_(new PictureView(this)),
       link_(new CanvasLink(desk.model, &desk.views.screen(), *picture_)),
       bar_(new CanvasBar(desk, this)),
-      strip_(new FrameStrip(desk, this))
+      strip_(new FrameStrip(desk, this)),
+      rack_(new Rack(desk.model, this))
 {
     auto* across = new QHBoxLayout(this);
     across->setContentsMargins(0, 0, 0, 0);
@@ -47,6 +49,9 @@ DevelopScreen::DevelopScreen(Desk desk, QWidget* parent)
     left->addWidget(bar_);
     left->addWidget(strip_);
     across->addLayout(left, 1);
+    across->addWidget(rack_);
+    rack_->setScreen(&desk_.views.screen());
+    rack_->setShelfHost(picture_);
     setFocusProxy(picture_);
     subscription_ = desk_.model.subscribe({Concern::frameView, Concern::selection, Concern::tiles,
                                            Concern::roll, Concern::fileStates, Concern::ab},
@@ -81,7 +86,24 @@ void DevelopScreen::showPicture()
         link_->show(screen.image(), {});
     else
         link_->show(cursor ? desk_.views.tiles().tile(*cursor) : nullptr, {});
+    showSides();
     bar_->refresh();
+}
+
+/// A keeps the place it has without B beside it.
+void DevelopScreen::showSides()
+{
+    const FrameScreen& screen = desk_.views.screen();
+    const bool isTwo = desk_.model.sides.abEnabled();
+    picture_->setArrangement(isTwo ? PictureView::Arrangement::sideBySide : PictureView::Arrangement::one);
+    picture_->setPicture(PictureView::Side::beside, isTwo ? screen.abImage() : nullptr);
+    const auto name = [&](const char* letter, Sides::ABSide side) {
+        const bool isEdited = desk_.model.sides.abFocus() == side;
+        return QString::fromLatin1(letter) +
+               (isEdited ? QStringLiteral(" · ") + word("canvas.edited") : QString());
+    };
+    picture_->setName(PictureView::Side::main, name("A", Sides::ABSide::a));
+    picture_->setName(PictureView::Side::beside, name("B", Sides::ABSide::b));
 }
 
 void DevelopScreen::setShowsOriginal(bool shows)
@@ -103,7 +125,7 @@ bool DevelopScreen::showsStrip() const
 
 QList<QWidget*> DevelopScreen::regions() const
 {
-    return {picture_, bar_, strip_};
+    return {picture_, rack_, bar_, strip_};
 }
 
 } // namespace tamlo::ui

@@ -12,6 +12,7 @@ class CanvasBar;
 class CanvasLink;
 class FrameStrip;
 class PictureView;
+class Rack;
 
 class DevelopScreen : public QWidget {
 public:
@@ -20,6 +21,8 @@ public:
     void setShowsOriginal(bool shows);
     void setShowsStrip(bool shows);
     bool showsStrip() const;
+    Rack& rack() { return *rack_; }
+    const Rack& rack() const { return *rack_; }
     /// What F6 walks through.
     QList<QWidget*> regions() const;
 
@@ -29,12 +32,14 @@ protected:
 private:
     void retranslate();
     void showPicture();
+    void showSides();
 
     Desk desk_;
     PictureView* picture_;
     CanvasLink* link_; ///< the view's
     CanvasBar* bar_;
     FrameStrip* strip_;
+    Rack* rack_;
     bool showsOriginal_ = false;
     Subscription subscription_;
 };

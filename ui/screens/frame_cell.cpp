@@ -51,9 +51,10 @@ QRect paintPicture(QPainter& painter, TilePixmaps& pixmaps, const FrameCell& cel
 {
     const double scale = painter.device()->devicePixelRatioF();
     QRect picture = tile;
-    if (cell.tile) {
-        QPixmap pixmap =
-            pixmaps.fitted(cell.frame->id, cell.tile, static_cast<int>(tile.width() * scale), isRough);
+    const int side = static_cast<int>(tile.width() * scale);
+    QPixmap pixmap = cell.tile ? pixmaps.fitted(cell.frame->id, cell.tile, side, isRough)
+                               : pixmaps.known(cell.frame->id, side);
+    if (!pixmap.isNull()) {
         pixmap.setDevicePixelRatio(scale);
         picture = QRect(QPoint(), (QSizeF(pixmap.size()) / scale).toSize());
         picture.moveCenter(tile.center());
@@ -114,7 +115,8 @@ bool paintFrameCell(QPainter& painter, TilePixmaps& pixmaps, const FrameCell& ce
         paintMark(painter, cell.frame->mark, QPointF(picture.left() + 11, picture.top() + 11), kMarkPx);
     if (cell.isStale && cell.tile) {
         painter.setPen(Qt::white);
-        painter.drawText(picture.adjusted(0, 0, -6, -4), Qt::AlignRight | Qt::AlignBottom, QStringLiteral("…"));
+        painter.drawText(picture.adjusted(0, 0, -6, -4), Qt::AlignRight | Qt::AlignBottom,
+                         QStringLiteral("…"));
     }
     paintCaption(painter, cell, caption, palette);
     if (cell.isCursor) {

@@ -1,10 +1,7 @@
 #include "ui/screens/status_line.h"
 
-#include "app/preview/render_process.h"
-#include "core/image/tamlo_error.h"
-#include "core/pipeline/output_plan.h"
-#include "core/profiles/formats/profile_error.h"
 #include "ui/kit/words.h"
+#include "ui/screens/print_size.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -140,28 +137,10 @@ void StatusLine::watchWork()
 void StatusLine::showFrame()
 {
     const FrameRef frame = desk_.model.selection.currentFrame();
-    const auto shape = frame ? desk_.views.loads().shape(frame->id) : std::nullopt;
     source_->setText(frame ? qt(desk_.views.loads().sourceInfo(frame->id)) : QString());
     source_->setVisible(!source_->text().isEmpty());
-    size_->clear();
-    if (frame && frame->process && shape)
-        size_->setText(printSize(*frame, {shape->fullWidth, shape->fullHeight}));
+    size_->setText(frame ? printSizeText(desk_, *frame) : QString());
     size_->setVisible(!size_->text().isEmpty());
-}
-
-/// Empty where a profile is not there.
-QString StatusLine::printSize(const Frame& frame, Size source) const
-{
-    const AppModel& model = desk_.model;
-    try {
-        const ProcessSettings process = renderProcess(*frame.process, frame, std::nullopt,
-                                                      model.project().cropGate, &model.project().frames);
-        const RenderChoices choices = choicesOf(process, model.store());
-        return qt(Pipeline::sizeLabel(
-            Pipeline::outputSize(source, choices.film, choices.paper, choices.options, 1), T("unit.mp")));
-    } catch (const ProfileError&) {
-    } catch (const TamloError&) {}
-    return {};
 }
 
 } // namespace tamlo::ui

@@ -28,7 +28,6 @@ private:
     void showFrame();
     void showLog();
     void watchWork();
-    QString printSize(const Frame& frame, Size source) const;
 
     Desk desk_;
     QToolButton* status_;

@@ -35,7 +35,7 @@ QPixmap TilePixmaps::fitted(const FrameID& id, const Image& image, int side, boo
     const auto found = places_.find(id);
     if (found != places_.end()) {
         const auto at = found->second;
-        if (at->image == image && at->side == side) {
+        if (at->image.lock() == image && at->side == side) {
             kept_.splice(kept_.begin(), kept_, at);
             return at->pixmap;
         }
@@ -45,9 +45,8 @@ QPixmap TilePixmaps::fitted(const FrameID& id, const Image& image, int side, boo
     isRough = seconds() > until_;
     const QSize size = whole.size().scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1});
     if (isRough) return QPixmap::fromImage(whole.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation));
-    QPixmap pixmap =
-        QPixmap::fromImage(whole.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                               .convertToFormat(QImage::Format_RGB32));
+    QPixmap pixmap = QPixmap::fromImage(whole.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                            .convertToFormat(QImage::Format_RGB32));
     if (found != places_.end()) {
         bytes_ -= bytesOf(found->second->pixmap);
         kept_.erase(found->second);
@@ -61,6 +60,12 @@ QPixmap TilePixmaps::fitted(const FrameID& id, const Image& image, int side, boo
         kept_.pop_back();
     }
     return pixmap;
+}
+
+QPixmap TilePixmaps::known(const FrameID& id, int side) const
+{
+    const auto found = places_.find(id);
+    return found != places_.end() && found->second->side == side ? found->second->pixmap : QPixmap();
 }
 
 void TilePixmaps::clear()

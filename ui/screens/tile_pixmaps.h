@@ -1,10 +1,10 @@
-// TilePixmaps: the tiles of the grid and the strip as they stand on the screen: scaled to the size they are shown
-// at, and kept while there is room. Scaling takes a millisecond or two a tile, so a paint that passes many at once
-// shows the rest roughly and asks to be repeated.
+// TilePixmaps: the tiles of the grid and the strip as they stand on the screen: scaled to the size they are
+// shown at, and kept while there is room. Scaling takes a millisecond or two a tile, so a paint that passes
+// many at once shows the rest roughly and asks to be repeated.
 #pragma once
 
-#include "core/io/ready_image.h"
 #include "app/project/frame.h"
+#include "core/io/ready_image.h"
 
 #include <QPixmap>
 
@@ -22,12 +22,14 @@ public:
     void beginPaint();
     /// The tile fitted into a square of `side` device pixels. isRough: there was no time for more.
     QPixmap fitted(const FrameID& id, const Image& image, int side, bool& isRough);
+    /// As it was shown last at this size; null where that is not kept.
+    QPixmap known(const FrameID& id, int side) const;
     void clear();
 
 private:
     struct Kept {
         FrameID id;
-        Image image; ///< which it was made of
+        std::weak_ptr<const ReadyImage> image; ///< which it was made of
         int side;
         QPixmap pixmap;
     };
