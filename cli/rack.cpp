@@ -15,16 +15,6 @@
 namespace tamlo::cli {
 namespace {
 
-/// What the frame's recipe would have made of it: the recipe stamped again. Without one, a fresh process.
-ProcessSettings recipeOf(const ProcessSettings& settings, const AppModel& model)
-{
-    const PresetInfo* info = settings.presetName ? model.lists.presetTitled(*settings.presetName) : nullptr;
-    if (!info) return ProcessSettings::fresh();
-    ProcessSettings out = settings;
-    applyPreset(out, model.store().preset(info->id), info->title, model.store());
-    return out;
-}
-
 Json knobJson(const RackKnob& one)
 {
     Json out{{"key", one.knob->option}, {"name", one.knob->title()}, {"value", one.value}};
@@ -101,7 +91,7 @@ int runRack(const RackArguments& arguments, std::ostream& results)
     const ProcessSettings settings = frame.process ? *frame.process : ProcessSettings::fresh();
     const std::vector<RackCard> cards = rackCards(settings, session->model().store());
     if (cards.empty()) throw std::runtime_error(T("cli.noSuch.films", {{"id", settings.stock}}));
-    const auto changes = differences(recipeOf(settings, session->model()), settings);
+    const auto changes = differences(session->model().rack.recipeOf(settings), settings);
     if (arguments.json) {
         results << prettyJson(rackJson(session->model(), frame, settings, cards, changes)) << std::endl;
         return 0;

@@ -29,7 +29,11 @@ int headlessRun(const std::string& input, const std::string& output)
     platform::HeadlessLoop loop;
     std::optional<HeadlessRun::Result> result;
     {
-        Application application(Application::Mode::service, loop, ProfileStore::shared(), programBuild());
+        HeadlessQuestions questions;
+        questions.pairChoice = FolderScan::PairChoice::both;
+        platform::SessionClipboard clipboard;
+        Application application(Application::Mode::service,
+                                {loop, ProfileStore::shared(), questions, clipboard}, programBuild());
         application.start(false);
         HeadlessRun run(application, loop, [&](HeadlessRun::Result ended) { result = std::move(ended); });
         run.runSmokeTest(input, output, platform::environmentVariable("TAMLO_SMOKE_SHEET"));

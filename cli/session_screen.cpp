@@ -152,7 +152,7 @@ void crop(LiveSession& session, const Words& words, std::ostream& results)
         const CropHandle handle = wordAt(words, 1, handles);
         const double dx = numberAt(words, 2), dy = numberAt(words, 3);
         const bool fromCentre = words.size() > 4 && words[4] == "centre";
-        cropping.change([&](CropDraft& draft) { draft.drag(handle, dx, dy, fromCentre); });
+        cropping.change([&](CropDraft& draft) { draft.drag(handle, dx, dy, {.fromCentre = fromCentre}); });
         const RectPx& rect = cropping.draft()->rect();
         results << Fmt::number(rect.x, 1) << ' ' << Fmt::number(rect.y, 1) << ' ' << Fmt::number(rect.w, 1)
                 << ' ' << Fmt::number(rect.h, 1) << '\n';
@@ -258,7 +258,8 @@ const std::map<std::string, Verb, std::less<>> kVerbs{
 } // namespace
 
 LiveSession::LiveSession()
-    : application_(Application::Mode::user, loop_, ProfileStore::shared(), programBuild())
+    : application_(Application::Mode::user, {loop_, ProfileStore::shared(), questions_, clipboard_},
+                   programBuild())
 {
     application_.start(false);
     FrameScreen& screen = views().screen();

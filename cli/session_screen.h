@@ -19,7 +19,7 @@ public:
 
     AppModel& model() override { return application_.model(); }
     const AppModel& model() const override { return application_.model(); }
-    HeadlessQuestions& questions() override { return application_.questions(); }
+    HeadlessQuestions& questions() override { return questions_; }
     const Path& roll() const override { return roll_; }
     LiveViews& views() { return application_.views(); }
     platform::HeadlessLoop& loop() { return loop_; }
@@ -37,6 +37,8 @@ public:
 
 private:
     platform::HeadlessLoop loop_;
+    HeadlessQuestions questions_;
+    platform::SessionClipboard clipboard_;
     Application application_;
     Path roll_;
 };

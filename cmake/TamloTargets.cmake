@@ -40,3 +40,12 @@ function(tamlo_bench name)
   add_executable(${name}_bench ${name}_bench.cpp)
   target_link_libraries(${name}_bench PRIVATE ${ARG_LINKS} tamlo_rules benchmark::benchmark)
 endfunction()
+
+# tamlo_ui_library(NAME SOURCES ... LINKS ... [PRIVATE_LINKS ...]): a tamlo_library of widgets. Headers with
+# Q_OBJECT are listed among the sources.
+function(tamlo_ui_library name)
+  tamlo_library(${name} ${ARGN})
+  set_target_properties(tamlo_${name} PROPERTIES AUTOMOC ON)
+  target_compile_definitions(tamlo_${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_FOREACH)
+  target_link_libraries(tamlo_${name} PUBLIC Qt6::Widgets)
+endfunction()

@@ -1,8 +1,7 @@
 #include "platform/icc.h"
 
+#include "platform/icc_profile.h"
 #include "platform/platform_error.h"
-
-#include <lcms2.h>
 
 #include <array>
 #include <cmath>
@@ -11,15 +10,8 @@
 namespace tamlo::platform {
 namespace {
 
-struct ProfileCloser {
-    void operator()(void* profile) const noexcept { cmsCloseProfile(profile); }
-};
-using Profile = std::unique_ptr<void, ProfileCloser>;
-
-struct CurveFreer {
-    void operator()(cmsToneCurve* curve) const noexcept { cmsFreeToneCurve(curve); }
-};
-using Curve = std::unique_ptr<cmsToneCurve, CurveFreer>;
+using Profile = ICCProfile;
+using Curve = ICCCurve;
 
 cmsColorSpaceSignature signatureOf(ColourModel model)
 {
@@ -62,8 +54,7 @@ Curve tabulated(F&& toLight)
     return Curve(cmsBuildTabulatedToneCurve16(nullptr, table.size(), table.data()));
 }
 
-// Parametric curves of type 4: (a v + b)^g above d, c v below.
-constexpr cmsFloat64Number kSRGBCurve[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+// As kSRGBCurve.
 constexpr cmsFloat64Number kBT709Curve[5] = {1 / 0.45, 1 / 1.099, 0.099 / 1.099, 1 / 4.5, 0.081};
 
 Curve curveOf(const NamedSpace& space)
@@ -98,45 +89,10 @@ Profile profileOf(const NamedSpace& space, ColourModel model)
     return Profile(cmsCreateRGBProfile(&white, &primaries, curves));
 }
 
-bool isSRGBCurve(const cmsToneCurve* curve)
-{
-    if (!curve) return false;
-    const Curve wanted(cmsBuildParametricToneCurve(nullptr, 4, kSRGBCurve));
-    for (int i = 0; i <= 64; ++i) {
-        const auto v = static_cast<cmsFloat32Number>(i) / 64.0f;
-        // A quarter of an 8-bit step near white, where steps are widest in light.
-        if (std::abs(cmsEvalToneCurveFloat(curve, v) - cmsEvalToneCurveFloat(wanted.get(), v)) > 0.001f)
-            return false;
-    }
-    return true;
-}
-
-// Compares what the profile says, not its name: colorants within 0.002 of sRGB's and curves that agree.
-bool isSRGB(cmsHPROFILE profile)
-{
-    const auto curve = [&](cmsTagSignature tag) {
-        return static_cast<const cmsToneCurve*>(cmsReadTag(profile, tag));
-    };
-    if (cmsGetColorSpace(profile) == cmsSigGrayData) return isSRGBCurve(curve(cmsSigGrayTRCTag));
-    if (!cmsIsMatrixShaper(profile) || cmsIsTag(profile, cmsSigAToB0Tag) || cmsIsTag(profile, cmsSigAToB1Tag))
-        return false;
-    const Profile wanted(cmsCreate_sRGBProfile());
-    for (const cmsTagSignature tag : {cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag}) {
-        const auto* a = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, tag));
-        const auto* b = static_cast<const cmsCIEXYZ*>(cmsReadTag(wanted.get(), tag));
-        if (!a || !b) return false;
-        if (std::abs(a->X - b->X) > 0.002 || std::abs(a->Y - b->Y) > 0.002 || std::abs(a->Z - b->Z) > 0.002)
-            return false;
-    }
-    return isSRGBCurve(curve(cmsSigRedTRCTag)) && isSRGBCurve(curve(cmsSigGreenTRCTag)) &&
-           isSRGBCurve(curve(cmsSigBlueTRCTag));
-}
-
 Profile sourceProfile(const RowFormat& format, const ColourTag& tag)
 {
     if (!tag.iccProfile.empty()) {
-        Profile profile(cmsOpenProfileFromMem(tag.iccProfile.data(),
-                                              static_cast<cmsUInt32Number>(tag.iccProfile.size())));
+        Profile profile = openICCProfile(tag.iccProfile);
         if (profile && cmsGetColorSpace(profile.get()) == signatureOf(format.model)) return profile;
     }
     if (format.model == ColourModel::cmyk) return {};

@@ -120,6 +120,13 @@ std::optional<ThumbCache::Tile> ThumbCache::read(const std::string& viewKey, Ras
     return std::nullopt;
 }
 
+bool ThumbCache::holds(const std::string& viewKey) const
+{
+    const fs::path folder = cache_.directory() / kFolder;
+    return platform::fileInfo(folder / name(viewKey, Raster::p)) ||
+           platform::fileInfo(folder / name(viewKey, Raster::t));
+}
+
 std::optional<ReadyImage> ThumbCache::readStale(const std::string& viewKey)
 {
     using Rank = std::tuple<bool, double, std::string>; // the largest goes first

@@ -43,6 +43,8 @@ public:
     bool has(const std::string& viewKey) const;
     /// The wanted raster, else the other. A file that is no picture is removed, so that it can be made anew.
     std::optional<Tile> read(const std::string& viewKey, Raster raster);
+    /// A file of this view stands there, in either raster; it is not read.
+    bool holds(const std::string& viewKey) const;
     /// By another build: a print before a computed one, then the newest.
     std::optional<ReadyImage> readStale(const std::string& viewKey);
     void removeFile(const std::string& viewKey, Raster raster);

@@ -30,20 +30,23 @@ void SessionPreferences::setText(const std::string& key, const std::optional<std
     changed_[key] = value;
 }
 
-Application::Application(Mode mode, platform::MainLoop& loop, ProfileStore& store, std::string build)
+Application::Application(Mode mode, Surroundings around, std::string build)
     : mode_(mode),
-      loop_(loop),
+      loop_(around.loop),
       preferences_(mode == Mode::service
                        ? std::unique_ptr<platform::Preferences>(std::make_unique<SessionPreferences>())
                        : std::make_unique<platform::FilePreferences>()),
       registry_(mode == Mode::service ? std::nullopt
                                       : std::make_optional<ProjectRegistry>(platform::userFolder())),
-      views_({loop, store, registry_ ? &*registry_ : nullptr, ProxyCache::defaultFolder(), std::move(build)}),
-      model_({loop, store, questions_, views_, clipboard_, volumes_, *preferences_,
+      views_({around.loop, around.store, registry_ ? &*registry_ : nullptr, ProxyCache::defaultFolder(), std::move(build)}),
+      model_({around.loop, around.store, around.questions, views_, around.clipboard, volumes_, *preferences_,
               registry_ ? &*registry_ : nullptr, sourceSize}),
-      graphics_(loop)
+      graphics_(around.loop)
 {
     views_.attach(model_);
+    model_.exporter.setStats([this](const Frame& frame, WBMode wb, const RGBImage& decoded) {
+        return views_.previews().frames.exportStats(frame, wb, decoded);
+    });
 }
 
 Application::~Application()

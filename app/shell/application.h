@@ -1,6 +1,7 @@
-// Application: a session with pictures and without a window, from its start to its end: the model, what it
-// stands on, and the order in which things begin and are put away. In service mode it opens, remembers and
-// writes no project, registry or preference.
+// Application: a session with pictures, from its start to its end: the model, what it stands on, and the order
+// in which things begin and are put away. Who answers its questions and keeps what is copied stands around it: a
+// window, or the stand-ins of a program without one. In service mode it opens, remembers and writes no project,
+// registry or preference.
 #pragma once
 
 #include "app/shell/app_model.h"
@@ -24,17 +25,24 @@ private:
     std::map<std::string, std::optional<std::string>> changed_;
 };
 
+/// What a program gives its session; all of it outlives the session.
+struct Surroundings {
+    platform::MainLoop& loop;
+    ProfileStore& store;
+    Questions& questions;
+    platform::Clipboard& clipboard;
+};
+
 class Application {
 public:
     enum class Mode { service, user };
 
-    Application(Mode mode, platform::MainLoop& loop, ProfileStore& store, std::string build);
+    Application(Mode mode, Surroundings around, std::string build);
     ~Application();
 
     AppModel& model() { return model_; }
     const AppModel& model() const { return model_; }
     LiveViews& views() { return views_; }
-    HeadlessQuestions& questions() { return questions_; }
     GraphicsProbe& graphics() { return graphics_; }
 
     /// Timers, the probe, volumes that come and go; the last project, where another is not asked for.
@@ -48,9 +56,7 @@ private:
     Mode mode_;
     platform::MainLoop& loop_;
     std::unique_ptr<platform::Preferences> preferences_;
-    platform::SessionClipboard clipboard_;
     platform::SystemVolumes volumes_;
-    HeadlessQuestions questions_;
     std::optional<ProjectRegistry> registry_;
     LiveViews views_;
     AppModel model_;

@@ -183,11 +183,13 @@ void CropDraft::nudge(double dx, double dy)
     if (fits(moved, angle_)) setRect(moved);
 }
 
-void CropDraft::drag(CropHandle handle, double dx, double dy, bool fromCentre)
+void CropDraft::drag(CropHandle handle, double dx, double dy, Grip grip)
 {
     if (handle == CropHandle::body) return nudge(dx, dy);
-    const RectPx wanted = CropGeometry::resized(rect_, handle, dx, dy, picture_.size, aspectOf(aspectKind_),
-                                                fromCentre, kMinSidePx);
+    std::optional<double> aspect = aspectOf(aspectKind_);
+    if (!aspect && grip.keepsRatio) aspect = rect_.w / rect_.h;
+    const RectPx wanted =
+        CropGeometry::resized(rect_, handle, dx, dy, picture_.size, aspect, grip.fromCentre, kMinSidePx);
     if (fits(wanted, angle_)) return setRect(wanted);
     // As far towards it as the tilted picture goes.
     const auto between = [&](double t) {

@@ -56,7 +56,12 @@ public:
     /// The largest rectangle in the ratio in force round the same centre.
     void expandToMax();
     void nudge(double dx, double dy);
-    void drag(CropHandle handle, double dx, double dy, bool fromCentre);
+    /// What a hand on a handle wants beside the move.
+    struct Grip {
+        bool fromCentre = false;
+        bool keepsRatio = false; ///< where no ratio is in force, that of the rectangle
+    };
+    void drag(CropHandle handle, double dx, double dy, Grip grip);
     /// The whole picture, free, upright.
     void reset();
 
@@ -65,6 +70,7 @@ public:
     void beginTilt();
     void setAngle(double degrees);
     void endTilt() { tilt_.reset(); }
+    bool isTilting() const { return tilt_.has_value(); }
     /// Makes a line drawn along what should be level, or upright, so.
     void levelBy(Pipeline::PointPx from, Pipeline::PointPx to);
 

@@ -106,6 +106,24 @@ void Cropping::resetCropOfTargets()
     resetCrops(model_.selection.actionTargets());
 }
 
+bool Cropping::takesPart() const
+{
+    const std::string rule = model_.project().cropGate.value_or(RenderOptions().cropGate);
+    return Formats::cropGateMode(rule) == Formats::CropGate::full;
+}
+
+void Cropping::setTakesPart(bool takesPart)
+{
+    constexpr double kRenderDelaySeconds = 0.25;
+    if (takesPart == this->takesPart()) return;
+    const bool isChanged = model_.editProject(
+        {T("undo.cropGate")}, [&](Project& project) { project.cropGate = takesPart ? "full" : "none"; });
+    if (!isChanged) return;
+    model_.observers.note(Concern::crop);
+    model_.seams().views.renderAllThumbs();
+    if (model_.selection.screen() == Screen::develop) model_.seams().views.renderCurrent(kRenderDelaySeconds);
+}
+
 std::optional<double> Cropping::cropFormatAspect(const Frame& frame) const
 {
     const ProcessSettings settings = settingsOf(frame);

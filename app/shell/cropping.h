@@ -47,6 +47,10 @@ public:
     void resetCropOfFrame(const FrameID& id) { resetCrops({id}); }
     void resetCropOfTargets();
 
+    /// The project's rule on what a crop takes of the film: a part of the frame, or all of it. One step.
+    void setTakesPart(bool takesPart);
+    bool takesPart() const;
+
     /// Of the film's window over a frame: long over short side; none for a custom size.
     std::optional<double> cropFormatAspect(const Frame& frame) const;
     /// Of the picture on an instant card.

@@ -36,7 +36,6 @@ void HeadlessRun::runSmokeTest(const std::filesystem::path& input, const std::fi
     output_ = output;
     sheet_ = std::move(sheet);
     AppModel& model = application_.model();
-    application_.questions().pairChoice = FolderScan::PairChoice::both;
     application_.views().screen().setFit(kFit, 1);
     model.importer.addFiles({input.string()}, [this, &model](std::optional<Importer::Outcome> outcome) {
         isImporting_ = false;

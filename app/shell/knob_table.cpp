@@ -54,6 +54,8 @@ constexpr Knob kKnobs[] = {
     {"border_black", "borderBlack"},
     {"frame_style", "frameStyle"},
     {"frame_rough", "frameRough", 0.05},
+    {"frame_print", "framePrint"},
+    {"frame_print_text", "framePrintText"},
     {"instant_frame", "instantFrame"},
     {"paper_base", "paperBase"},
     {"print_cm", "printCm", 1},
@@ -135,6 +137,17 @@ KnobRow knobRow(const Knob& knob, const RenderOptions& options, double whenAbsen
     out.low = -row.high;
     out.high = -row.low;
     return out;
+}
+
+void toDefault(const Knob& knob, RenderOptions& options)
+{
+    const OptionRow& row = *findOption(knob.option);
+    Json usual;
+    row.write(RenderOptions{}, usual);
+    if (usual.is_null() && row.clear)
+        row.clear(options);
+    else
+        row.read(options, usual, JsonPath());
 }
 
 void turn(const Knob& knob, RenderOptions& options, double shown)

@@ -31,5 +31,7 @@ const Knob* findKnob(std::string_view option);
 KnobRow knobRow(const Knob& knob, const RenderOptions& options, double whenAbsent = 0);
 /// Sets the option to what the knob shows.
 void turn(const Knob& knob, RenderOptions& options, double shown);
+/// Puts the option back to what an untouched frame has.
+void toDefault(const Knob& knob, RenderOptions& options);
 
 } // namespace tamlo

@@ -104,6 +104,7 @@ void LiveViews::renderCurrent(double delaySeconds)
 void LiveViews::setVisibleTiles(std::vector<FrameID> ids)
 {
     visibleTiles_ = std::move(ids);
+    tiles_.setVisible(visibleTiles_);
     syncPins();
 }
 

@@ -1,8 +1,10 @@
 #include "app/shell/rack.h"
 
+#include "app/project/loaded.h"
 #include "app/project/process_rules.h"
 #include "app/shell/app_model.h"
 #include "app/shell/knob_changes.h"
+#include "app/shell/knob_table.h"
 #include "core/text/loc.h"
 
 #include <algorithm>
@@ -85,7 +87,21 @@ void Rack::setRackSettings(const ProcessSettings& to)
     if (frame) takeSettings(turned(settingsOf(*frame), to));
 }
 
-void Rack::takeSettings(const ProcessSettings& to)
+void Rack::toDefault(const Knob& knob)
+{
+    model_.endGesture();
+    const ProcessSettings from = rackSettings();
+    ProcessSettings to = from;
+    tamlo::toDefault(knob, to.options);
+    to = turned(from, std::move(to));
+    if (model_.sides.editsB())
+        model_.sides.setB(std::move(to));
+    else
+        takeSettings(to, T("knob.toDefault", {{"label", knob.title()}}));
+    model_.endGesture();
+}
+
+void Rack::takeSettings(const ProcessSettings& to, const std::optional<std::string>& name)
 {
     const FrameRef frame = model_.selection.currentFrame();
     if (!frame || model_.selection.screen() != Screen::develop) return;
@@ -94,10 +110,30 @@ void Rack::takeSettings(const ProcessSettings& to)
     History::Change step{T("undo.startPrinting")};
     if (frame->process) {
         KnobChange knob = changeOf(from, to, model_.store());
-        step = {std::move(knob.name), "frame:" + knob.key};
+        step = {name.value_or(knob.name), "frame:" + knob.key};
     }
     model_.editFrames(std::move(step), {frame->id},
                       [&](Frame& changed) { give(changed, to, Refit::automaticAndBeyond); });
+}
+
+void Rack::startPrinting()
+{
+    const FrameRef frame = model_.selection.currentFrame();
+    if (!frame || frame->process || model_.selection.screen() != Screen::develop) return;
+    model_.editFrames({T("undo.startPrinting")}, {frame->id}, [&](Frame& changed) {
+        give(changed, ProcessSettings::fresh(), Refit::automaticAndBeyond);
+    });
+}
+
+ProcessSettings Rack::recipeOf(const ProcessSettings& settings) const
+{
+    const PresetInfo* info = settings.presetName ? model_.lists.presetTitled(*settings.presetName) : nullptr;
+    if (!info) return ProcessSettings::fresh();
+    const auto preset = loaded([&] { return model_.store().preset(info->id); });
+    if (!preset) return ProcessSettings::fresh();
+    ProcessSettings out = settings;
+    applyPreset(out, *preset, info->title, model_.store());
+    return out;
 }
 
 std::size_t Rack::change(const FrameIDs& ids, const Change& change)

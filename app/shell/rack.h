@@ -7,12 +7,14 @@
 #include "core/profiles/options/seed_stream.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tamlo {
 
 class AppModel;
+struct Knob;
 
 class Rack {
 public:
@@ -25,8 +27,18 @@ public:
     ProcessSettings rackSettings() const;
     /// A knob was turned: one step a gesture. Only on the develop screen; on side B of two, without a step.
     void setRackSettings(const ProcessSettings& to);
-    /// Settings for the frame on the develop screen as they stand, in a step named by what they change.
-    void takeSettings(const ProcessSettings& to);
+    /// Settings for the frame on the develop screen as they stand, in a step named by what they change, or as
+    /// said.
+    void takeSettings(const ProcessSettings& to, const std::optional<std::string>& name = std::nullopt);
+    /// Puts one knob of what the rack shows back to its default, as a step of its own.
+    void toDefault(const Knob& knob);
+
+    /// Gives the frame on the develop screen a process of its own to start from, where it has none.
+    void startPrinting();
+    /// What a preset would make of the rack's settings, were it applied now: what has changed since is
+    /// counted from there. Fresh settings where none was.
+    ProcessSettings recipe() const { return recipeOf(rackSettings()); }
+    ProcessSettings recipeOf(const ProcessSettings& settings) const;
 
     /// Changes the process of frames as one step; a frame without one starts from a fresh one. Returns how
     /// many frames changed.

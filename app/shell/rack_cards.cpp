@@ -34,10 +34,13 @@ bool isSizeOfPrint(std::string_view option)
 }
 
 /// The option has an effect under this value.
-bool acts(RenderChoices choices, const OptionRow& row, const Json& value)
+bool acts(RenderChoices& choices, const OptionRow& row, const Json& value)
 {
+    const RenderOptions before = choices.options; // the profiles are large: they are not copied
     row.read(choices.options, value, JsonPath());
-    return Pipeline::idleOptions(choices, {row.key}).empty();
+    const bool out = Pipeline::idleOptions(choices, {row.key}).empty();
+    choices.options = before;
+    return out;
 }
 
 Json valueOf(const OptionRow& row, const RenderOptions& options)
@@ -63,7 +66,19 @@ std::string textOf(const Json& value)
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-std::optional<RackKnob> standing(const Knob& knob, const RackVisibility& rack, const RenderChoices& choices)
+/// What a number that is absent stands for: the paper's own, or the size of the print.
+double whenAbsent(std::string_view option, const RenderChoices& choices)
+{
+    const PaperProfile& paper = choices.paper;
+    if (option == "sheet_cm") return choices.options.printCm;
+    if (option == "relief") return 1;
+    if (option == "ink_roller" && paper.texture) return paper.texture->roller.value_or(0);
+    if (option == "pickup" && paper.transfer) return paper.transfer->pickup.value_or(0);
+    if (option == "coat_rough" && paper.coat) return paper.coat->rough.value_or(0);
+    return 0;
+}
+
+std::optional<RackKnob> standing(const Knob& knob, const RackVisibility& rack, RenderChoices& choices)
 {
     const auto rule = std::ranges::find(kRules, knob.option, &KnobRule::option);
     if (rule != std::end(kRules) && !(rack.*rule->holds)()) return std::nullopt;
@@ -83,7 +98,7 @@ std::optional<RackKnob> standing(const Knob& knob, const RackVisibility& rack, c
         out.choices = rack.allowedFormats();
         if (const auto fugitive = rack.fugitiveFormat()) out.choices.push_back(*fugitive);
     }
-    if (knob.step > 0) out.row = knobRow(knob, choices.options, choices.options.printCm);
+    if (knob.step > 0) out.row = knobRow(knob, choices.options, whenAbsent(knob.option, choices));
     return out;
 }
 
@@ -144,16 +159,20 @@ std::string developmentCaption(const FilmProfile& film, const RenderOptions& opt
 std::vector<RackCard> rackCards(const ProcessSettings& settings, const ProfileStore& store)
 {
     const std::optional<RackVisibility> rack = RackVisibility::of(settings, store);
-    if (!rack) return {};
-    const RenderChoices choices{rack->film, rack->lens.value_or(LensProfile()),
-                                rack->paper.value_or(PaperProfile()), rack->options};
+    return rack ? rackCards(*rack) : std::vector<RackCard>();
+}
+
+std::vector<RackCard> rackCards(const RackVisibility& rack)
+{
+    RenderChoices choices{rack.film, rack.lens.value_or(LensProfile()), rack.paper.value_or(PaperProfile()),
+                          rack.options};
     std::vector<RackCard> out;
     for (const PresetBlock block : PresetSchema::order()) {
         RackCard card{.block = block, .title = T(std::string(PresetSchema::titleKey(block)))};
         for (const Knob& knob : knobTable())
             if (holdsKey(block, knob.option))
-                if (auto one = standing(knob, *rack, choices)) card.knobs.push_back(std::move(*one));
-        describe(card, *rack);
+                if (auto one = standing(knob, rack, choices)) card.knobs.push_back(std::move(*one));
+        describe(card, rack);
         out.push_back(std::move(card));
     }
     return out;

@@ -31,6 +31,8 @@ struct RackCard {
 /// The cards of settings in the order of the darkroom, in the language in force; none where the film can't be
 /// loaded.
 std::vector<RackCard> rackCards(const ProcessSettings& settings, const ProfileStore& store);
+/// The same with the profiles at hand.
+std::vector<RackCard> rackCards(const RackVisibility& rack);
 
 /// What the development card says of developer, push and temperature.
 std::string developmentCaption(const FilmProfile& film, const RenderOptions& options);

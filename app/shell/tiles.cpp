@@ -20,6 +20,13 @@ constexpr std::int64_t kTileLong = 1024;
 constexpr std::array<std::int64_t, 2> kInputLongs{1024, 2048};
 constexpr std::size_t kMostPrints = 6;
 constexpr double kFlushSeconds = 0.5;
+constexpr std::int64_t kMostBytes = 192LL << 20; // some seventy tiles: several screens full
+constexpr std::size_t kLooksAtOnce = 4;          // the others stay in an order that can still change
+
+std::int64_t bytesOf(const Tiles::Image& image)
+{
+    return static_cast<std::int64_t>(image->rgba.size());
+}
 
 } // namespace
 
@@ -33,7 +40,54 @@ Tiles::Tiles(Previews& previews, SourceLoads& loads)
 Tiles::Image Tiles::tile(const FrameID& id) const
 {
     const auto found = tiles_.find(id);
-    return found == tiles_.end() ? nullptr : found->second;
+    return found == tiles_.end() ? nullptr : found->second.image;
+}
+
+void Tiles::setVisible(const FrameIDs& ids)
+{
+    visible_ = {ids.begin(), ids.end()};
+    const auto isVisible = [this](const FrameID& id) { return visible_.contains(id); };
+    std::ranges::stable_partition(looks_, [&](const auto& look) { return isVisible(look.first); });
+    std::ranges::stable_partition(sourceQueue_, isVisible);
+    for (const FrameID& id : ids)
+        if (!tiles_.contains(id) && !pending_.contains(id)) renderOne(id);
+}
+
+/// Nobody looks, and there is no room: it is read when it comes into view.
+bool Tiles::waitsOnDisk(const FrameID& id, const std::string& key) const
+{
+    const auto there = persisted_.find(id);
+    return !visible_.contains(id) && !tiles_.contains(id) && there != persisted_.end() &&
+           there->second == key;
+}
+
+bool Tiles::isRoom() const
+{
+    return bytes_ < kMostBytes;
+}
+
+void Tiles::keep(const FrameID& id, Image image)
+{
+    drop(id);
+    bytes_ += bytesOf(image);
+    byAge_[++lastAge_] = id;
+    tiles_[id] = {std::move(image), lastAge_};
+    for (auto oldest = byAge_.begin(); bytes_ > kMostBytes && oldest != byAge_.end();) {
+        const FrameID other = (oldest++)->second;
+        if (other == id || visible_.contains(other)) continue;
+        drop(other);
+        shown_.erase(other);
+        stubs_.erase(other);
+    }
+}
+
+void Tiles::drop(const FrameID& id)
+{
+    const auto found = tiles_.find(id);
+    if (found == tiles_.end()) return;
+    bytes_ -= bytesOf(found->second.image);
+    byAge_.erase(found->second.age);
+    tiles_.erase(found);
 }
 
 void Tiles::setShowsOriginals(bool shows)
@@ -98,24 +152,37 @@ void Tiles::renderOne(const FrameID& id)
     wanted_[id] = *key;
     if (const auto shown = shown_.find(id); shown != shown_.end() && shown->second == *key && !stubs_[id])
         return void(pending_.erase(id));
+    if (waitsOnDisk(id, *key)) return void(pending_.erase(id));
     pending_.insert(id);
     const auto print = std::ranges::find_if(prints_, [&](const Print& one) { return one.key == *key; });
     if (print != prints_.end()) return reduceAndKeep(id, *key, print->image, Raster::p);
     if (const auto missed = missedOnDisk_.find(id); missed != missedOnDisk_.end() && missed->second == *key)
         return renderFromSource(id, *key);
-    lookOnDisk(id, *key);
+    visible_.contains(id) ? looks_.emplace_front(id, *key) : looks_.emplace_back(id, *key);
+    pumpLooks();
+}
+
+void Tiles::pumpLooks()
+{
+    while (!looks_.empty() && looking_ < kLooksAtOnce) {
+        const auto [id, key] = looks_.front();
+        looks_.pop_front();
+        if (isWanted(id, key)) lookOnDisk(id, key);
+    }
 }
 
 void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
 {
     struct Found {
         Image image;
-        bool isStub = false, isStale = false;
+        bool isStub = false, isStale = false, isThereUnread = false;
     };
-    const bool mayRead = mayPersist(id);
+    const bool mayRead = mayPersist(id), onlyAsks = !isRoom() && !visible_.contains(id);
+    ++looking_;
     disk_.run(
-        [&thumbs = previews_.thumbs, key, mayRead, scale = displayScale_]() -> Found {
+        [&thumbs = previews_.thumbs, key, mayRead, onlyAsks, scale = displayScale_]() -> Found {
             if (!mayRead) return {};
+            if (onlyAsks && thumbs.holds(key)) return {nullptr, false, false, true};
             if (auto tile = thumbs.read(key, Raster::p)) {
                 const bool isStub = tile->raster == Raster::t && scale > 1;
                 return {std::make_shared<const ReadyImage>(std::move(tile->image)), isStub, false};
@@ -124,9 +191,17 @@ void Tiles::lookOnDisk(const FrameID& id, const std::string& key)
             return {stale ? std::make_shared<const ReadyImage>(std::move(*stale)) : nullptr, true, true};
         },
         [this, id, key](Found found) {
+            --looking_;
+            pumpLooks();
             const auto shown = shown_.find(id);
             const bool isThere = shown != shown_.end() && shown->second == key && !stubs_[id];
             if (!isWanted(id, key) || isThere) return; // the develop screen was quicker
+            if (found.isThereUnread) {
+                persisted_[id] = key;
+                pending_.erase(id);
+                if (visible_.contains(id)) renderOne(id); // it has come into view meanwhile
+                return;
+            }
             if (found.image) show(id, key, found.image, found.isStub);
             if (found.image && !found.isStale) {
                 persisted_[id] = key;
@@ -231,9 +306,9 @@ void Tiles::reduceAndKeep(const FrameID& id, const std::string& key, const Image
 
 void Tiles::show(const FrameID& id, const std::string& key, Image image, bool isStub)
 {
-    tiles_[id] = std::move(image);
     shown_[id] = key;
     stubs_[id] = isStub;
+    keep(id, std::move(image));
     ++shownGen_;
     model_->observers.noteTile(id);
 }
@@ -288,11 +363,12 @@ void Tiles::flush(bool wait)
 void Tiles::forget(const FrameID& id)
 {
     previews_.renderer.cancel("thumb:" + id.text());
-    tiles_.erase(id);
+    drop(id);
     stubs_.erase(id);
     pending_.erase(id);
     for (auto* map : {&wanted_, &shown_, &missedOnDisk_, &persisted_}) map->erase(id);
     std::erase(sourceQueue_, id);
+    std::erase_if(looks_, [&](const auto& look) { return look.first == id; });
 }
 
 void Tiles::clear()
@@ -300,6 +376,10 @@ void Tiles::clear()
     previews_.renderer.cancel("thumb:");
     flush(false);
     tiles_.clear();
+    byAge_.clear();
+    bytes_ = 0;
+    visible_.clear();
+    looks_.clear();
     stubs_.clear();
     pending_.clear();
     for (auto* map : {&wanted_, &shown_, &missedOnDisk_, &persisted_}) map->clear();

@@ -1,6 +1,7 @@
 // Tiles: the pictures of the grid. Each view has a name that follows from all that decides how it looks; a
 // tile of that name is shown from memory, from the print of the develop screen, from the disk, and only then
-// rendered. No source is opened for a view that was seen before.
+// rendered. No source is opened for a view that was seen before. Memory holds those that can be seen, and of
+// the others as many as there is room for; the rest waits on the disk.
 #pragma once
 
 #include "app/project/project.h"
@@ -10,11 +11,13 @@
 #include "app/shell/source_loads.h"
 
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -41,6 +44,10 @@ public:
     /// Without a grid on the screen no tile is made; the print of the develop screen is kept as one still.
     void setShowsGrid(bool shows) { showsGrid_ = shows; }
     void setDisplayScale(double scale) { displayScale_ = scale; }
+    /// Tiles that can be seen: they come before the others, and stay in memory.
+    void setVisible(const FrameIDs& ids);
+    /// Of all tiles in memory.
+    std::int64_t bytes() const { return bytes_; }
 
     void render(const FrameIDs& ids);
     void renderAll();
@@ -54,6 +61,7 @@ public:
 
     /// Frames whose tile is still to come, and can.
     std::size_t pendingCount() const { return pending_.size(); }
+    bool isPending(const FrameID& id) const { return pending_.contains(id); }
     /// The tile as a sheet has it.
     FrameViews::SheetTile sheetTile(const FrameID& id) const;
     /// Writes what waits for the disk. wait: until it stands there.
@@ -79,7 +87,12 @@ private:
     void renderOne(const FrameID& id);
     bool isOnScreen(const FrameID& id) const;
     bool isWanted(const FrameID& id, const std::string& key) const;
+    bool waitsOnDisk(const FrameID& id, const std::string& key) const;
+    bool isRoom() const;
+    void pumpLooks();
     void lookOnDisk(const FrameID& id, const std::string& key);
+    void keep(const FrameID& id, Image image);
+    void drop(const FrameID& id);
     void renderFromSource(const FrameID& id, const std::string& key);
     void submit(const FrameRef& frame, const FrameStore::SourceRef& source, const std::string& key);
     void pumpSources();
@@ -96,7 +109,17 @@ private:
     double displayScale_ = 1;
     std::int64_t shownGen_ = 0;
 
-    std::unordered_map<FrameID, Image> tiles_;
+    struct Kept {
+        Image image;
+        std::uint64_t age = 0; ///< when it was shown last, by count
+    };
+    std::unordered_map<FrameID, Kept> tiles_;
+    std::map<std::uint64_t, FrameID> byAge_; ///< those in memory, the oldest first
+    std::uint64_t lastAge_ = 0;
+    std::int64_t bytes_ = 0;
+    std::unordered_set<FrameID> visible_;
+    std::deque<std::pair<FrameID, std::string>> looks_; ///< on disk, still to be begun
+    std::size_t looking_ = 0;
     std::unordered_map<FrameID, std::string> wanted_, shown_, missedOnDisk_, persisted_;
     std::unordered_map<FrameID, bool> stubs_; ///< shown for now, wanting a better one
     std::set<FrameID> pending_;

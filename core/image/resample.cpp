@@ -181,15 +181,20 @@ double resamplingSupport(Resampling filter)
 }
 
 ResampleCoeffs::ResampleCoeffs(std::int64_t inSize, std::int64_t outSize, Resampling filter)
+    : ResampleCoeffs(inSize, outSize, filter, 0, outSize)
+{}
+
+ResampleCoeffs::ResampleCoeffs(std::int64_t inSize, std::int64_t outSize, Resampling filter,
+                               std::int64_t first, std::int64_t count)
 {
     const double scale = static_cast<double>(inSize) / static_cast<double>(outSize);
     const double filterscale = std::max(scale, 1.0);
     const double support = resamplingSupport(filter) * filterscale;
     const double ss = 1.0 / filterscale;
     ksize = 2 * static_cast<std::int64_t>(std::ceil(support)) + 1;
-    k.resize(static_cast<std::size_t>(ksize * outSize));
-    for (std::int64_t i = 0; i < outSize; ++i) {
-        const double center = (static_cast<double>(i) + 0.5) * scale;
+    k.resize(static_cast<std::size_t>(ksize * count));
+    for (std::int64_t i = 0; i < count; ++i) {
+        const double center = (static_cast<double>(first + i) + 0.5) * scale;
         const auto from = std::max<std::int64_t>(static_cast<std::int64_t>(center - support + 0.5), 0);
         const auto to = std::min(static_cast<std::int64_t>(center + support + 0.5), inSize);
         double* w = k.data() + i * ksize;

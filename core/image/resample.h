@@ -28,6 +28,9 @@ struct ResampleCoeffs {
     std::vector<double> k;
 
     ResampleCoeffs(std::int64_t inSize, std::int64_t outSize, Resampling filter);
+    /// Those of the output samples first...first + count - 1 alone, the same numbers.
+    ResampleCoeffs(std::int64_t inSize, std::int64_t outSize, Resampling filter, std::int64_t first,
+                   std::int64_t count);
 };
 
 /// A plane of the given size, at least 1 × 1; an unchanged size gives the input back.

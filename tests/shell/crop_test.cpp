@@ -157,7 +157,7 @@ TEST(CropDrafts, AnyGestureStaysWithinThePicture)
                 break;
             case 4:
                 draft.drag(static_cast<CropHandle>(random() % 9), real(-900, 900), real(-900, 900),
-                           random() % 2 == 0);
+                           {.fromCentre = random() % 2 == 0, .keepsRatio = random() % 2 == 0});
                 break;
             default:
                 draft.expandToMax();

@@ -57,7 +57,8 @@ protected:
         model_.cropping.change([this](CropDraft& draft) {
             const auto handle = static_cast<CropHandle>(below(9));
             if (coin())
-                draft.drag(handle, 4000 * (fraction() - 0.5), 4000 * (fraction() - 0.5), coin());
+                draft.drag(handle, 4000 * (fraction() - 0.5), 4000 * (fraction() - 0.5),
+                           {.fromCentre = coin(), .keepsRatio = coin()});
             else
                 draft.setAngle(90 * (fraction() - 0.5));
         });

@@ -1,0 +1,47 @@
+// DevelopScreen: one frame: its print, the rack that makes it, and the strip of the roll.
+#pragma once
+
+#include "ui/screens/desk.h"
+
+#include <QList>
+#include <QWidget>
+
+namespace tamlo::ui {
+
+class CanvasBar;
+class CanvasLink;
+class FrameStrip;
+class PictureView;
+class Rack;
+
+class DevelopScreen : public QWidget {
+public:
+    explicit DevelopScreen(Desk desk, QWidget* parent = nullptr);
+
+    void setShowsOriginal(bool shows);
+    void setShowsStrip(bool shows);
+    bool showsStrip() const;
+    Rack& rack() { return *rack_; }
+    const Rack& rack() const { return *rack_; }
+    /// What F6 walks through.
+    QList<QWidget*> regions() const;
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void retranslate();
+    void showPicture();
+    void showSides();
+
+    Desk desk_;
+    PictureView* picture_;
+    CanvasLink* link_; ///< the view's
+    CanvasBar* bar_;
+    FrameStrip* strip_;
+    Rack* rack_;
+    bool showsOriginal_ = false;
+    Subscription subscription_;
+};
+
+} // namespace tamlo::ui
