@@ -1,5 +1,4 @@
 // The keys of a crop's session.
-#include "app/shell/app_model.h"
 #include "ui/screens/crop_grip.h"
 #include "ui/screens/crop_overlay.h"
 

@@ -1,6 +1,5 @@
 #include "ui/screens/crop_overlay.h"
 
-#include "app/shell/app_model.h"
 #include "ui/canvas/display_color.h"
 #include "ui/canvas/picture_view.h"
 #include "ui/kit/theme.h"

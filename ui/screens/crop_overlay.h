@@ -4,8 +4,8 @@
 #pragma once
 
 #include "app/shell/crop_source.h"
-#include "app/shell/observers.h"
 #include "ui/screens/crop_canvas.h"
+#include "ui/screens/desk.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -26,6 +26,9 @@ public:
 
     /// color: null where every screen is sRGB. All of them outlive this.
     CropOverlay(AppModel& model, LiveViews& views, DisplayColor* color, QWidget* parent);
+    CropOverlay(const Desk& desk, DisplayColor* color, QWidget* parent)
+        : CropOverlay(desk.model, desk.views, color, parent)
+    {}
     ~CropOverlay() override;
 
     /// The next drag draws a line along what is to be level.

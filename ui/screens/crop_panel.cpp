@@ -1,6 +1,5 @@
 #include "ui/screens/crop_panel.h"
 
-#include "app/shell/app_model.h"
 #include "app/shell/crop_label.h"
 #include "ui/kit/kit_button.h"
 #include "ui/kit/kit_card.h"

@@ -2,7 +2,7 @@
 // and the two ways out.
 #pragma once
 
-#include "app/shell/observers.h"
+#include "ui/screens/desk.h"
 
 #include <QWidget>
 
@@ -23,6 +23,9 @@ class CropPanel : public QWidget {
 public:
     /// Both outlive this.
     CropPanel(AppModel& model, CropOverlay& overlay, QWidget* parent = nullptr);
+    CropPanel(const Desk& desk, CropOverlay& overlay, QWidget* parent = nullptr)
+        : CropPanel(desk.model, overlay, parent)
+    {}
 
 protected:
     bool event(QEvent* event) override;
