@@ -83,8 +83,8 @@ ExportDialog::ExportDialog(Desk desk, QWidget* parent)
       example_(new QLabel(this)),
       size_(new QLabel(this)),
       warnings_(new QLabel(this)),
-      social_(new QCheckBox(this)),
-      reveal_(new QCheckBox(this)),
+      social_(new KitSwitch(this)),
+      reveal_(new KitSwitch(this)),
       choose_(new KitButton(this))
 {
     build();
@@ -205,11 +205,11 @@ void ExportDialog::retranslate()
     type_->setAccessibleName(word("export.type"));
     scale_->setAccessibleName(word("export.size"));
     socialSize_->setAccessibleName(word("export.social"));
-    show(draft_);
+    showDraft(draft_);
     refresh();
 }
 
-void ExportDialog::show(const ExportDraft& draft)
+void ExportDialog::showDraft(const ExportDraft& draft)
 {
     naming_->setCurrentIndex(std::max(naming_->findData(static_cast<int>(draft.naming)), 0));
     type_->setCurrentIndex(static_cast<int>(draft.type));
