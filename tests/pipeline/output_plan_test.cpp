@@ -129,6 +129,10 @@ TEST(OutputPlan, IsTheSizeOfTheRender)
     expectThePlanIsTheRender(cards, papers, 6);
     expectThePlanIsTheRender({"collodion_wet", "dryplate_ortho"},
                              {"ambrotype", "ferrotype", "albumen", "bw_neutral"}, 7);
+    expectThePlanIsTheRender({"portra400", "trix400"}, {"crt_tv", "crt_trinitron", "crt_mono"}, 8);
+    // The film's edge, on prints of negatives and on slides.
+    expectThePlanIsTheRender({"portra400", "trix400", "provia100f"},
+                             {"color_ra4", "bw_neutral", "projector", "cibachrome"}, 9);
 }
 
 // Known frames, by hand: 36 mm of film in 6,000 pixels, a crop of half of it, a sheet with borders.
