@@ -210,7 +210,10 @@ Row unmeasured(const std::string& id, const std::string& title, const std::strin
 std::string filmFor(const PaperProfile& paper)
 {
     if (paper.isPlate()) return "collodion_wet";
-    if (paper.isReversal()) return "provia100f";
+    const bool takesSlides =
+        paper.filmTypes && !paper.filmTypes->empty() && paper.filmTypes->front() == "slide";
+    if (paper.isReversal() || takesSlides) return "provia100f";
+    if (paper.layers) return "portra400"; // one print over the other, a colour each
     if (paper.isBW() || paper.isAlt()) return "trix400";
     return "portra400";
 }
