@@ -409,15 +409,39 @@ PrintTone measurePrint(const Bench& bench, const PaperProfile& paper)
     return tone;
 }
 
-} // namespace
-
-Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperProfile* paper,
-                                           const RenderOptions& options)
+void needBuilt(const FilmProfile& film)
 {
     const bool isBuilt =
         film.type == "color" || film.isBW() || film.isCollodion() || film.isSlide() || film.isInstant();
     if (!isBuilt) throw TamloError::unsupported(T("measure.err.filmType", {{"type", film.type}}));
+}
 
+} // namespace
+
+Sensitometry::Curves Sensitometry::curves(const FilmProfile& film, const RenderOptions& options)
+{
+    needBuilt(film);
+    const std::vector<double> steps = ramp(-kCurvesReach, kCurvesReach, kCurvesStep);
+    const Densities planes = Bench(film, options).expose(patches(steps), kFarApartUm, 0.0, 0.0);
+    Curves out{steps, {}};
+    for (const Plane& plane : planes)
+        out.density.push_back(
+            readPatches(steps.size(), [&](auto x, auto y) { return double{plane.at(x, y)}; }));
+    return out;
+}
+
+std::optional<Sensitometry::Granularity> Sensitometry::granularity(const FilmProfile& film,
+                                                                   const RenderOptions& options)
+{
+    needBuilt(film);
+    if (film.isInstant()) return std::nullopt;
+    return measureGranularity(Bench(film, options));
+}
+
+Sensitometry::Report Sensitometry::measure(const FilmProfile& film, const PaperProfile* paper,
+                                           const RenderOptions& options)
+{
+    needBuilt(film);
     const Bench bench(film, options);
     Report report;
     report.logExposure = wedge();

@@ -70,6 +70,17 @@ struct Report {
     std::optional<TubeReport> tube;   ///< of a screen, which has no print
 };
 
+/// A film's characteristic curves well beyond the wedge, so that both of their ends are seen.
+struct Curves {
+    std::vector<double> logExposure;          ///< from -3 to +3, kCurvesStep apart
+    std::vector<std::vector<double>> density; ///< by layer, as in a report
+};
+inline constexpr double kCurvesReach = 3.0, kCurvesStep = 0.05;
+Curves curves(const FilmProfile& film, const RenderOptions& options);
+
+/// The graininess of a report by itself. Errors: as of measure.
+std::optional<Granularity> granularity(const FilmProfile& film, const RenderOptions& options);
+
 /// Measures a film under options (development, age, grain engine and amounts; format and crop are no matter),
 /// and a paper when there is one.
 /// Errors: unsupported for a film or paper whose stage is not built; ProfileError for a film without curves.

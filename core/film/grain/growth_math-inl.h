@@ -179,14 +179,23 @@ private:
                            lam, small);
         Quad<V> cumulated = p;
         Quad<V> count = eachOf([d](V) HWY_ATTR { return hn::Zero(d); }, u);
-        for (const float inverse : Grain::invK) {
-            const auto open = eachOf([](V v, V c) HWY_ATTR { return hn::Gt(v, c); }, u, cumulated);
-            if (hn::AllFalse(d, hn::Or(hn::Or(open.a, open.b), hn::Or(open.c, open.d)))) break;
+        const auto isOpen = [&] HWY_ATTR {
+            return eachOf([](V v, V c) HWY_ATTR { return hn::Gt(v, c); }, u, cumulated);
+        };
+        const auto step = [&](const Quad<M>& open, float inverse) HWY_ATTR {
             count =
                 eachOf([=](V n, M m) HWY_ATTR { return hn::IfThenElse(m, hn::Add(n, one), n); }, count, open);
             const V share = hn::Set(d, inverse);
             p = eachOf([=](V v, V l) HWY_ATTR { return hn::Mul(v, hn::Mul(l, share)); }, p, lam);
             cumulated = eachOf([](V c, V v) HWY_ATTR { return hn::Add(c, v); }, cumulated, p);
+        };
+        // A count that is complete stays so: to ask after every second step is enough.
+        static_assert(Grain::invK.size() % 2 == 0);
+        for (std::size_t k = 0; k < Grain::invK.size(); k += 2) {
+            const Quad<M> open = isOpen();
+            if (hn::AllFalse(d, hn::Or(hn::Or(open.a, open.b), hn::Or(open.c, open.d)))) break;
+            step(open, Grain::invK[k]);
+            step(isOpen(), Grain::invK[k + 1]);
         }
         return count;
     }

@@ -82,30 +82,93 @@ void growthNoise(const GrowthRun& run, std::uint32_t seed, float* HWY_RESTRICT o
         hn::StoreU(normalLanes(d, radius.at(i), angle.at(i)), d, out + i);
 }
 
+#undef TAMLO_GROWTH_WIDE
+#if HWY_ARCH_X86 && HWY_MAX_BYTES == 64
+/// Vectors as wide as a cache line, with lanes that can be taken from two of them at once.
+#define TAMLO_GROWTH_WIDE 1
+HWY_INLINE V lanesOfTwo(V low, V high, hn::Vec<DI> lane)
+{
+    return V{_mm512_permutex2var_ps(low.raw, lane.raw, high.raw)};
+}
+#else
+#define TAMLO_GROWTH_WIDE 0
+#endif
+
+/// Four vectors of sums along a row, and the weighted pairs that join them.
+struct RowSums {
+    V a0, a1, a2, a3;
+
+    HWY_INLINE void join(V lo0, V lo1, V lo2, V lo3, const float* hi, V w)
+    {
+        const D d;
+        const std::int64_t n = lanes();
+        a0 = hn::Add(a0, hn::Mul(hn::Add(lo0, hn::LoadU(d, hi)), w));
+        a1 = hn::Add(a1, hn::Mul(hn::Add(lo1, hn::LoadU(d, hi + n)), w));
+        a2 = hn::Add(a2, hn::Mul(hn::Add(lo2, hn::LoadU(d, hi + 2 * n)), w));
+        a3 = hn::Add(a3, hn::Mul(hn::Add(lo3, hn::LoadU(d, hi + 3 * n)), w));
+    }
+};
+
+/// The pairs about `at`, the lower sample of each read like the upper one.
+HWY_INLINE void joinLoaded(RowSums& sums, const float* at, std::span<const float> w)
+{
+    const D d;
+    const std::int64_t n = lanes();
+    for (std::int64_t j = static_cast<std::int64_t>(w.size()) - 1; j >= 1; --j) {
+        const float* lo = at - j;
+        sums.join(hn::LoadU(d, lo), hn::LoadU(d, lo + n), hn::LoadU(d, lo + 2 * n), hn::LoadU(d, lo + 3 * n),
+                  at + j, hn::Set(d, w[static_cast<std::size_t>(j)]));
+    }
+}
+
+#if TAMLO_GROWTH_WIDE
+/// The same where nearly every read off a vector's border costs two: the lower samples move through five
+/// vectors in hand, lane by lane.
+HWY_INLINE void joinShifted(RowSums& sums, const float* at, std::span<const float> w)
+{
+    const D d;
+    const DI di;
+    const std::int64_t n = lanes(), radius = static_cast<std::int64_t>(w.size()) - 1;
+    for (std::int64_t from = 0; from < radius; from += n) {
+        const float* lo = at - radius + from;
+        const V x0 = hn::LoadU(d, lo), x1 = hn::LoadU(d, lo + n), x2 = hn::LoadU(d, lo + 2 * n),
+                x3 = hn::LoadU(d, lo + 3 * n), x4 = hn::LoadU(d, lo + 4 * n);
+        for (std::int64_t shift = 0; shift < std::min(n, radius - from); ++shift) {
+            const std::int64_t j = radius - from - shift;
+            const auto lane = hn::Iota(di, static_cast<std::int32_t>(shift));
+            sums.join(lanesOfTwo(x0, x1, lane), lanesOfTwo(x1, x2, lane), lanesOfTwo(x2, x3, lane),
+                      lanesOfTwo(x3, x4, lane), at + j, hn::Set(d, w[static_cast<std::size_t>(j)]));
+        }
+    }
+}
+#endif
+
+/// All pairs of a kernel.
+HWY_INLINE void joinPairs(RowSums& sums, const float* at, std::span<const float> w)
+{
+#if TAMLO_GROWTH_WIDE
+    constexpr std::size_t kShiftedFrom = 9; // a smaller kernel's fifth vector would end beyond the row
+    if (w.size() >= kShiftedFrom) return joinShifted(sums, at, w);
+#endif
+    joinLoaded(sums, at, w);
+}
+
 // The centre first, then the pairs from the outside in.
 void growthBlurH(const float* HWY_RESTRICT centre, std::span<const float> w, std::int64_t count,
                  float* HWY_RESTRICT out)
 {
     const D d;
     const std::int64_t n = lanes();
-    const std::int64_t radius = static_cast<std::int64_t>(w.size()) - 1;
     for (std::int64_t i = 0; i < count; i += 4 * n) {
         const float* at = centre + i;
         const V w0 = hn::Set(d, w[0]);
-        V a0 = hn::Mul(hn::LoadU(d, at), w0), a1 = hn::Mul(hn::LoadU(d, at + n), w0);
-        V a2 = hn::Mul(hn::LoadU(d, at + 2 * n), w0), a3 = hn::Mul(hn::LoadU(d, at + 3 * n), w0);
-        for (std::int64_t j = radius; j >= 1; --j) {
-            const V wj = hn::Set(d, w[static_cast<std::size_t>(j)]);
-            const float *lo = at - j, *hi = at + j;
-            a0 = hn::Add(a0, hn::Mul(hn::Add(hn::LoadU(d, lo), hn::LoadU(d, hi)), wj));
-            a1 = hn::Add(a1, hn::Mul(hn::Add(hn::LoadU(d, lo + n), hn::LoadU(d, hi + n)), wj));
-            a2 = hn::Add(a2, hn::Mul(hn::Add(hn::LoadU(d, lo + 2 * n), hn::LoadU(d, hi + 2 * n)), wj));
-            a3 = hn::Add(a3, hn::Mul(hn::Add(hn::LoadU(d, lo + 3 * n), hn::LoadU(d, hi + 3 * n)), wj));
-        }
-        hn::StoreU(a0, d, out + i);
-        hn::StoreU(a1, d, out + i + n);
-        hn::StoreU(a2, d, out + i + 2 * n);
-        hn::StoreU(a3, d, out + i + 3 * n);
+        RowSums sums{hn::Mul(hn::LoadU(d, at), w0), hn::Mul(hn::LoadU(d, at + n), w0),
+                     hn::Mul(hn::LoadU(d, at + 2 * n), w0), hn::Mul(hn::LoadU(d, at + 3 * n), w0)};
+        joinPairs(sums, at, w);
+        hn::StoreU(sums.a0, d, out + i);
+        hn::StoreU(sums.a1, d, out + i + n);
+        hn::StoreU(sums.a2, d, out + i + 2 * n);
+        hn::StoreU(sums.a3, d, out + i + 3 * n);
     }
 }
 
@@ -195,17 +258,40 @@ HWY_INLINE void eachCount(const GrowthRun& run, std::uint32_t seed, const Mean& 
     }
 }
 
+/// exp(k n) for whole n from 0 on: those below 32 are known ahead where two vectors hold them.
+class LightThrough {
+public:
+    explicit LightThrough(V k)
+        : k_(k),
+          low_(hn::Exp(D(), hn::Mul(k, hn::Iota(D(), 0)))),
+          high_(hn::Exp(D(), hn::Mul(k, hn::Iota(D(), static_cast<float>(lanes())))))
+    {}
+    HWY_INLINE V operator()(V crystals) const
+    {
+        const D d;
+#if TAMLO_GROWTH_WIDE
+        const V most = hn::Set(d, static_cast<float>(2 * lanes() - 1));
+        if (hn::AllTrue(d, hn::Le(crystals, most)))
+            return lanesOfTwo(low_, high_, hn::ConvertTo(DI(), crystals));
+#endif
+        return hn::Exp(d, hn::Mul(k_, crystals));
+    }
+
+private:
+    V k_, low_, high_;
+};
+
 void growthSites(const GrowthRun& run, const GrowthGround& ground, const GrowthSilverParams& params,
                  float* HWY_RESTRICT sums)
 {
     const D d;
-    const V q = hn::Set(d, params.q), k = hn::Set(d, -params.k);
+    const V q = hn::Set(d, params.q);
+    const LightThrough lightThrough(hn::Set(d, -params.k));
     const auto lam = [&](std::int64_t i) HWY_ATTR {
         return hn::Mul(hn::Mul(q, groundAt(ground, i)), clumping(ground, params.cs, i));
     };
     eachCount(run, params.seed, lam, [&](std::int64_t i, V crystals) HWY_ATTR {
-        const V light = hn::Exp(d, hn::Mul(k, crystals));
-        hn::StoreU(hn::Add(hn::LoadU(d, sums + i), light), d, sums + i);
+        hn::StoreU(hn::Add(hn::LoadU(d, sums + i), lightThrough(crystals)), d, sums + i);
     });
 }
 
