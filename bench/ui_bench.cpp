@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <QPalette>
 
 #include <benchmark/benchmark.h>
 
