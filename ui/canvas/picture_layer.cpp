@@ -43,7 +43,7 @@ const QImage* PictureLayer::Seen::tile(int x, int y) const
     return found == tiles.end() ? nullptr : &found->second;
 }
 
-PictureLayer::PictureLayer(QObject* parent) : QObject(parent)
+PictureLayer::PictureLayer(TileCache& cache) : cache_(cache)
 {
     maker_.onTiles = [this](const std::vector<TileMaker::Made>& made) { take(made); };
     maker_.onStandIn = [this](const TileKey& key, std::shared_ptr<const StandIn> standIn) {

@@ -21,7 +21,8 @@ class PictureLayer : public QObject {
 public:
     using Image = std::shared_ptr<const ReadyImage>;
 
-    explicit PictureLayer(QObject* parent = nullptr);
+    /// cache: of all layers of a view; outlives this.
+    explicit PictureLayer(TileCache& cache);
 
     /// Null: there is none. full: size of the same picture in all its pixels; empty: the image's own, or that
     /// of the picture before where they are of one shape.
@@ -83,7 +84,7 @@ private:
     Seen now_, coming_;
     CanvasPlace place_;
     QRect port_;
-    TileCache cache_;
+    TileCache& cache_;
     TileMaker maker_; ///< last: it ends before the rest goes
 };
 

@@ -3,6 +3,7 @@
 #include "ui/canvas/canvas_accessible.h"
 #include "ui/canvas/display_color.h"
 #include "ui/canvas/split_handle.h"
+#include "ui/kit/words.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -35,6 +36,7 @@ constexpr PictureView::Side kSides[] = {PictureView::Side::main, PictureView::Si
 PictureView::PictureView(QWidget* parent) : QWidget(parent), handle_(new SplitHandle(this))
 {
     installCanvasAccessibility();
+    handle_->setAccessibleName(word("canvas.split"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
@@ -58,6 +60,12 @@ PictureView::PictureView(QWidget* parent) : QWidget(parent), handle_(new SplitHa
 }
 
 PictureView::~PictureView() = default;
+
+void PictureView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange) handle_->setAccessibleName(word("canvas.split"));
+    QWidget::changeEvent(event);
+}
 
 int PictureView::greyOf(Surround surround)
 {

@@ -78,6 +78,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -104,7 +105,8 @@ private:
     void geometryChanged();
     void paintNames(QPainter& painter) const;
 
-    std::array<PictureLayer, 2> layers_;
+    TileCache cache_;
+    std::array<PictureLayer, 2> layers_{PictureLayer(cache_), PictureLayer(cache_)};
     std::array<QString, 2> names_;
     DisplayColor* color_ = nullptr;
     SplitHandle* handle_;

@@ -54,7 +54,7 @@ bool CropOverlay::isSessionKey(const QKeyEvent& event)
 
 bool CropOverlay::takeKey(const QKeyEvent& event)
 {
-    Cropping& cropping = desk_.model.cropping;
+    Cropping& cropping = model_.cropping;
     if (!cropping.cropMode() || !isSessionKey(event)) return false;
     switch (keyOf(event)) {
     case Qt::Key_X:

@@ -26,12 +26,12 @@ constexpr double kTiltStepDegrees = 0.1;
 
 } // namespace
 
-CropOverlay::CropOverlay(Desk desk, DisplayColor* color, QWidget* parent)
+CropOverlay::CropOverlay(AppModel& model, LiveViews& views, DisplayColor* color, QWidget* parent)
     : QWidget(parent),
-      desk_(desk),
+      model_(model),
       color_(color),
       canvas_([this] { update(); }),
-      source_(desk.model, desk.views, [this] { follow(); })
+      source_(model, views, [this] { follow(); })
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
@@ -53,11 +53,11 @@ CropOverlay::CropOverlay(Desk desk, DisplayColor* color, QWidget* parent)
     connect(&tiltRest_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
     if (color_) connect(color_, &DisplayColor::changed, this, &CropOverlay::follow);
     parent->installEventFilter(this);
-    subscription_ = desk_.model.subscribe(
-        {Concern::crop, Concern::frameView, Concern::roll, Concern::selection}, [this](const ChangeSet&) {
-            if (desk_.model.cropping.cropMode()) source_.refresh();
-            follow();
-        });
+    subscription_ = model_.subscribe({Concern::crop, Concern::frameView, Concern::roll, Concern::selection},
+                                     [this](const ChangeSet&) {
+                                         if (model_.cropping.cropMode()) source_.refresh();
+                                         follow();
+                                     });
     retranslate();
     hide();
 }
@@ -80,7 +80,7 @@ void CropOverlay::changeEvent(QEvent* event)
 /// Shows the session as it is, or that there is none.
 void CropOverlay::follow()
 {
-    const auto& draft = desk_.model.cropping.draft();
+    const auto& draft = model_.cropping.draft();
     if (!draft) {
         if (isHidden()) return;
         endDrag();
@@ -102,7 +102,7 @@ void CropOverlay::follow()
 
 void CropOverlay::arrange()
 {
-    const auto& draft = desk_.model.cropping.draft();
+    const auto& draft = model_.cropping.draft();
     if (!draft) return;
     canvas_.setPlace(size(), devicePixelRatioF(), *draft);
     const QRectF rect = canvas_.pointsOf(draft->rect());
@@ -137,7 +137,7 @@ void CropOverlay::setLevelArmed(bool isArmed)
 
 void CropOverlay::beginDrag()
 {
-    if (const auto& draft = desk_.model.cropping.draft()) before_ = draft->rect();
+    if (const auto& draft = model_.cropping.draft()) before_ = draft->rect();
     update();
 }
 
@@ -155,7 +155,7 @@ void CropOverlay::dragBy(CropHandle handle, QPointF points, Qt::KeyboardModifier
     const QPointF by = points / canvas_.pointsAPixel();
     const CropDraft::Grip grip{.fromCentre = modifiers.testFlag(Qt::ControlModifier),
                                .keepsRatio = modifiers.testFlag(Qt::ShiftModifier)};
-    desk_.model.cropping.change([&](CropDraft& draft) {
+    model_.cropping.change([&](CropDraft& draft) {
         draft.setRect(*before_);
         draft.drag(handle, by.x(), by.y(), grip);
     });
@@ -167,13 +167,12 @@ void CropOverlay::step(CropHandle handle, QPoint by, Qt::KeyboardModifiers modif
     double px = std::max(std::round(1 / (canvas_.pointsAPixel() * devicePixelRatioF())), 1.0);
     if (modifiers.testFlag(Qt::ShiftModifier)) px *= kFarStep;
     const CropDraft::Grip grip{.fromCentre = modifiers.testFlag(Qt::ControlModifier)};
-    desk_.model.cropping.change(
-        [&](CropDraft& draft) { draft.drag(handle, by.x() * px, by.y() * px, grip); });
+    model_.cropping.change([&](CropDraft& draft) { draft.drag(handle, by.x() * px, by.y() * px, grip); });
 }
 
 void CropOverlay::tiltBy(double degrees)
 {
-    desk_.model.cropping.change([&](CropDraft& draft) {
+    model_.cropping.change([&](CropDraft& draft) {
         draft.setAngle(std::round((draft.angle() + degrees) / kTiltStepDegrees) * kTiltStepDegrees);
     });
 }
@@ -203,7 +202,7 @@ void CropOverlay::mouseReleaseEvent(QMouseEvent*)
     constexpr double kLeastLinePt = 8; // a shorter one says nothing of what is level
     if (isLevelArmed_ && press_ && level_ && QLineF(*press_, *level_).length() >= kLeastLinePt) {
         const auto from = canvas_.pixelAt(*press_), to = canvas_.pixelAt(*level_);
-        desk_.model.cropping.change([&](CropDraft& draft) { draft.levelBy(from, to); });
+        model_.cropping.change([&](CropDraft& draft) { draft.levelBy(from, to); });
     }
     setLevelArmed(false);
     endDrag();
@@ -214,7 +213,7 @@ void CropOverlay::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const int grey = PictureView::greyOf(PictureView::Surround::dark);
     painter.fillRect(rect(), QColor(grey, grey, grey));
-    const auto& draft = desk_.model.cropping.draft();
+    const auto& draft = model_.cropping.draft();
     if (!draft) return;
     canvas_.paint(painter, before_.has_value() || tiltRest_.isActive());
     const QRectF crop = canvas_.pointsOf(draft->rect());

@@ -24,8 +24,11 @@ public:
     /// Called when setLevelArmed has changed something.
     std::function<void(bool)> onLevelArmed;
 
-    /// color: null where every screen is sRGB; outlives this.
-    CropOverlay(Desk desk, DisplayColor* color, QWidget* parent);
+    /// color: null where every screen is sRGB. All of them outlive this.
+    CropOverlay(AppModel& model, LiveViews& views, DisplayColor* color, QWidget* parent);
+    CropOverlay(const Desk& desk, DisplayColor* color, QWidget* parent)
+        : CropOverlay(desk.model, desk.views, color, parent)
+    {}
     ~CropOverlay() override;
 
     /// The next drag draws a line along what is to be level.
@@ -58,7 +61,7 @@ private:
     void tiltBy(double degrees);
     void paintGrid(QPainter& painter, const QRectF& rect) const;
 
-    Desk desk_;
+    AppModel& model_;
     DisplayColor* color_;
     CropCanvas canvas_;
     CropSource source_;

@@ -27,15 +27,14 @@ QString withKey(const std::string& key, const char* letter)
 
 } // namespace
 
-CropPanel::CropPanel(Desk desk, CropOverlay& overlay, QWidget* parent)
-    : QWidget(parent), desk_(desk), overlay_(overlay)
+CropPanel::CropPanel(AppModel& model, CropOverlay& overlay, QWidget* parent)
+    : QWidget(parent), model_(model), overlay_(overlay)
 {
     setFixedWidth(Theme::rackWidth());
     setAutoFillBackground(true);
     build();
     overlay_.onLevelArmed = [this](bool isArmed) { level_->setChecked(isArmed); };
-    subscription_ =
-        desk_.model.subscribe({Concern::crop, Concern::roll}, [this](const ChangeSet&) { follow(); });
+    subscription_ = model_.subscribe({Concern::crop, Concern::roll}, [this](const ChangeSet&) { follow(); });
     retranslate();
 }
 
@@ -54,15 +53,15 @@ void CropPanel::build()
     column->addWidget(gateTitle_ = new QLabel);
     column->addWidget(gate_ = new KitSelector);
     connect(gate_, &KitSelector::picked, this,
-            [this](const QString& id) { desk_.model.cropping.setTakesPart(id == QStringLiteral("full")); });
+            [this](const QString& id) { model_.cropping.setTakesPart(id == QStringLiteral("full")); });
     column->addStretch(1);
     auto* ends = new QHBoxLayout;
     ends->addWidget(cancel_ = new KitButton);
     ends->addWidget(apply_ = new KitButton);
     apply_->setPrimary(true);
     column->addLayout(ends);
-    connect(cancel_, &QAbstractButton::clicked, this, [this] { desk_.model.cropping.leaveCropMode(); });
-    connect(apply_, &QAbstractButton::clicked, this, [this] { desk_.model.cropping.applyCropAndExit(); });
+    connect(cancel_, &QAbstractButton::clicked, this, [this] { model_.cropping.leaveCropMode(); });
+    connect(apply_, &QAbstractButton::clicked, this, [this] { model_.cropping.applyCropAndExit(); });
 }
 
 void CropPanel::buildRatios(QVBoxLayout& column)
@@ -75,7 +74,7 @@ void CropPanel::buildRatios(QVBoxLayout& column)
         auto* ratio = new KitButton;
         ratio->setCheckable(true);
         connect(ratio, &QAbstractButton::clicked, this, [this, kind = ladder[i]] {
-            desk_.model.cropping.change([kind](CropDraft& draft) { draft.setAspect(kind); });
+            model_.cropping.change([kind](CropDraft& draft) { draft.setAspect(kind); });
             follow();
         });
         grid->addWidget(ratio, static_cast<int>(i) / kRatioColumns, static_cast<int>(i) % kRatioColumns);
@@ -89,7 +88,7 @@ void CropPanel::buildRatios(QVBoxLayout& column)
     column.addLayout(actions);
     const auto does = [this](KitButton* one, void (CropDraft::*what)()) {
         connect(one, &QAbstractButton::clicked, this,
-                [this, what] { desk_.model.cropping.change([what](CropDraft& draft) { (draft.*what)(); }); });
+                [this, what] { model_.cropping.change([what](CropDraft& draft) { (draft.*what)(); }); });
     };
     does(swap_, &CropDraft::swapAspect);
     does(expand_, &CropDraft::expandToMax);
@@ -100,7 +99,7 @@ void CropPanel::buildTilt(QVBoxLayout& column)
 {
     column.addWidget(tilt_ = new KitKnob);
     tilt_->setEngravings(15);
-    const auto change = [this](const Cropping::Change& what) { desk_.model.cropping.change(what); };
+    const auto change = [this](const Cropping::Change& what) { model_.cropping.change(what); };
     connect(tilt_, &KitKnob::turned, this, [this, change](double degrees) {
         // All that a hand does at one go starts from the same rectangle.
         change([&](CropDraft& draft) {
@@ -139,7 +138,7 @@ void CropPanel::retranslate()
 
 void CropPanel::follow()
 {
-    const auto& draft = desk_.model.cropping.draft();
+    const auto& draft = model_.cropping.draft();
     setVisible(draft.has_value());
     if (!draft) return;
     const std::vector<CropAspectKind>& ladder = CropAspectKind::ladder();
@@ -163,8 +162,8 @@ void CropPanel::follow()
     row.unit = "°";
     row.isSigned = true;
     tilt_->setRow(row);
-    window_->setText(qt(cropLabel(desk_.model)));
-    gate_->setChosen(desk_.model.cropping.takesPart() ? QStringLiteral("full") : QStringLiteral("none"));
+    window_->setText(qt(cropLabel(model_)));
+    gate_->setChosen(model_.cropping.takesPart() ? QStringLiteral("full") : QStringLiteral("none"));
 }
 
 bool CropPanel::event(QEvent* event)

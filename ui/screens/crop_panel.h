@@ -21,8 +21,11 @@ class KitSelector;
 
 class CropPanel : public QWidget {
 public:
-    /// The overlay outlives this.
-    CropPanel(Desk desk, CropOverlay& overlay, QWidget* parent = nullptr);
+    /// Both outlive this.
+    CropPanel(AppModel& model, CropOverlay& overlay, QWidget* parent = nullptr);
+    CropPanel(const Desk& desk, CropOverlay& overlay, QWidget* parent = nullptr)
+        : CropPanel(desk.model, overlay, parent)
+    {}
 
 protected:
     bool event(QEvent* event) override;
@@ -36,7 +39,7 @@ private:
     void retranslate();
     void follow();
 
-    Desk desk_;
+    AppModel& model_;
     CropOverlay& overlay_;
     QLabel *title_, *ratioTitle_, *window_, *gateTitle_;
     std::vector<KitButton*> ratios_; ///< in the order of the ladder
