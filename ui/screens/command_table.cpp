@@ -127,6 +127,7 @@ const Command kCommands[] = {
      [](D& d) { d.model.removal.removeSelected(true); }},
     {"menu.edit.find", MenuOf::edit, "Ctrl+K", nullptr, [](D& d) { d.window.showPalette(); }, nullptr,
      kGroup},
+    {"menu.edit.preferences", MenuOf::edit, "Ctrl+,", nullptr, [](D& d) { d.window.showPreferences(); }},
 
     {"menu.frame.pick", MenuOf::frame, "P", hasCursor, [](D& d) { mark(d, Mark::selected); }},
     {"menu.frame.reject", MenuOf::frame, "X R", hasCursor, [](D& d) { mark(d, Mark::rejected); }},

@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStandardPaths>
 
 #include <array>
 #include <filesystem>
@@ -89,7 +90,8 @@ ExportDialog::ExportDialog(Desk desk, QWidget* parent)
 {
     build();
     const ExportFolders::List folders = ExportFolders::load(desk_.model.seams().preferences);
-    fillFolders(folders.empty() ? QString() : pathText(folders.front().path));
+    fillFolders(folders.empty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+                                : pathText(folders.front().path));
     retranslate();
     subscription_ = desk_.model.subscribe({Concern::roll, Concern::fileStates, Concern::exporting},
                                           [this](const ChangeSet&) { refresh(); });

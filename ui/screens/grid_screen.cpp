@@ -76,6 +76,7 @@ void GridScreen::build()
     reverse_->setAutoRaise(true);
     size_->setRange(GridLayout::kLeastTile, GridLayout::kMostTile);
     size_->setFixedWidth(150);
+    originals_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     lines->addLayout(bar);
     lines->addWidget(view_, 1);
     orderTitle_->setBuddy(order_);
