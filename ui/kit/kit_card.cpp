@@ -116,6 +116,7 @@ KitCard::KitCard(QWidget* parent)
 
 void KitCard::setTitle(const QString& title)
 {
+    if (title == head_->text()) return;
     head_->setText(title);
     setAccessibleName(title);
     head_->update();
@@ -123,6 +124,7 @@ void KitCard::setTitle(const QString& title)
 
 void KitCard::setCaption(const QString& caption)
 {
+    if (caption == head_->caption) return;
     head_->caption = caption;
     head_->setToolTip(caption);
     head_->setAccessibleDescription(caption);

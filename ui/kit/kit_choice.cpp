@@ -112,6 +112,7 @@ void KitChoice::setChosen(const QString& id)
         addItem(id, id);
         at = count() - 1;
     }
+    if (at == currentIndex()) return;
     setCurrentIndex(at);
     update();
 }
@@ -206,6 +207,8 @@ void KitSelector::setChosen(const QString& id)
 {
     chosen_ = id;
     menu_->setChosen(id);
+    const auto at = std::ranges::find(options_, id, &KitOption::id) - options_.begin();
+    if (const auto* same = group_->button(static_cast<int>(at)); same && same->isChecked()) return;
     const QSignalBlocker quiet(group_);
     group_->setExclusive(false);
     for (std::size_t i = 0; i < options_.size(); ++i)

@@ -64,8 +64,11 @@ void KitKnob::setRow(const KnobRow& row)
 
 void KitKnob::setTexts(const QString& label, const QString& unit)
 {
+    const std::pair saidNow{row_.low, row_.high};
+    if (label == label_ && unit == unit_ && saidNow == saidRange_) return;
     label_ = label;
     unit_ = unit;
+    saidRange_ = saidNow;
     setAccessibleName(label);
     const QString range =
         word("knob.range", {{"low", Fmt::number(row_.low, 2)}, {"high", Fmt::number(row_.high, 2)}});
@@ -99,7 +102,7 @@ void KitKnob::show(double value)
 {
     if (value == row_.value) return;
     row_.value = value;
-    update();
+    drag_ ? repaint() : update(); // the knob stays under the hand, whatever the picture takes
     Q_EMIT turned(value);
     tellValue();
 }

@@ -8,6 +8,9 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <optional>
+#include <utility>
+
 class QLineEdit;
 
 namespace tamlo::ui {
@@ -87,6 +90,7 @@ private:
 
     KnobRow row_;
     QString label_, unit_;
+    std::pair<double, double> saidRange_;
     double engravings_ = 0;
     std::optional<Drag> drag_;
     std::optional<KnobRow> waiting_; ///< came while a hand was on the knob

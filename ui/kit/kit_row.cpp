@@ -20,6 +20,7 @@ KitRow::KitRow(QWidget* control, QWidget* parent)
 
 void KitRow::setLabel(const QString& label, bool isChanged)
 {
+    if (label == label_->text() && isChanged == label_->font().bold()) return;
     QFont shown = font();
     shown.setBold(isChanged);
     label_->setFont(shown);

@@ -15,6 +15,7 @@ KitShelf::KitShelf(QWidget* parent) : QAbstractButton(parent)
 
 void KitShelf::setTexts(const QString& kind, const QString& name, const QString& badge)
 {
+    if (kind == kind_ && name == name_ && badge == badge_) return;
     kind_ = kind;
     name_ = name;
     badge_ = badge;

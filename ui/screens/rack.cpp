@@ -32,7 +32,7 @@ Rack::Rack(AppModel& model, QWidget* parent)
     setShelfHost(parent);
     subscription_ =
         model_.subscribe({Concern::roll, Concern::selection, Concern::ab, Concern::lists, Concern::document},
-                         [this](const ChangeSet&) { refresh(); });
+                         [this](const ChangeSet&) { refreshSoon(); });
     retranslate();
 }
 
@@ -66,6 +66,7 @@ void Rack::buildCards()
         cards_.push_back(card);
         stack->addWidget(card);
         connect(card, &RackCardView::shelfAsked, this, &Rack::openShelf);
+        connect(card, &KitCard::folded, this, &Rack::refreshSoon);
         connect(card->menu(), &QMenu::aboutToShow, this, [this, card] { fillMenu(*card); });
         card->setOpen(block == PresetBlock::source || block == PresetBlock::light ||
                       block == PresetBlock::film || block == PresetBlock::print);
@@ -176,7 +177,19 @@ void Rack::retranslate()
     setAccessibleName(word("rack.name"));
     scroll_->setAccessibleName(word("rack.name"));
     shelf_->retranslate();
-    refresh();
+    refreshSoon();
+}
+
+void Rack::refreshSoon()
+{
+    isDue_ = !isVisible(); // beside the grid the rack costs nothing
+    if (!isDue_) refresh();
+}
+
+void Rack::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (std::exchange(isDue_, false)) refresh();
 }
 
 void Rack::refresh()

@@ -54,6 +54,7 @@ public:
 protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void change(const Change& change) override;
@@ -62,6 +63,8 @@ private:
     void toDefault(const Knob& knob) override;
     void reroll(Seeds::SeedStream stream) override;
 
+    /// At once where the rack can be seen, else when it can.
+    void refreshSoon();
     void buildHead();
     void buildCards();
     const RackVisibility* visibility(const ProcessSettings& settings);
@@ -73,7 +76,8 @@ private:
     KitNote *note_, *changed_;
     QScrollArea* scroll_;
     std::vector<RackCardView*> cards_;
-    QPointer<Shelf> shelf_;                  ///< its host is its parent
+    QPointer<Shelf> shelf_; ///< its host is its parent
+    bool isDue_ = false;
     std::optional<std::size_t> stepsBefore_; ///< when the gesture began
     /// The profiles of what was shown last, and what they were read for.
     std::optional<RackVisibility> rack_;

@@ -124,6 +124,7 @@ void RackCardView::show(const RackCard& card, const RackTexts::View& view,
                         const std::set<std::string>& changed)
 {
     showHead(card, view, changed);
+    if (!isOpen()) return; // what can't be seen is shown once it can
     showNotes(card, view);
     showShelf(card, view);
     if (block_ == PresetBlock::optics) showDiscs(view);

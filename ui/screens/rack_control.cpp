@@ -103,10 +103,12 @@ public:
     {
         row_->setLabel(RackTexts::title(knob_), isChanged(one));
         const std::vector<KitOption> options = RackTexts::choices(one, view);
-        if (options != options_) picker_->setOptions(options);
+        if (options != options_) {
+            picker_->setOptions(options);
+            row_->updateGeometry();
+        }
         options_ = options;
         picker_->setChosen(qt(RackTexts::inForce(one, view)));
-        row_->updateGeometry();
     }
     QWidget* control() const override { return picker_; }
 

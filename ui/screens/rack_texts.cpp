@@ -58,8 +58,20 @@ const CatalogueLists::Items* filtersOf(std::string_view option, const CatalogueL
     return nullptr;
 }
 
+/// Chips of the boards, as they look.
+struct Board {
+    std::string_view name;
+    QRgb chip;
+};
+constexpr Board kBoards[] = {
+    {"white", 0xFFEFEAE1}, {"cream", 0xFFE6DAC0}, {"grey", 0xFFA7A29B}, {"black", 0xFF262422}};
+
 std::optional<QColor> swatchOf(std::string_view option, const std::string& choice)
 {
+    if (option.starts_with("mat_")) {
+        const auto board = std::ranges::find(kBoards, choice, &Board::name);
+        return board == std::end(kBoards) ? std::nullopt : std::optional(QColor(board->chip));
+    }
     if (option != "paper_base") return std::nullopt;
     const auto base = std::ranges::find(AltPrint::paperBases, std::string_view(choice),
                                         [](const auto& one) { return one.first; });

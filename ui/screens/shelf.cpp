@@ -140,9 +140,9 @@ void Shelf::open(ShelfKind kind)
     saver_->hide();
     search_->clear();
     place();
-    retranslate();
     show();
     raise();
+    retranslate();
     if (ShelfCell* cell = grid_->current()) {
         cell->setFocus();
         scroll_->ensureWidgetVisible(cell);
@@ -180,7 +180,7 @@ void Shelf::retranslate()
     close_->setAccessibleName(word("shelf.close"));
     close_->setToolTip(word("shelf.close"));
     saver_->retranslate();
-    fill();
+    if (isOpen()) fill();
 }
 
 void Shelf::fill()

@@ -38,7 +38,7 @@ public:
     void open(ShelfKind kind);
     /// Nothing is taken; what was shown on the canvas goes.
     void leave();
-    bool isOpen() const { return isVisible(); }
+    bool isOpen() const { return !isHidden(); }
     ShelfKind kind() const { return kind_; }
     ShelfGrid& grid() const { return *grid_; }
     QLineEdit& search() const { return *search_; }
