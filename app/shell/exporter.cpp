@@ -112,6 +112,7 @@ bool Exporter::run(const ExportDraft& draft, const Path& folder, Done done)
     task_.emplace();
     task_->total = jobs.size();
     task_->startedAt = model_.seams().loop.now();
+    model_.observers.note(Concern::exporting);
     shared_ = std::make_shared<Shared>();
     ExportSettings settings;
     settings.scale = draft.scale;
@@ -151,10 +152,14 @@ ExportRun::Events Exporter::events()
             task_->currentName = name;
             task_->frameFraction = 0;
             progress_ = T("export.progressFrame", {{"n", n}, {"total", task_->total}, {"name", name}});
+            model_.observers.note(Concern::exporting);
         });
     };
     events.fraction = [this, post](const char*, double fraction) {
-        post([this, fraction] { task_->frameFraction = fraction; });
+        post([this, fraction] {
+            task_->frameFraction = fraction;
+            model_.observers.note(Concern::exporting);
+        });
     };
     events.exists = [this, post, shared = shared_](const ExportClash& clash) {
         post([this, clash] { askExportExists(clash); });
@@ -169,6 +174,7 @@ ExportRun::Events Exporter::events()
 void Exporter::askExportExists(const ExportClash& clash)
 {
     task_->waiting = true;
+    model_.observers.note(Concern::exporting);
     const QuestionText text{T("export.exists.title", {{"name", clash.target.filename().string()}}),
                             T("export.exists.info", {{"dir", clash.target.parent_path().string()},
                                                      {"free", clash.free.filename().string()}})};
@@ -208,6 +214,7 @@ void Exporter::stop()
 {
     if (!task_) return;
     task_->cancelling = true;
+    model_.observers.note(Concern::exporting);
     shared_->stops = true;
 }
 
@@ -215,6 +222,7 @@ void Exporter::ended(ExportReport report, const Done& done)
 {
     task_.reset();
     progress_.clear();
+    model_.observers.note(Concern::exporting);
     const bool failed = report.outcome.targetFault.has_value() || !report.outcome.failed.empty();
     failed ? model_.tellFailure(report.text()) : model_.tell(report.text());
     model_.saver.autosave();

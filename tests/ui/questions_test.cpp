@@ -52,7 +52,7 @@ TEST_F(QuestionsInTheWindow, AreCancelledByTheirButtonByEscapeAndByTheirEnd)
     EXPECT_EQ(given_, Given{std::nullopt});
 
     questions_.otherFile({"Two", ""}, answer());
-    QTest::keyClick(host_->findChild<Sheet*>(), Qt::Key_Escape);
+    QTest::keyClick(host_->findChild<QFrame*>({}, Qt::FindDirectChildrenOnly), Qt::Key_Escape);
     settle();
     EXPECT_EQ(given_, Given(2));
 

@@ -37,7 +37,9 @@ MainWindow::MainWindow(Application& application, WindowQuestions& questions)
     questions_.setHost(sheets_);
     menus_ = std::make_unique<Menus>(desk_, *menuBar(), *this);
     subscription_ =
-        desk_.model.subscribe(ConcernSet::all(), [this](const ChangeSet& change) { follow(change); });
+        desk_.model.subscribe({Concern::document, Concern::roll, Concern::selection, Concern::fileStates,
+                               Concern::exporting, Concern::crop, Concern::ab},
+                              [this](const ChangeSet& change) { follow(change); });
     qApp->installEventFilter(this);
     restorePlace();
     showScreen();
@@ -123,7 +125,7 @@ void MainWindow::storePlace()
 void MainWindow::retranslate()
 {
     QEvent change(QEvent::LanguageChange);
-    for (QWidget* widget : findChildren<QWidget*>()) QApplication::sendEvent(widget, &change);
+    QApplication::sendEvent(this, &change); // which a widget hands down to its children
     menus_->retranslate();
     showTitle();
 }

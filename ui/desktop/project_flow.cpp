@@ -2,7 +2,6 @@
 
 #include "core/text/loc.h"
 #include "ui/kit/words.h"
-#include "ui/screens/sheet.h"
 
 #include <algorithm>
 
@@ -26,8 +25,15 @@ bool ProjectFlow::isWorthSaving() const
     return model_.saver.hasChanges() && (model_.projectURL() || !model_.project().frames.empty());
 }
 
+void ProjectFlow::askLeaving(std::unique_ptr<Sheet> sheet)
+{
+    leaving_ = sheet.get();
+    sheets_.show(std::move(sheet));
+}
+
 void ProjectFlow::leave(Then go)
 {
+    if (leaving_) return; // it is being asked
     leaveExport([this, go] { leaveProject(go); });
 }
 
@@ -41,7 +47,7 @@ void ProjectFlow::leaveExport(Then go)
         model_.exporter.stop();
         go();
     });
-    sheets_.show(std::move(sheet));
+    askLeaving(std::move(sheet));
 }
 
 void ProjectFlow::leaveProject(Then go)
@@ -53,7 +59,7 @@ void ProjectFlow::leaveProject(Then go)
     sheet->addButton("menu.file.saveAs", [this, go] { saveAs(go); });
     sheet->addButton("quit.dontSave", go);
     sheet->addCancel();
-    sheets_.show(std::move(sheet));
+    askLeaving(std::move(sheet));
 }
 
 void ProjectFlow::write(const std::filesystem::path& to, Saver::Over over, Then then)

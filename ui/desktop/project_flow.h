@@ -5,12 +5,14 @@
 #include "app/shell/app_model.h"
 #include "core/text/loc.h"
 #include "ui/desktop/file_dialogs.h"
+#include "ui/screens/sheet.h"
+
+#include <QPointer>
 
 #include <functional>
+#include <memory>
 
 namespace tamlo::ui {
-
-class SheetHost;
 
 class ProjectFlow {
 public:
@@ -39,6 +41,7 @@ private:
     bool isWorthSaving() const;
     void leaveExport(Then go);
     void leaveProject(Then go);
+    void askLeaving(std::unique_ptr<Sheet> sheet);
     void write(const std::filesystem::path& to, Saver::Over over, Then then);
     void confirm(const char* titleKey, const Loc::Args& args, const char* noteKey, const char* yesKey,
                  Then yes);
@@ -46,6 +49,7 @@ private:
     AppModel& model_;
     SheetHost& sheets_;
     FileDialogs dialogs_;
+    QPointer<Sheet> leaving_; ///< asks whether the roll may be left
 };
 
 } // namespace tamlo::ui

@@ -8,6 +8,12 @@
 
 namespace tamlo::ui {
 
+QtClipboard::QtClipboard()
+{
+    QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, &hears_,
+                     [this] { read_.clear(); });
+}
+
 void QtClipboard::clear()
 {
     data_.clear();
@@ -34,13 +40,16 @@ void QtClipboard::offer()
     for (const auto& [type, bytes] : data_) offered->setData(qt(type), QByteArray::fromStdString(bytes));
     if (text_) offered->setText(qt(*text_));
     QGuiApplication::clipboard()->setMimeData(offered);
+    read_.clear();
 }
 
 std::optional<std::string> QtClipboard::data(const std::string& type) const
 {
+    const auto [known, isNew] = read_.try_emplace(type);
+    if (!isNew) return known->second;
     const QMimeData* held = QGuiApplication::clipboard()->mimeData();
-    if (!held || !held->hasFormat(qt(type))) return std::nullopt;
-    return held->data(qt(type)).toStdString();
+    if (held && held->hasFormat(qt(type))) known->second = held->data(qt(type)).toStdString();
+    return known->second;
 }
 
 std::optional<std::string> QtClipboard::text() const

@@ -1,5 +1,6 @@
 #include "ui/desktop/qt_desktop.h"
 
+#include "ui/desktop/session_bus.h"
 #include "ui/kit/words.h"
 
 #include <QDBusConnection>
@@ -20,6 +21,7 @@ constexpr std::size_t kMostRevealed = 50;
 void send(const QString& service, const QString& path, const QString& interface, const QString& method,
           const QVariantList& arguments)
 {
+    if (!hasSessionBus()) return;
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
     call.setArguments(arguments);
     QDBusConnection::sessionBus().call(call, QDBus::NoBlock);
@@ -35,6 +37,7 @@ QUrl urlOf(const std::filesystem::path& path)
 /// The signal that docks and taskbars listen to.
 void QtDesktop::showProgress(std::optional<double> fraction)
 {
+    if (!hasSessionBus()) return;
     QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/app/tamlo/Tamlo"),
                                                      QStringLiteral("com.canonical.Unity.LauncherEntry"),
                                                      QStringLiteral("Update"));
@@ -55,8 +58,7 @@ void QtDesktop::notify(const std::string& title, const std::string& text)
 void QtDesktop::reveal(const std::vector<std::filesystem::path>& files)
 {
     if (files.empty()) return;
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
+    if (!hasSessionBus()) {
         QDesktopServices::openUrl(urlOf(files.front().parent_path()));
         return;
     }

@@ -1,7 +1,9 @@
 // What MainWindow opens, and how it is closed, dropped on and walked by keys.
 #include "ui/desktop/main_window.h"
 
+#include "app/export/export_folders.h"
 #include "ui/desktop/key_places.h"
+#include "ui/desktop/qt_texts.h"
 #include "ui/kit/words.h"
 #include "ui/screens/about_dialog.h"
 #include "ui/screens/develop_screen.h"
@@ -16,6 +18,7 @@
 #include "ui/screens/rack.h"
 #include "ui/screens/restore_dialog.h"
 #include "ui/screens/sheet.h"
+#include "ui/screens/shelf.h"
 #include "ui/screens/status_line.h"
 #include "ui/screens/text_dialog.h"
 
@@ -51,7 +54,6 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return event->accept();
     }
     event->ignore();
-    if (sheets_->isAsking()) return; // it may be this very question
     flow_->leave([this] {
         mayClose_ = true;
         close();

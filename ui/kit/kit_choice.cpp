@@ -173,14 +173,14 @@ KitSelector::KitSelector(QWidget* parent)
     row_->setContentsMargins(0, 0, 0, 0);
     row_->setSpacing(2);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(group_, &QButtonGroup::idClicked, this, [this](int at) {
-        chosen_ = options_[static_cast<std::size_t>(at)].id;
-        Q_EMIT picked(chosen_);
-    });
-    connect(menu_, &KitChoice::picked, this, [this](const QString& id) {
-        chosen_ = id;
+    const auto pick = [this](const QString& id) {
+        setChosen(id);
         Q_EMIT picked(id);
+    };
+    connect(group_, &QButtonGroup::idToggled, this, [this, pick](int at, bool isOn) { // a click or an arrow
+        if (isOn) pick(options_[static_cast<std::size_t>(at)].id);
     });
+    connect(menu_, &KitChoice::picked, this, pick);
 }
 
 void KitSelector::setOptions(const std::vector<KitOption>& options)
@@ -206,10 +206,12 @@ void KitSelector::setChosen(const QString& id)
 {
     chosen_ = id;
     menu_->setChosen(id);
+    const QSignalBlocker quiet(group_);
     group_->setExclusive(false);
     for (std::size_t i = 0; i < options_.size(); ++i)
         group_->button(static_cast<int>(i))->setChecked(options_[i].id == id);
     group_->setExclusive(true);
+    arrange();
 }
 
 int KitSelector::segmentsWidth() const
@@ -222,14 +224,18 @@ int KitSelector::segmentsWidth() const
 void KitSelector::arrange()
 {
     menu_->setAccessibleName(accessibleName());
-    const bool hadFocus = QApplication::focusWidget() && isAncestorOf(QApplication::focusWidget());
     isMenu_ = segmentsWidth() > width();
-    segments_->setVisible(!isMenu_);
-    menu_->setVisible(isMenu_);
     segments_->setGeometry(0, 0, std::max(width(), isMenu_ ? segmentsWidth() : 0), height());
     menu_->setGeometry(rect());
-    setFocusProxy(isMenu_ ? static_cast<QWidget*>(menu_) : group_->checkedButton());
-    if (hadFocus && focusProxy()) focusProxy()->setFocus();
+    const QWidget* focus = QApplication::focusWidget();
+    const bool hasIt = focus && isAncestorOf(focus);
+    QWidget* comes = isMenu_ ? static_cast<QWidget*>(menu_) : segments_;
+    QWidget* holds =
+        isMenu_ || !group_->checkedButton() ? menu_ : static_cast<QWidget*>(group_->checkedButton());
+    comes->show(); // before the other goes, or the focus goes elsewhere
+    setFocusProxy(holds);
+    if (hasIt && focus != holds) holds->setFocus();
+    (isMenu_ ? segments_ : static_cast<QWidget*>(menu_))->hide();
 }
 
 void KitSelector::resizeEvent(QResizeEvent*)

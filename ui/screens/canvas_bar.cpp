@@ -1,5 +1,6 @@
 #include "ui/screens/canvas_bar.h"
 
+#include "ui/kit/kit_button.h"
 #include "ui/kit/kit_progress.h"
 #include "ui/kit/words.h"
 
@@ -7,7 +8,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
-#include <QToolButton>
 
 #include <cmath>
 
@@ -21,11 +21,11 @@ constexpr double kTickSeconds = 0.1;
 CanvasBar::CanvasBar(Desk desk, QWidget* parent)
     : QWidget(parent),
       desk_(desk),
-      zoom_(new QToolButton(this)),
+      zoom_(new KitButton(this)),
       zooms_(new QMenu(this)),
       badge_(new QLabel(this)),
       arc_(new KitArc(this)),
-      original_(new QToolButton(this)),
+      original_(new KitButton(this)),
       message_(new QLabel(this))
 {
     auto* line = new QHBoxLayout(this);
@@ -33,7 +33,6 @@ CanvasBar::CanvasBar(Desk desk, QWidget* parent)
     line->setSpacing(8);
     message_->setTextFormat(Qt::PlainText);
     message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    zoom_->setPopupMode(QToolButton::InstantPopup);
     zoom_->setMenu(zooms_);
     original_->setCheckable(true);
     badge_->setMinimumWidth(badge_->fontMetrics().horizontalAdvance(QLatin1Char('M')) + 4);
@@ -44,7 +43,7 @@ CanvasBar::CanvasBar(Desk desk, QWidget* parent)
     line->addWidget(arc_);
     line->addWidget(zoom_);
     connect(zooms_, &QMenu::aboutToShow, this, [this] { fillZooms(); });
-    connect(original_, &QToolButton::clicked, this, [this] { desk_.window.toggleOriginals(); });
+    connect(original_, &QPushButton::clicked, this, [this] { desk_.window.toggleOriginals(); });
     retranslate();
 }
 

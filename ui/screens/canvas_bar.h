@@ -8,11 +8,11 @@
 
 class QLabel;
 class QMenu;
-class QToolButton;
 
 namespace tamlo::ui {
 
 class KitArc;
+class KitButton;
 
 class CanvasBar : public QWidget {
 public:
@@ -29,11 +29,11 @@ private:
     void watchArc();
 
     Desk desk_;
-    QToolButton* zoom_;
+    KitButton* zoom_;
     QMenu* zooms_;
     QLabel* badge_;
     KitArc* arc_;
-    QToolButton* original_;
+    KitButton* original_;
     QLabel* message_;
     platform::Timer ticks_;
 };

@@ -127,6 +127,7 @@ const Command kCommands[] = {
      [](D& d) { d.model.removal.removeSelected(true); }},
     {"menu.edit.find", MenuOf::edit, "Ctrl+K", nullptr, [](D& d) { d.window.showPalette(); }, nullptr,
      kGroup},
+    {"menu.edit.preferences", MenuOf::edit, "Ctrl+,", nullptr, [](D& d) { d.window.showPreferences(); }},
 
     {"menu.frame.pick", MenuOf::frame, "P", hasCursor, [](D& d) { mark(d, Mark::selected); }},
     {"menu.frame.reject", MenuOf::frame, "X R", hasCursor, [](D& d) { mark(d, Mark::rejected); }},
@@ -146,6 +147,9 @@ const Command kCommands[] = {
     {"menu.frame.resetTurn", MenuOf::frame, "",
      [](const D& d) { return d.hasCursor() && !d.model.turns.orientTargetIsDefault(); },
      [](D& d) { turn(d, OrientAction::reset); }},
+    {"menu.frame.crop", MenuOf::frame, "C", [](const D& d) { return d.model.cropping.cropKeyEnabled(); },
+     [](D& d) { d.model.cropping.cropKey(); }, [](const D& d) { return d.model.cropping.cropMode(); },
+     kGroup},
     {"menu.frame.resetCrop", MenuOf::frame, "", isCropped,
      [](D& d) { d.model.cropping.resetCropOfTargets(); }},
     {"menu.frame.byName", MenuOf::frame, "", onGrid,

@@ -1,14 +1,19 @@
 #include "ui/screens/develop_screen.h"
 
 #include "ui/canvas/canvas_link.h"
+#include "ui/canvas/display_color.h"
 #include "ui/canvas/picture_view.h"
 #include "ui/kit/words.h"
 #include "ui/screens/canvas_bar.h"
+#include "ui/screens/crop_overlay.h"
+#include "ui/screens/crop_panel.h"
 #include "ui/screens/frame_strip.h"
 #include "ui/screens/rack.h"
+#include "ui/screens/shelf.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -34,11 +39,15 @@ double longSide(const ReadyImage& image)
 DevelopScreen::DevelopScreen(Desk desk, QWidget* parent)
     : QWidget(parent),
       desk_(desk),
+      color_(new DisplayColor(desk.model.seams().preferences, this)),
       picture_(new PictureView(this)),
       link_(new CanvasLink(desk.model, &desk.views.screen(), *picture_)),
       bar_(new CanvasBar(desk, this)),
       strip_(new FrameStrip(desk, this)),
-      rack_(new Rack(desk.model, this))
+      side_(new QStackedWidget(this)),
+      rack_(new Rack(desk.model, this)),
+      crop_(new CropOverlay(desk, color_, picture_)),
+      cropPanel_(new CropPanel(desk, *crop_, this))
 {
     auto* across = new QHBoxLayout(this);
     across->setContentsMargins(0, 0, 0, 0);
@@ -49,13 +58,20 @@ DevelopScreen::DevelopScreen(Desk desk, QWidget* parent)
     left->addWidget(bar_);
     left->addWidget(strip_);
     across->addLayout(left, 1);
-    across->addWidget(rack_);
+    side_->addWidget(rack_);
+    side_->addWidget(cropPanel_);
+    side_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+    across->addWidget(side_);
+    picture_->setDisplayColor(color_);
     rack_->setScreen(&desk_.views.screen());
     rack_->setShelfHost(picture_);
     setFocusProxy(picture_);
     subscription_ = desk_.model.subscribe({Concern::frameView, Concern::selection, Concern::tiles,
-                                           Concern::roll, Concern::fileStates, Concern::ab},
-                                          [this](const ChangeSet&) { showPicture(); });
+                                           Concern::roll, Concern::fileStates, Concern::ab, Concern::crop},
+                                          [this](const ChangeSet& change) {
+                                              if (change.concerns.has(Concern::crop)) showCrop();
+                                              showPicture();
+                                          });
     retranslate();
 }
 
@@ -106,6 +122,16 @@ void DevelopScreen::showSides()
     picture_->setName(PictureView::Side::beside, name("B", Sides::ABSide::b));
 }
 
+/// The overlay comes and goes by itself; the focus goes back to the print with it.
+void DevelopScreen::showCrop()
+{
+    const bool isCropping = desk_.model.cropping.cropMode();
+    QWidget* shown = isCropping ? static_cast<QWidget*>(cropPanel_) : rack_;
+    if (side_->currentWidget() == shown) return;
+    side_->setCurrentWidget(shown);
+    if (!isCropping && isVisible()) picture_->setFocus(Qt::OtherFocusReason);
+}
+
 void DevelopScreen::setShowsOriginal(bool shows)
 {
     showsOriginal_ = shows;
@@ -125,7 +151,7 @@ bool DevelopScreen::showsStrip() const
 
 QList<QWidget*> DevelopScreen::regions() const
 {
-    return {picture_, rack_, bar_, strip_};
+    return {picture_, side_->currentWidget(), bar_, strip_};
 }
 
 } // namespace tamlo::ui

@@ -6,10 +6,15 @@
 #include <QList>
 #include <QWidget>
 
+class QStackedWidget;
+
 namespace tamlo::ui {
 
 class CanvasBar;
 class CanvasLink;
+class CropOverlay;
+class CropPanel;
+class DisplayColor;
 class FrameStrip;
 class PictureView;
 class Rack;
@@ -33,13 +38,18 @@ private:
     void retranslate();
     void showPicture();
     void showSides();
+    void showCrop();
 
     Desk desk_;
+    DisplayColor* color_;
     PictureView* picture_;
     CanvasLink* link_; ///< the view's
     CanvasBar* bar_;
     FrameStrip* strip_;
+    QStackedWidget* side_; ///< the rack, or what stands in its place
     Rack* rack_;
+    CropOverlay* crop_;
+    CropPanel* cropPanel_;
     bool showsOriginal_ = false;
     Subscription subscription_;
 };

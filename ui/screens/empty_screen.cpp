@@ -1,5 +1,6 @@
 #include "ui/screens/empty_screen.h"
 
+#include "ui/kit/kit_button.h"
 #include "ui/kit/words.h"
 
 #include <QEvent>
@@ -24,9 +25,9 @@ EmptyScreen::EmptyScreen(Desk desk, QWidget* parent)
       desk_(desk),
       sentence_(new QLabel(this)),
       recentTitle_(new QLabel(this)),
-      add_(new QPushButton(this)),
-      addFolder_(new QPushButton(this)),
-      open_(new QPushButton(this)),
+      add_(new KitButton(this)),
+      addFolder_(new KitButton(this)),
+      open_(new KitButton(this)),
       recents_(new QVBoxLayout)
 {
     auto* across = new QHBoxLayout(this);

@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStandardPaths>
 
 #include <array>
 #include <filesystem>
@@ -83,13 +84,14 @@ ExportDialog::ExportDialog(Desk desk, QWidget* parent)
       example_(new QLabel(this)),
       size_(new QLabel(this)),
       warnings_(new QLabel(this)),
-      social_(new QCheckBox(this)),
-      reveal_(new QCheckBox(this)),
+      social_(new KitSwitch(this)),
+      reveal_(new KitSwitch(this)),
       choose_(new KitButton(this))
 {
     build();
     const ExportFolders::List folders = ExportFolders::load(desk_.model.seams().preferences);
-    fillFolders(folders.empty() ? QString() : pathText(folders.front().path));
+    fillFolders(folders.empty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+                                : pathText(folders.front().path));
     retranslate();
     subscription_ = desk_.model.subscribe({Concern::roll, Concern::fileStates, Concern::exporting},
                                           [this](const ChangeSet&) { refresh(); });
@@ -205,11 +207,11 @@ void ExportDialog::retranslate()
     type_->setAccessibleName(word("export.type"));
     scale_->setAccessibleName(word("export.size"));
     socialSize_->setAccessibleName(word("export.social"));
-    show(draft_);
+    showDraft(draft_);
     refresh();
 }
 
-void ExportDialog::show(const ExportDraft& draft)
+void ExportDialog::showDraft(const ExportDraft& draft)
 {
     naming_->setCurrentIndex(std::max(naming_->findData(static_cast<int>(draft.naming)), 0));
     type_->setCurrentIndex(static_cast<int>(draft.type));

@@ -24,7 +24,7 @@ private:
     QLabel* addRow(const char* key, QWidget* field);
     void fillSets();
     void fillFolders(const QString& chosen);
-    void show(const ExportDraft& draft);
+    void showDraft(const ExportDraft& draft);
     void read();
     void refresh();
     QString example(const std::vector<FrameRef>& frames) const;

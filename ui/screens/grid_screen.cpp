@@ -1,5 +1,7 @@
 #include "ui/screens/grid_screen.h"
 
+#include "ui/kit/kit_button.h"
+#include "ui/kit/kit_choice.h"
 #include "ui/kit/words.h"
 #include "ui/screens/grid_view.h"
 
@@ -31,12 +33,12 @@ GridScreen::GridScreen(Desk desk, QWidget* parent)
       desk_(desk),
       view_(new GridView(desk, this)),
       orderTitle_(new QLabel(this)),
-      order_(new QComboBox(this)),
+      order_(new KitChoice(this)),
       reverse_(new QToolButton(this)),
-      originals_(new QCheckBox(this)),
+      originals_(new KitSwitch(this)),
       size_(new QSlider(Qt::Horizontal, this)),
-      subscription_(desk.model.subscribe({Concern::roll, Concern::document},
-                                         [this](const ChangeSet&) { refresh(); }))
+      subscription_(
+          desk.model.subscribe({Concern::roll, Concern::document}, [this](const ChangeSet&) { refresh(); }))
 {
     build();
     retranslate();
@@ -74,10 +76,12 @@ void GridScreen::build()
     reverse_->setAutoRaise(true);
     size_->setRange(GridLayout::kLeastTile, GridLayout::kMostTile);
     size_->setFixedWidth(150);
+    originals_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     lines->addLayout(bar);
     lines->addWidget(view_, 1);
     orderTitle_->setBuddy(order_);
-    connect(order_, &QComboBox::activated, this, [this](int i) { desk_.model.ordering.setSortMode(kModes[i]); });
+    connect(order_, &QComboBox::activated, this,
+            [this](int i) { desk_.model.ordering.setSortMode(kModes[i]); });
     connect(reverse_, &QToolButton::clicked, this, [this] { desk_.model.ordering.reverseFrames(); });
     connect(originals_, &QCheckBox::clicked, this, [this] { desk_.window.toggleOriginals(); });
     connect(size_, &QSlider::valueChanged, this, &GridScreen::setTile);

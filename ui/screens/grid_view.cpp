@@ -1,10 +1,11 @@
 #include "ui/screens/grid_view.h"
 
 #include "ui/kit/words.h"
+#include "ui/screens/grid_accessible.h"
 
 #include <QHelpEvent>
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QToolTip>
 
@@ -20,6 +21,7 @@ constexpr double kRepaintSeconds = 0.02;
 
 GridView::GridView(Desk desk, QWidget* parent) : QAbstractScrollArea(parent), desk_(desk), rows_(desk)
 {
+    installGridAccessibility();
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -39,7 +41,10 @@ void GridView::take(const ChangeSet& change)
         rows_.refresh();
         relayout();
     }
-    if (change.concerns.has(Concern::selection) && drag_ == Drag::none) showCursor();
+    if (change.concerns.has(Concern::selection) && drag_ == Drag::none) {
+        showCursor();
+        if (const auto row = rows_.cursorRow()) tellCursor(*this, *row);
+    }
     const ConcernSet whole{Concern::roll, Concern::selection, Concern::fileStates, Concern::document};
     if (!(change.concerns & whole).empty()) return viewport()->update();
     for (const FrameID& id : change.tiles)
@@ -89,6 +94,16 @@ void GridView::showCursor()
         verticalScrollBar()->setValue(cell.bottom() - viewport()->height());
 }
 
+void GridView::selectRow(std::size_t row)
+{
+    desk_.model.selection.select({rows_.id(row)});
+}
+
+void GridView::openRow(std::size_t row)
+{
+    desk_.model.selection.openFrame(FrameID(rows_.id(row)));
+}
+
 void GridView::noteVisible()
 {
     visible_ = desk_.model.seams().loop.after(kVisibleSeconds, [this] {
@@ -121,8 +136,7 @@ void GridView::paintEvent(QPaintEvent* event)
     }
     if (drag_ == Drag::band) paintBand(painter);
     if (drag_ == Drag::order) paintGap(painter);
-    if (isRough)
-        repaint_ = desk_.model.seams().loop.after(kRepaintSeconds, [this] { viewport()->update(); });
+    if (isRough) repaint_ = desk_.model.seams().loop.after(kRepaintSeconds, [this] { viewport()->update(); });
 }
 
 void GridView::paintBand(QPainter& painter)
@@ -179,7 +193,7 @@ bool GridView::viewportEvent(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip) return QAbstractScrollArea::viewportEvent(event);
     const auto* help = static_cast<QHelpEvent*>(event);
-    const auto row = layout_.cellAt(inRoll(help->pos()));
+    const auto row = rowAt(help->pos());
     row ? QToolTip::showText(help->globalPos(), rows_.description(*row), viewport(), cellRect(*row))
         : QToolTip::hideText();
     return true;

@@ -17,8 +17,12 @@ public:
     const GridLayout& gridLayout() const { return layout_; }
     /// A row's cell in the viewport.
     QRect cellRect(std::size_t row) const;
+    /// The row at a point of the viewport.
+    std::optional<std::size_t> rowAt(QPoint at) const { return layout_.cellAt(inRoll(at)); }
     void setTile(int side);
     void showCursor();
+    void selectRow(std::size_t row);
+    void openRow(std::size_t row);
 
     /// A menu is asked for at a place of the screen.
     std::function<void(QPoint)> onContextMenu;

@@ -1,5 +1,6 @@
 #include "ui/screens/message_bars.h"
 
+#include "ui/kit/kit_button.h"
 #include "ui/kit/words.h"
 
 #include <QEvent>
@@ -41,7 +42,7 @@ void MessageBars::make(Kind kind, std::vector<std::pair<const char*, std::functi
     bar.text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     line->addWidget(bar.text, 1);
     for (auto& [key, act] : actions) {
-        auto* button = new QPushButton(frame);
+        auto* button = new KitButton(frame);
         connect(button, &QPushButton::clicked, this, act);
         bar.buttons.emplace_back(button, key);
         line->addWidget(button);

@@ -1,5 +1,6 @@
 #include "ui/screens/sheet.h"
 
+#include "ui/kit/kit_button.h"
 #include "ui/kit/words.h"
 
 #include <QCheckBox>
@@ -50,7 +51,8 @@ Sheet::Sheet(const QString& title, const QString& note, QWidget* parent)
 
 void Sheet::addButton(const std::string& key, std::function<void()> act)
 {
-    auto* button = new QPushButton(word(key), this);
+    auto* button = new KitButton(this);
+    button->setText(word(key));
     button->setAutoDefault(true);
     texts_.emplace_back(button, key);
     buttons_->addWidget(button);
@@ -59,7 +61,8 @@ void Sheet::addButton(const std::string& key, std::function<void()> act)
 
 QCheckBox* Sheet::addCheck(const std::string& key)
 {
-    auto* check = new QCheckBox(word(key), this);
+    auto* check = new KitSwitch(this);
+    check->setText(word(key));
     texts_.emplace_back(check, key);
     buttons_->insertWidget(0, check);
     return check;

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -23,6 +24,7 @@ namespace tamlo::ui {
 
 namespace {
 
+constexpr int kStillMs = 60;             // a scroll bar at rest
 constexpr int kRestMs = 150;             // a walk that stops this long wants to be seen
 constexpr std::int64_t kPeekLong = 1024; // pixels of the source
 constexpr int kLeastWidth = 520;
@@ -48,7 +50,14 @@ Shelf::Shelf(AppModel& model)
     rest_.setSingleShot(true);
     rest_.setInterval(kRestMs);
     connect(&rest_, &QTimer::timeout, this, &Shelf::peek);
-    connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) { grid_->filter(text); });
+    still_.setSingleShot(true);
+    still_.setInterval(kStillMs);
+    connect(&still_, &QTimer::timeout, this, &Shelf::askForPictures);
+    connect(scroll_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { still_.start(); });
+    connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        grid_->filter(text);
+        still_.start();
+    });
     connect(keepsPaper_, &QAbstractButton::clicked, this, &Shelf::fill);
     connect(save_, &QAbstractButton::clicked, this, [this] { askToSave(PresetSchema::order()); });
     connect(close_, &QAbstractButton::clicked, this, &Shelf::leave);
@@ -143,6 +152,7 @@ void Shelf::open(ShelfKind kind)
 void Shelf::leave()
 {
     rest_.stop();
+    still_.stop();
     proofs_.end();
     if (std::exchange(isPeeking_, false)) Q_EMIT peekEnded();
     hide();
@@ -179,20 +189,23 @@ void Shelf::fill()
     grid_->setSections(ShelfItems::sections(kind_, model_, keepsPaper_->isChecked()));
     grid_->filter(search_->text());
     if (const ShelfCell* cell = grid_->current()) showDetail(*cell);
-    askForPictures();
+    proofs_.end();
+    still_.start();
 }
 
 void Shelf::askForPictures()
 {
-    std::vector<ProcessSettings> processes;
-    std::vector<QPointer<ShelfCell>> cells;
-    for (ShelfCell* cell : grid_->cells()) {
-        if (!cell->item().fault.isEmpty()) continue;
-        processes.push_back(cell->item().process);
-        cells.emplace_back(cell);
-    }
-    proofs_.begin(std::move(processes), [cells](std::size_t at, const QImage& picture) {
-        if (cells[at]) cells[at]->setPicture(picture);
+    if (!isOpen()) return;
+    std::vector<ShelfCell*> cells;
+    for (ShelfCell* cell : grid_->visibleCells())
+        if (cell->item().fault.isEmpty() && !cell->isDone()) cells.push_back(cell);
+    std::ranges::stable_partition(cells,
+                                  [](const ShelfCell* cell) { return !cell->visibleRegion().isEmpty(); });
+    std::vector<ShelfProofs::Wanted> wanted;
+    for (const ShelfCell* cell : cells) wanted.push_back({cell->item().process, cell->hasPicture()});
+    const std::vector<QPointer<ShelfCell>> places(cells.begin(), cells.end());
+    proofs_.begin(std::move(wanted), [places](std::size_t at, const QImage& picture, bool isRough) {
+        if (places[at]) places[at]->setPicture(picture, isRough);
     });
 }
 

@@ -80,7 +80,7 @@ private:
     KitNote* detail_;
     ShelfSave* saver_;
     ShelfProofs proofs_;
-    QTimer rest_;
+    QTimer rest_, still_; ///< of the walk, of the scroll bar
     ShelfCell* reached_ = nullptr;
     bool isPeeking_ = false;
     QPointer<QWidget> opener_; ///< had the focus

@@ -38,9 +38,10 @@ ShelfCell::ShelfCell(const ShelfItem& item, QWidget* parent) : QAbstractButton(p
     setEnabled(item.fault.isEmpty());
 }
 
-void ShelfCell::setPicture(const QImage& picture)
+void ShelfCell::setPicture(const QImage& picture, bool isRough)
 {
     picture_ = picture;
+    isRough_ = isRough;
     update();
 }
 
@@ -61,7 +62,7 @@ void ShelfCell::paintEvent(QPaintEvent*)
     }
     const QRectF room(Theme::kSmallGap, Theme::kSmallGap, width() - Theme::kGap, kPictureHeight);
     if (picture_.isNull()) {
-        painter.fillRect(room, Theme::surround());
+        painter.fillRect(room, Theme::panel());
     } else {
         const QSizeF size = QSizeF(picture_.size()).scaled(room.size(), Qt::KeepAspectRatio);
         painter.drawImage(QRectF(room.center() - QPointF(size.width() / 2, size.height() / 2), size),
@@ -151,8 +152,10 @@ ShelfCell* ShelfGrid::current() const
 
 void ShelfGrid::arrange()
 {
-    const QSize size = ShelfCell::cellSize();
-    const int columns = std::max(1, (width() - Theme::kInset) / (size.width() + Theme::kSmallGap));
+    QSize size = ShelfCell::cellSize();
+    const int room = width() - Theme::kGap;
+    const int columns = std::max(1, room / (size.width() + Theme::kSmallGap));
+    size.setWidth(room / columns - Theme::kSmallGap);
     int y = Theme::kGap;
     for (const Section& section : sections_) {
         if (!section.title->isHidden()) {

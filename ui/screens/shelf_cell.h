@@ -22,7 +22,10 @@ public:
     ShelfCell(const ShelfItem& item, QWidget* parent);
 
     const ShelfItem& item() const { return item_; }
-    void setPicture(const QImage& picture);
+    /// isRough: a better one is to come.
+    void setPicture(const QImage& picture, bool isRough);
+    bool hasPicture() const { return !picture_.isNull(); }
+    bool isDone() const { return hasPicture() && !isRough_; }
     static QSize cellSize();
 
     QSize sizeHint() const override { return cellSize(); }
@@ -37,6 +40,7 @@ protected:
 private:
     ShelfItem item_;
     QImage picture_;
+    bool isRough_ = false;
 };
 
 class ShelfGrid : public QWidget {

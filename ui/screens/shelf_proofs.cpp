@@ -31,13 +31,13 @@ void ShelfProofs::setScreen(FrameScreen* screen)
     screen_ = screen;
 }
 
-void ShelfProofs::begin(std::vector<ProcessSettings> processes, Taken taken)
+void ShelfProofs::begin(std::vector<Wanted> wanted, Taken taken)
 {
     end();
-    if (!screen_ || processes.empty()) return;
-    processes_ = std::move(processes);
+    if (!screen_ || wanted.empty()) return;
+    wanted_ = std::move(wanted);
     taken_ = std::move(taken);
-    ask(false);
+    ask(true);
 }
 
 void ShelfProofs::end()
@@ -47,21 +47,27 @@ void ShelfProofs::end()
     if (screen_) screen_->cancelProof();
 }
 
-void ShelfProofs::ask(bool withGrain)
+void ShelfProofs::ask(bool isRough)
 {
-    std::vector<ProcessSettings> processes = processes_;
-    if (!withGrain)
-        for (ProcessSettings& one : processes) one.options.grainMult = 0;
+    std::vector<ProcessSettings> processes;
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < wanted_.size(); ++i) {
+        if (isRough && wanted_[i].hasRough) continue;
+        processes.push_back(wanted_[i].process);
+        if (isRough) processes.back().options.grainMult = 0;
+        places.push_back(i);
+    }
+    if (processes.empty()) return isRough ? ask(false) : void();
     missing_ = processes.size();
     round_ = std::make_shared<int>(0);
-    screen_->proof(
-        processes, kProofLong,
-        [this, withGrain, round = std::weak_ptr(round_)](std::size_t at, KeyedRenderer::Outcome outcome) {
-            if (round.expired()) return;
-            if (const auto* made = std::get_if<KeyedRenderer::Output>(&outcome))
-                taken_(at, imageOf(made->image));
-            if (--missing_ == 0 && !withGrain) ask(true);
-        });
+    screen_->proof(processes, kProofLong,
+                   [this, isRough, places, round = std::weak_ptr(round_)](std::size_t at,
+                                                                          KeyedRenderer::Outcome outcome) {
+                       if (round.expired()) return;
+                       if (const auto* made = std::get_if<KeyedRenderer::Output>(&outcome))
+                           taken_(places[at], imageOf(made->image), isRough);
+                       if (--missing_ == 0 && isRough) ask(false);
+                   });
 }
 
 } // namespace tamlo::ui

@@ -22,19 +22,24 @@ QImage imageOf(std::shared_ptr<const ReadyImage> picture);
 
 class ShelfProofs {
 public:
-    using Taken = std::function<void(std::size_t, const QImage&)>;
+    struct Wanted {
+        ProcessSettings process;
+        bool hasRough = false; ///< one without grain is there
+    };
+    /// isRough: without grain.
+    using Taken = std::function<void(std::size_t, const QImage&, bool isRough)>;
 
     ~ShelfProofs() { end(); }
     void setScreen(FrameScreen* screen);
     /// Ends what was asked before. Nothing is taken once it has ended.
-    void begin(std::vector<ProcessSettings> processes, Taken taken);
+    void begin(std::vector<Wanted> wanted, Taken taken);
     void end();
 
 private:
-    void ask(bool withGrain);
+    void ask(bool isRough);
 
     FrameScreen* screen_ = nullptr;
-    std::vector<ProcessSettings> processes_;
+    std::vector<Wanted> wanted_;
     Taken taken_;
     std::size_t missing_ = 0;
     std::shared_ptr<int> round_; ///< answers to another round are not taken

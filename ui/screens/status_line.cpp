@@ -1,12 +1,15 @@
 #include "ui/screens/status_line.h"
 
+#include "ui/kit/theme.h"
 #include "ui/kit/words.h"
 #include "ui/screens/print_size.h"
 
+#include <QAbstractButton>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QPainter>
 #include <QToolButton>
 
 namespace tamlo::ui {
@@ -25,10 +28,32 @@ QLabel* field(QWidget* parent)
 
 } // namespace
 
+/// The message at the left end of the line, as much of it as there is room for.
+class StatusButton : public QAbstractButton {
+public:
+    explicit StatusButton(QWidget* parent) : QAbstractButton(parent)
+    {
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        setFocusPolicy(Qt::TabFocus);
+    }
+    QSize sizeHint() const override { return {200, fontMetrics().height() + 2 * Theme::kSmallGap}; }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const QRect room = rect().adjusted(Theme::kSmallGap, 0, -Theme::kSmallGap, 0);
+        painter.setPen(font().bold() ? Theme::warning() : Theme::text());
+        painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+                         fontMetrics().elidedText(text(), Qt::ElideRight, room.width()));
+        if (hasFocus()) Theme::drawFocus(painter, QRectF(rect()));
+    }
+};
+
 StatusLine::StatusLine(Desk desk, QWidget* parent)
     : QWidget(parent),
       desk_(desk),
-      status_(new QToolButton(this)),
+      status_(new StatusButton(this)),
       export_(field(this)),
       loading_(field(this)),
       source_(field(this)),
@@ -51,10 +76,6 @@ void StatusLine::build()
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(6, 2, 10, 2);
     line->setSpacing(12);
-    status_->setAutoRaise(true);
-    status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    status_->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    status_->setStyleSheet(QStringLiteral("text-align: left; padding-left: 4px; border: none;"));
     cancel_->setAutoRaise(true);
     cancel_->setText(QStringLiteral("✕"));
     line->addWidget(status_, 1);
@@ -63,7 +84,7 @@ void StatusLine::build()
     line->addWidget(loading_);
     line->addWidget(source_);
     line->addWidget(size_);
-    connect(status_, &QToolButton::clicked, this, &StatusLine::showLog);
+    connect(status_, &QAbstractButton::clicked, this, &StatusLine::showLog);
     connect(cancel_, &QToolButton::clicked, this, [this] {
         desk_.model.exporter.stop();
         showWork();
@@ -102,6 +123,7 @@ void StatusLine::showStatus()
     font.setBold(failed);
     status_->setFont(font);
     status_->setText(shown);
+    status_->update();
     status_->setAccessibleName(shown);
 }
 

@@ -13,6 +13,8 @@ class QToolButton;
 
 namespace tamlo::ui {
 
+class StatusButton;
+
 class StatusLine : public QWidget {
 public:
     explicit StatusLine(Desk desk, QWidget* parent = nullptr);
@@ -30,7 +32,7 @@ private:
     void watchWork();
 
     Desk desk_;
-    QToolButton* status_;
+    StatusButton* status_;
     QLabel *export_, *loading_, *source_, *size_;
     QToolButton* cancel_;
     std::deque<QString> log_; ///< the newest last
