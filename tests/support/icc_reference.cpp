@@ -31,16 +31,18 @@ std::vector<std::uint8_t> wideScreenProfile()
 
 std::array<double, 3> onWideScreen(const std::array<int, 3>& rgb)
 {
-    cmsHPROFILE from = cmsCreate_sRGBProfile(), to = wideScreen();
-    cmsHTRANSFORM transform =
-        cmsCreateTransform(from, TYPE_RGB_DBL, to, TYPE_RGB_DBL, INTENT_RELATIVE_COLORIMETRIC,
-                           cmsFLAGS_NOCACHE | cmsFLAGS_NOOPTIMIZE | cmsFLAGS_BLACKPOINTCOMPENSATION);
+    static const cmsHTRANSFORM transform = [] {
+        cmsHPROFILE from = cmsCreate_sRGBProfile(), to = wideScreen();
+        cmsHTRANSFORM made =
+            cmsCreateTransform(from, TYPE_RGB_DBL, to, TYPE_RGB_DBL, INTENT_RELATIVE_COLORIMETRIC,
+                               cmsFLAGS_NOCACHE | cmsFLAGS_NOOPTIMIZE | cmsFLAGS_BLACKPOINTCOMPENSATION);
+        cmsCloseProfile(from);
+        cmsCloseProfile(to);
+        return made;
+    }();
     const double in[3] = {rgb[0] / 255.0, rgb[1] / 255.0, rgb[2] / 255.0};
     double out[3] = {};
     cmsDoTransform(transform, in, out, 1);
-    cmsDeleteTransform(transform);
-    cmsCloseProfile(from);
-    cmsCloseProfile(to);
     return {out[0] * 255, out[1] * 255, out[2] * 255};
 }
 

@@ -3,84 +3,14 @@
 #include "core/image/resample.h"
 #include "core/io/srgb_encode.h"
 #include "tests/shell/session.h"
-#include "tests/support/icc_reference.h"
-#include "tests/support/test_seams.h"
-#include "tests/support/x_root.h"
-#include "tests/ui/window_application.h"
+#include "tests/ui/canvas_pictures.h"
 #include "ui/canvas/canvas_link.h"
-#include "ui/canvas/display_color.h"
 
-#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
-#include <cmath>
-#include <random>
-
 namespace tamlo::ui {
 namespace {
-
-using Image = PictureView::Image;
-
-template <typename F>
-Image pictureOf(std::int64_t width, std::int64_t height, F&& rgb)
-{
-    ReadyImage image{width, height, {}, ReadyImage::Alpha::skip};
-    for (std::int64_t y = 0; y < height; ++y)
-        for (std::int64_t x = 0; x < width; ++x) {
-            const std::array<int, 3> c = rgb(x, y);
-            for (const int v : {c[0], c[1], c[2], 255}) image.rgba.push_back(static_cast<std::uint8_t>(v));
-        }
-    return std::make_shared<const ReadyImage>(std::move(image));
-}
-
-Image noise(std::int64_t width, std::int64_t height)
-{
-    std::mt19937 random(7);
-    return pictureOf(width, height, [&](auto, auto) {
-        const auto bits = random();
-        return std::array{int(bits & 255), int(bits >> 8 & 255), int(bits >> 16 & 255)};
-    });
-}
-
-Image grey(std::int64_t width, std::int64_t height, int value)
-{
-    return pictureOf(width, height, [value](auto, auto) { return std::array{value, value, value}; });
-}
-
-std::array<int, 3> pixel(const ReadyImage& image, std::int64_t x, std::int64_t y)
-{
-    const std::uint8_t* at = image.rgba.data() + (y * image.width + x) * 4;
-    return {at[0], at[1], at[2]};
-}
-
-int worstDifference(QRgb a, const std::array<int, 3>& b)
-{
-    return std::max({std::abs(qRed(a) - b[0]), std::abs(qGreen(a) - b[1]), std::abs(qBlue(a) - b[2])});
-}
-
-void settle(PictureView& view)
-{
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view.isExact(); }, 20'000));
-}
-
-QImage shot(PictureView& view)
-{
-    return view.grab().toImage().convertToFormat(QImage::Format_RGB32);
-}
-
-/// Zoom of a view at which its picture's long side takes so many pixels.
-double zoomFor(const PictureView& view, double longPx)
-{
-    const QSizeF fit = view.fitSize();
-    return longPx / view.devicePixelRatioF() / std::max(fit.width(), fit.height());
-}
-
-/// The picture's corner in pixels of the screen.
-QPoint cornerOf(const PictureView& view)
-{
-    return (view.pictureRect().topLeft() * view.devicePixelRatioF()).toPoint();
-}
 
 class Canvas : public WindowTest {};
 
@@ -252,72 +182,6 @@ TEST_F(Canvas, ForgetsTheTilesThatWereUsedLongestAgo)
     EXPECT_TRUE(cache.find(key(1)).isNull());
     EXPECT_FALSE(cache.find(key(0)).isNull());
     EXPECT_EQ(cache.bytes(), 10 * tile.sizeInBytes());
-}
-
-/// A picture of patches, and that all of them stand on screen as the colour engine says.
-void expectWideColors(PictureView& view, const Image& patches)
-{
-    view.setPicture(patches);
-    view.setView(zoomFor(view, double(patches->width)), {});
-    settle(view);
-    const QImage screen = shot(view);
-    const QPoint corner = cornerOf(view);
-    for (std::int64_t y = 0; y < patches->height; y += 3)
-        for (std::int64_t x = 0; x < patches->width; x += 3) {
-            const auto expected = test::onWideScreen(pixel(*patches, x, y));
-            const QRgb seen = screen.pixel(corner + QPoint(int(x), int(y)));
-            ASSERT_NEAR(qRed(seen), expected[0], 2);
-            ASSERT_NEAR(qGreen(seen), expected[1], 2);
-            ASSERT_NEAR(qBlue(seen), expected[2], 2);
-        }
-}
-
-TEST_F(Canvas, AChosenProfileIsAppliedAndARefusedOneIsNot)
-{
-    const test::ScratchFolder folder;
-    const auto write = [&](const char* name, const auto& bytes) {
-        QFile file(QString::fromStdString((folder / name).string()));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(reinterpret_cast<const char*>(bytes.data()), qint64(bytes.size()));
-        return file.fileName();
-    };
-    const QString wide = write("wide.icc", test::wideScreenProfile());
-    const QString broken = write("broken.icc", std::string("no profile"));
-    test::MapPreferences preferences;
-    DisplayColor color(preferences);
-    PictureView view;
-    view.resize(300, 300);
-    view.setDisplayColor(&color);
-    const Image patches = noise(120, 90);
-    view.setPicture(patches);
-    settle(view);
-    EXPECT_FALSE(color.choose(view.screen(), {DisplayColor::Source::file, broken}));
-    EXPECT_EQ(color.choice(view.screen()).source, DisplayColor::Source::system);
-    EXPECT_TRUE(color.choose(view.screen(), {DisplayColor::Source::file, wide}));
-    expectWideColors(view, patches);
-    EXPECT_TRUE(color.choose(view.screen(), {DisplayColor::Source::sRGB, {}}));
-    settle(view);
-    const QPoint corner = cornerOf(view);
-    EXPECT_EQ(worstDifference(shot(view).pixel(corner), pixel(*patches, 0, 0)), 0);
-}
-
-TEST_F(Canvas, FollowsTheProfileOfTheServer)
-{
-    if (QGuiApplication::platformName() != QStringLiteral("xcb")) GTEST_SKIP() << "no X server";
-    test::MapPreferences preferences;
-    DisplayColor color(preferences);
-    PictureView view;
-    view.resize(300, 300);
-    view.setDisplayColor(&color);
-    QSignalSpy changes(&color, &DisplayColor::changed);
-    EXPECT_TRUE(color.profileName(view.screen()).isEmpty());
-    test::setRootProfile(test::wideScreenProfile());
-    ASSERT_TRUE(changes.wait());
-    EXPECT_FALSE(color.profileName(view.screen()).isEmpty());
-    expectWideColors(view, noise(120, 90));
-    test::setRootProfile({});
-    ASSERT_TRUE(changes.wait());
-    EXPECT_EQ(color.of(view.screen()).serial, 0u);
 }
 
 class CanvasOfASession : public test::SessionTest {
