@@ -3,6 +3,7 @@
 #include "bench/bench_picture.h"
 #include "bench/unit_e.h"
 
+#include "core/film/print/black_and_white.h"
 #include "core/process/crt/tube_tone.h"
 #include "core/process/press/repro.h"
 #include "core/process/raster/raster.h"
@@ -68,6 +69,23 @@ void threePlates(benchmark::State& state)
     });
 }
 
+/// What three plates can't cost less than: the silver chain three times, each with the same weights.
+void silverChains(benchmark::State& state)
+{
+    DevelopedFilm film;
+    film.film = ProfileStore::shared().film("three_plates_1909");
+    const Size size = sizeOf(state);
+    RenderOptions options;
+    options.grainMult = 0.0;
+    const RGBImage picture = benchPicture(size.width, size.height);
+    inE(state, kSamples, [&] {
+        for (int plate = 0; plate < 3; ++plate)
+            benchmark::DoNotOptimize(
+                Film::bwNegativeDb(picture, film, options, 101'000.0 / static_cast<double>(size.width)));
+    });
+}
+
+BENCHMARK(silverChains)->Arg(2)->Arg(24)->UseManualTime()->Iterations(2)->Unit(benchmark::kMillisecond);
 BENCHMARK(threePlates)->Arg(2)->Arg(24)->UseManualTime()->Iterations(2)->Unit(benchmark::kMillisecond);
 
 void rebate(benchmark::State& state)

@@ -1,8 +1,11 @@
-// tier_table PHOTO...: how alike the three tiers of a print look, for docs/math/tiers.md. Each photograph is
-// printed on six films and two slides from its proxy, from a tier as large as a screen and from everything
-// there is, as the develop screen does; each print is reduced to 1,024 pixels and compared with the last.
+// tier_table [--sheets] PHOTO...: how alike the three tiers of a print look, for docs/math/tiers.md. Each
+// photograph is printed on six films and two slides from its proxy, from a tier as large as a screen and from
+// everything there is, as the develop screen does; each print is reduced to 1,024 pixels and compared with
+// the last.
 //   without grain: the 95th percentile of the colour difference (CIEDE2000) over all pixels
 //   with grain:    its mean over the means of 8 x 8 pixels, since each size has its own grains
+// With --sheets: sheets of the press and of the hand without the film's grain, the mean over the means of
+// 8 x 8 pixels, since a proxy draws no dots that a file has.
 // Status: 0 when no figure is above 1, else 1.
 #include "app/preview/render_process.h"
 #include "app/preview/source_decode.h"
@@ -19,6 +22,7 @@
 #include <filesystem>
 #include <numbers>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tamlo {
@@ -36,6 +40,12 @@ constexpr Choice kChoices[] = {{"portra400", "color_ra4"},     {"gold200", "colo
                                {"cinestill800t", "color_ra4"}, {"trix400", "bw_neutral"},
                                {"hp5", "bw_fb_warm"},          {"delta3200", "bw_neutral"},
                                {"velvia50", "cibachrome"},     {"provia100f", "projector"}};
+
+constexpr Choice kSheets[] = {{"portra400", "inkjet_plain"},  {"portra400", "inkjet_photo"},
+                              {"portra400", "offset_coated"}, {"portra400", "offset_newsprint"},
+                              {"portra400", "offset_book"},   {"trix400", "platinum"},
+                              {"trix400", "albumen"},         {"trix400", "bromoil"},
+                              {"trix400", "carbon"},          {"portra400", "gum_tricolor"}};
 
 /// CIE L*a*b* of display-linear sRGB under D65.
 Vec3d labOf(const float* rgb)
@@ -158,16 +168,37 @@ std::array<RGBImage, 3> prints(const Photo& photo, const RenderChoices& choices)
     return out;
 }
 
-/// A line of the table; whether all its figures hold.
-bool compare(const Photo& photo, const Choice& choice)
+RenderChoices choicesFor(const Choice& choice)
 {
-    const ProfileStore& store = ProfileStore::shared();
     ProcessSettings process = ProcessSettings::fresh();
     process.stock = choice.film;
     process.paper = choice.paper;
     process.lens = "modern_clean";
-    RenderChoices choices = choicesOf(process, store);
+    RenderChoices choices = choicesOf(process, ProfileStore::shared());
     choices.options.seed = 1;
+    return choices;
+}
+
+/// A line of the table of sheets; whether both its figures hold.
+bool compareSheets(const Photo& photo, const Choice& choice)
+{
+    RenderChoices choices = choicesFor(choice);
+    choices.options.grainMult = 0.0;
+    choices.options.coat = "none";
+    std::array<RGBImage, 3> tiers = prints(photo, choices);
+    for (RGBImage& tier : tiers) tier = blockMeans(tier);
+    const double proxy = mean(differences(tiers[0], tiers[2]));
+    const double screen = mean(differences(tiers[1], tiers[2]));
+    std::printf("| %s | %s | %s | %.2f | %.2f |\n", choice.film, choice.paper, photo.name.c_str(), proxy,
+                screen);
+    std::fflush(stdout);
+    return proxy <= kMost && screen <= kMost;
+}
+
+/// A line of the table; whether all its figures hold.
+bool compare(const Photo& photo, const Choice& choice)
+{
+    RenderChoices choices = choicesFor(choice);
     std::array<double, 4> figures{};
     for (const bool grain : {false, true}) {
         choices.options.grainMult = grain ? 1.0 : 0.0;
@@ -191,18 +222,28 @@ bool compare(const Photo& photo, const Choice& choice)
 int main(int argc, char** argv)
 {
     using namespace tamlo;
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: tier_table PHOTO...\n");
+    const bool sheets = argc > 1 && std::string_view(argv[1]) == "--sheets";
+    const int first = sheets ? 2 : 1;
+    if (argc <= first) {
+        std::fprintf(stderr, "usage: tier_table [--sheets] PHOTO...\n");
         return 2;
     }
     try {
-        std::printf("| film | paper | photograph | proxy, p95 without grain | screen, p95 without grain | "
-                    "proxy, mean "
-                    "with grain | screen, mean with grain |\n|---|---|---|---|---|---|---|\n");
+        if (sheets)
+            std::printf(
+                "| film | paper | photograph | proxy, mean | screen, mean |\n|---|---|---|---|---|\n");
+        else
+            std::printf(
+                "| film | paper | photograph | proxy, p95 without grain | screen, p95 without grain | "
+                "proxy, mean "
+                "with grain | screen, mean with grain |\n|---|---|---|---|---|---|---|\n");
         bool holds = true;
-        for (int i = 1; i < argc; ++i) {
+        for (int i = first; i < argc; ++i) {
             const Photo photo = photoOf(argv[i]);
-            for (const Choice& choice : kChoices) holds = compare(photo, choice) && holds;
+            if (sheets)
+                for (const Choice& choice : kSheets) holds = compareSheets(photo, choice) && holds;
+            else
+                for (const Choice& choice : kChoices) holds = compare(photo, choice) && holds;
         }
         return holds ? 0 : 1;
     } catch (const std::exception& error) {
