@@ -7,6 +7,7 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <new>
 
 namespace tamlo::platform {
 namespace {
@@ -63,7 +64,7 @@ PageLetters::PageLetters() : letters_({CarriedFonts::dejaVuSansMono()}, kLetterE
     const auto destroy = [](void* data) { delete static_cast<DrawnFace*>(data); };
     if (cairo_font_face_set_user_data(face_, &key, drawn.get(), destroy) != CAIRO_STATUS_SUCCESS) {
         cairo_font_face_destroy(face_);
-        throw PlatformError("Cairo could not take a face: no memory");
+        throw std::bad_alloc();
     }
     drawn.release();
 }
