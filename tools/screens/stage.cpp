@@ -14,7 +14,8 @@
 namespace tamlo::screens {
 
 Stage::Stage(QSize size)
-    : application_(Application::Mode::service, {loop_, ProfileStore::shared(), questions_, clipboard_}, "screens")
+    : application_(Application::Mode::service, {loop_, ProfileStore::shared(), questions_, clipboard_},
+                   "screens")
 {
     ui::Theme::apply(*qApp);
     window_ = std::make_unique<ui::MainWindow>(application_, questions_);
