@@ -289,7 +289,7 @@ TEST_F(EditsTest, EveryKnobHasItsNameAndOneOptionOnly)
             EXPECT_TRUE(keys.insert(diffs[0].key).second) << row.key;
         }
     }
-    EXPECT_EQ(keys.size(), 76u);
+    EXPECT_EQ(keys.size(), 78u);
 }
 
 TEST_F(EditsTest, DiscsOfASoftFocusLensHaveNames)
