@@ -117,6 +117,12 @@ std::string instantMood(const RenderOptions& options)
     return out;
 }
 
+/// There is nothing to mount.
+bool hasNoSheet(const RackVisibility& rack)
+{
+    return rack.paper && !rack.paper->hasSheet() && !rack.film.isInstant();
+}
+
 void describe(RackCard& card, const RackVisibility& rack)
 {
     const bool isInstant = rack.film.isInstant(), isPlate = rack.film.isCollodion();
@@ -130,12 +136,14 @@ void describe(RackCard& card, const RackVisibility& rack)
             card.caption = T(isPlate ? "print.asIs" : "print.slideAsIs");
         if (rack.gradedNote()) card.note = T("rack.grade.graded.help");
     }
-    if (card.block == PresetBlock::finish && rack.paper && !rack.paper->hasSheet() && !isInstant)
+    if (card.block == PresetBlock::finish && hasNoSheet(rack))
         card.note = T(rack.paper->repro == "crt" ? "finish.noScreen.note" : "print.filmIsPaper");
 }
 
+/// The lights of the source are the frame's own, and in no preset; they stand with the source all the same.
 bool holdsKey(PresetBlock block, std::string_view key)
 {
+    if (key == "src_lights") return block == PresetBlock::source;
     return std::ranges::find(PresetSchema::keys(block), key) != PresetSchema::keys(block).end();
 }
 
@@ -170,7 +178,7 @@ std::vector<RackCard> rackCards(const RackVisibility& rack)
     for (const PresetBlock block : PresetSchema::order()) {
         RackCard card{.block = block, .title = T(std::string(PresetSchema::titleKey(block)))};
         for (const Knob& knob : knobTable())
-            if (holdsKey(block, knob.option))
+            if (holdsKey(block, knob.option) && !(block == PresetBlock::finish && hasNoSheet(rack)))
                 if (auto one = standing(knob, rack, choices)) card.knobs.push_back(std::move(*one));
         describe(card, rack);
         out.push_back(std::move(card));

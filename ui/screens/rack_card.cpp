@@ -2,6 +2,7 @@
 
 #include "app/project/process_rules.h"
 #include "app/shell/app_model.h"
+#include "core/io/image_loader.h"
 #include "ui/kit/kit_button.h"
 #include "ui/kit/kit_row.h"
 #include "ui/kit/kit_shelf.h"
@@ -216,6 +217,8 @@ void RackCardView::showKnobs(const RackCard& card, const RackTexts::View& view)
     for (const RackKnob& one : card.knobs) {
         const std::string_view option = one.knob->option;
         if ((hasDiscs && isGlow(option)) || (hasHint && option == "stop")) continue;
+        const FrameRef frame = view.model.selection.currentFrame();
+        if (option == "src_lights" && frame && ImageLoader::isRAW(frame->url)) continue; // nothing is clipped
         if (option == "wb_mode" && RackTexts::choices(one, view).size() < 2) continue;
         standing.insert(option);
         RackControl*& control = controls_[std::string(option)];
