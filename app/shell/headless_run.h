@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <optional>
 #include <string>
 
 namespace tamlo {

@@ -1,4 +1,5 @@
-// Contact sheets: the geometry that a sheet must keep, what is drawn where, and files that are the same twice.
+// Contact sheets: the geometry that a sheet must keep, what is drawn where, and files that are the same
+// twice.
 #include "app/export/sheet_file.h"
 #include "core/image/tamlo_error.h"
 #include "core/io/contact_sheet.h"
@@ -74,7 +75,7 @@ TEST_F(SheetTest, LayoutFollowsFromTheColumns)
     const struct {
         int cols, rows;
         double cw;
-    } cases[] = {{1, 1, 535},     {2, 2, 264},     {3, 3, 521.0 / 3},
+    } cases[] = {{1, 1, 535},       {2, 2, 264},       {3, 3, 521.0 / 3},
                  {6, 7, 500.0 / 6}, {0, 7, 500.0 / 6}, {7, 7, 500.0 / 6}};
     for (const auto& one : cases) {
         const Layout layout = SheetExporter::layout(one.cols);
@@ -119,9 +120,8 @@ TEST_F(SheetTest, APageShowsTilesAndMarks)
     project.frames.edit(2).exportedAt = Date{1};
     const SheetPlan sheet = plan(project, 6, false, kNoon);
     const FrameID last = project.frames[2].id;
-    const ReadyImage page = pageImage(sheet, 1, 10, [&](const Frame& frame) {
-        return frame.id == last ? nullptr : green(frame);
-    });
+    const ReadyImage page = pageImage(
+        sheet, 1, 10, [&](const Frame& frame) { return frame.id == last ? nullptr : green(frame); });
     ASSERT_EQ(page.width, 5950);
     ASSERT_EQ(page.height, 8420);
     const double cw = sheet.layout.cw, left = 30, top = 64, second = left + cw + 7, third = second + cw + 7;
@@ -176,8 +176,10 @@ TEST_F(SheetTest, FilesAreTheSameTwiceAndWholeOrNotThere)
     for (const char* name : {"s.pdf", "s.png", "s.jpg", "s.html"}) {
         Order order{plan(project, 6, false, kNoon), folder / name, std::nullopt, "Tamlo"};
         std::vector<std::size_t> pages;
-        EXPECT_TRUE(writeSheet(order, green, {[&](std::size_t page, std::size_t) { pages.push_back(page); }, {}}));
-        EXPECT_EQ(pages.size(), fs::path(name).extension() == ".pdf" || order.url.extension() == ".html" ? 2u : 1u);
+        EXPECT_TRUE(
+            writeSheet(order, green, {[&](std::size_t page, std::size_t) { pages.push_back(page); }, {}}));
+        EXPECT_EQ(pages.size(),
+                  fs::path(name).extension() == ".pdf" || order.url.extension() == ".html" ? 2u : 1u);
         const std::string bytes = readFile(order.url);
         order.url = folder / (std::string("again") + name);
         EXPECT_TRUE(writeSheet(order, green, {}));
