@@ -75,16 +75,11 @@ private:
     }
 
     /// Names of frames whose cell had to stay empty.
-    std::vector<std::string> empty()
+    std::vector<std::string> empty() const
     {
         std::vector<std::string> names;
-        const SheetPlan plan = this->plan();
-        const auto [first, last] =
-            arguments_.page ? plan.cellsOf(*arguments_.page) : std::pair(std::size_t{0}, plan.cells.size());
-        for (std::size_t i = first; i < last; ++i)
-            if (look_.views.tiles().sheetTile(plan.cells[i].frame->id).state !=
-                FrameViews::SheetTile::State::ready)
-                names.push_back(plan.cells[i].frame->fileName());
+        for (const FrameID& id : look_.model.sheets.emptyCells())
+            if (const FrameRef frame = look_.model.project().frame(id)) names.push_back(frame->fileName());
         return names;
     }
 

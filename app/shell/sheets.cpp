@@ -127,24 +127,29 @@ void Sheets::draw(SheetPlan plan, Readers readers)
             if (!alive.expired() && isExportingSheet()) began(page, total);
         });
     };
-    const auto tileOf = [readers = std::move(readers)](const Frame& frame) {
-        const auto found = readers.find(frame.id);
-        return found == readers.end() ? nullptr : found->second();
-    };
     background_.run(
-        [order = std::move(order), events, tileOf, roll = model_.project().frames]() -> Drawn {
+        [order = std::move(order), events, readers = std::move(readers),
+         roll = model_.project().frames]() -> Drawn {
+            Drawn drawn;
+            const auto tileOf = [&](const Frame& frame) {
+                const auto found = readers.find(frame.id);
+                const auto tile = found == readers.end() ? nullptr : found->second();
+                if (!tile) drawn.empty.push_back(frame.id);
+                return tile;
+            };
             try {
                 if (Photographs(roll).contains(order.url))
-                    return {End::failed, T("export.overPhotograph", {{"file", order.url.string()}})};
-                bool written = false;
-                platform::runIn(platform::WorkArena::background,
-                                [&] { written = SheetExporter::writeSheet(order, tileOf, events); });
-                return {written ? End::written : End::cancelled, ""};
+                    throw TamloError::io(T("export.overPhotograph", {{"file", order.url.string()}}));
+                platform::runIn(platform::WorkArena::background, [&] {
+                    drawn.end =
+                        SheetExporter::writeSheet(order, tileOf, events) ? End::written : End::cancelled;
+                });
             } catch (const TamloError& error) {
-                return {End::failed, ErrorWords::of(error)};
+                drawn.problem = ErrorWords::of(error);
             } catch (const std::exception&) {
-                return {}; // a library, or no memory
+                // A library failed, or there is no memory.
             }
+            return drawn;
         },
         [this, pages](const Drawn& drawn) { ended(drawn, pages); });
 }
@@ -159,6 +164,7 @@ void Sheets::began(std::size_t page, std::size_t pages)
 void Sheets::ended(const Drawn& drawn, std::size_t pages)
 {
     const Path url = task_->url;
+    empty_ = drawn.empty;
     if (drawn.end == End::written) {
         const std::size_t written = task_->choices.page ? 1 : pages;
         model_.tell(

@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace tamlo {
 
@@ -69,6 +70,8 @@ public:
     const std::string& exportProgress() const { return progress_; }
     /// Of the pages, 0 to 1.
     double fraction() const { return fraction_; }
+    /// Frames of the last sheet for which there was no tile.
+    const std::vector<FrameID>& emptyCells() const { return empty_; }
 
 private:
     struct Task {
@@ -84,6 +87,7 @@ private:
     struct Drawn {
         End end = End::failed;
         std::string problem; ///< what kept it from being written
+        std::vector<FrameID> empty;
     };
 
     void proceed();
@@ -98,6 +102,7 @@ private:
     std::optional<Task> task_;
     std::string progress_;
     double fraction_ = 0;
+    std::vector<FrameID> empty_;
     platform::Timer retry_;
     std::shared_ptr<std::atomic<bool>> cancels_ = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

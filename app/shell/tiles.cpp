@@ -317,6 +317,7 @@ void Tiles::persist(const FrameID& id, const std::string& key, Image image, Rast
 {
     if (!mayPersist(id)) return;
     waiting_.push_back({id, key, std::move(image), raster});
+    unwritten_.insert(key);
     flushTimer_ = previews_.loop.after(kFlushSeconds, [this] { flush(false); });
 }
 
@@ -332,7 +333,9 @@ FrameViews::SheetTile Tiles::sheetTile(const FrameID& id) const
         shown != shown_.end() && shown->second == *key && !(stub != stubs_.end() && stub->second);
     const Image inMemory = isShown ? tile(id) : nullptr;
     const bool isOnDisk = mayPersist(id) && previews_.thumbs.has(*key);
-    if (!inMemory && !isOnDisk) return {pending_.contains(id) ? State::coming : State::none, {}};
+    // What is kept is waited for: read back it is the same in every sheet, which the print itself is not.
+    if (!isOnDisk && (!inMemory || unwritten_.contains(*key)))
+        return {pending_.contains(id) || inMemory ? State::coming : State::none, {}};
     return {State::ready, [&thumbs = previews_.thumbs, key = *key, inMemory, isOnDisk]() -> Image {
                 auto read = isOnDisk ? thumbs.read(key, Raster::p) : std::nullopt;
                 return read ? std::make_shared<const ReadyImage>(std::move(read->image)) : inMemory;
@@ -354,7 +357,7 @@ void Tiles::flush(bool wait)
                 thumbs.store(tile.key, *tile.image, tile.raster);
                 return 0;
             },
-            [](int) {});
+            [this, key = tile.key](int) { unwritten_.erase(key); });
         earlier = tile.key;
     }
     if (wait) writer_.drain();

@@ -126,6 +126,7 @@ private:
     std::deque<FrameID> sourceQueue_;
     std::deque<Print> prints_; ///< of the develop screen, the newest last
     std::vector<Waiting> waiting_;
+    std::set<std::string> unwritten_; ///< keys of tiles on their way to the disk
     platform::Timer flushTimer_;
     Background disk_;   ///< reads and reduces
     Background writer_; ///< last but for its queue's end: joined before the rest goes

@@ -1,4 +1,5 @@
 // The session's export: what it tells, asks and notes while files are written elsewhere.
+#include "platform/encoded_image.h"
 #include "tests/shell/session.h"
 
 namespace tamlo::test {
@@ -63,6 +64,58 @@ TEST_F(ExporterTest, WritesNotesAndTells)
     for (const Frame& frame : roll()) model_.linker.setFileState(frame.id, FileState::offline);
     EXPECT_FALSE(model_.exporter.startExport(draft(), out()));
     EXPECT_EQ(model_.status(), "Nothing to export: 3 frames have no original");
+}
+
+TEST_F(ExporterTest, TellsDesktopAndObservers)
+{
+    std::size_t told = 0;
+    const Subscription hears = model_.subscribe({Concern::exporting}, [&](const ChangeSet&) { ++told; });
+    ExportDraft asked = draft();
+    asked.reveal = true;
+    std::optional<ExportReport> ended;
+    EXPECT_TRUE(
+        model_.exporter.startExport(asked, out(), [&](const ExportReport& report) { ended = report; }));
+    settle([&] { return ended.has_value(); });
+    loop_.runPosted();
+    EXPECT_GE(told, 2u);
+    ASSERT_FALSE(desktop_.progress.empty());
+    EXPECT_EQ(desktop_.progress.front(), 0.0);
+    EXPECT_EQ(desktop_.progress.back(), std::nullopt);
+    EXPECT_EQ(desktop_.notices.size(), 1u);
+    EXPECT_EQ(desktop_.revealed, std::vector<fs::path>{out()});
+}
+
+TEST_F(ExporterTest, SizesAreThoseOfTheFiles)
+{
+    model_.amendProject([](Project& project) {
+        project.frames.edit(0).orient.rot = 1;
+        project.frames.edit(0).crop = Crop{0.1, 0.2, 0.5, 0.3, 0};
+        ProcessSettings framed = ProcessSettings::fresh();
+        framed.options.border = 0.05;
+        project.frames.edit(1).process = framed;
+        project.frames.edit(2).process = ProcessSettings::fresh();
+        project.frames.edit(2).crop = Crop{0.1, 0.2, 0.5, 0.6, 2};
+    });
+    ExportDraft asked = draft();
+    asked.scale = 0.5;
+    asked.social = true;
+    std::optional<ExportReport> ended;
+    model_.exporter.startExport(asked, out(), [&](const ExportReport& report) { ended = report; });
+    settle([&] { return ended.has_value(); });
+    ASSERT_EQ(ended->outcome.written.size(), 3u) << model_.status();
+    for (const ExportedFrame& one : ended->outcome.written) {
+        const platform::EncodedImage file = platform::readEncodedHead(one.file.string());
+        EXPECT_EQ(model_.exporter.outputSize(0.5, *one.frame), (Size{file.width, file.height})) << one.file;
+        const auto social = model_.exporter.socialSize(1080, *one.frame);
+        EXPECT_EQ(social.has_value(), one.frame->process.operator bool());
+        if (!social) continue;
+        const platform::EncodedImage copy =
+            platform::readEncodedHead(ExportNaming::socialPath(one.file).string());
+        EXPECT_EQ(social, (Size{copy.width, copy.height}));
+    }
+    Frame lost = roll()[1];
+    lost.url = "/nowhere.jpg";
+    EXPECT_FALSE(model_.exporter.outputSize(1, lost));
 }
 
 TEST_F(ExporterTest, AsksWhereAFileStands)

@@ -73,8 +73,9 @@ protected:
     MapPreferences preferences_;
     ProjectRegistry registry_{userFolder_.path()};
     Size sourceSize_{6000, 4000};
+    RecordingDesktop desktop_;
     AppModel model_{{loop_, store_, questions_, views_, clipboard_, volumes_, preferences_, &registry_,
-                     [this](const Frame&) { return std::optional(sourceSize_); }}};
+                     [this](const Frame&) { return std::optional(sourceSize_); }, &desktop_}};
 };
 
 } // namespace tamlo::test

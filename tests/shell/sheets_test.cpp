@@ -54,7 +54,6 @@ protected:
     }
 
     TileViews tiles_;
-    RecordingDesktop desktop_;
     std::optional<Sheets::End> end_;
     AppModel model_{{loop_, store_, questions_, tiles_, clipboard_, volumes_, preferences_, &registry_,
                      [](const Frame&) { return std::nullopt; }, &desktop_}};
@@ -138,6 +137,7 @@ TEST_F(SheetsTest, FaultsAreToldAndPhotographsStay)
     EXPECT_TRUE(begin());
     finish();
     EXPECT_EQ(end_, Sheets::End::written) << "damaged tiles leave their cells empty";
+    EXPECT_EQ(model_.sheets.emptyCells().size(), 4u);
     const fs::path no = userFolder_ / "no" / "x.pdf";
     EXPECT_TRUE(model_.sheets.exportSheet(no, {}, [this](Sheets::End end) { end_ = end; }));
     end_.reset();
