@@ -102,20 +102,13 @@ TEST_F(SessionCommandTest, RollsArePickedUpAndPutDownInOneSession)
 {
     ASSERT_EQ(session({"mark 1 reject"}).status, 0);
     ASSERT_EQ(session({"mark 1 pick"}).status, 0); // leaves a copy of the one before
-    const RunResult done = session({"new second 'photos/a.jpg'",
-                                    "new roll",
-                                    "backups --json",
-                                    "recent",
-                                    "open 1",
-                                    "mark-targets reject",
-                                    "preview 1 -o seen.png --tier proxy --fit 800x600",
-                                    "knob film=trix400",
-                                    "export 1 --to . --type png --scale 0.25",
-                                    "export 1 --to . --resume",
-                                    "open roll.tamlo",
-                                    "stats"});
+    const RunResult done = session(
+        {"new second 'photos/a.jpg'", "new roll", "backups --json", "recent", "open 1", "mark-targets reject",
+         "preview 1 -o seen.png --tier proxy --fit 800x600", "knob film=trix400",
+         "export 1 --to . --type png --scale 0.25", "export 1 --to . --resume", "open roll.tamlo", "stats"});
     EXPECT_EQ(done.status, 2) << done.err;
-    EXPECT_EQ(done.messages().size(), 3u) << "a roll that is there, the report, an option of the batch: " << done.err;
+    EXPECT_EQ(done.messages().size(), 3u)
+        << "a roll that is there, the report, an option of the batch: " << done.err;
     EXPECT_TRUE(fs::exists(scratch_ / "second.tamlo") && fs::exists(scratch_ / "seen.png"));
     EXPECT_TRUE(fs::exists(scratch_ / "a_tamlo.png")) << done.out;
     const Json stats = Json::parse(done.out.substr(done.out.rfind("{\"")));
