@@ -173,6 +173,48 @@ void editOfAll(benchmark::State& state)
 }
 BENCHMARK(editOfAll)->Arg(0)->Arg(1)->ArgName("observed")->Unit(benchmark::kMillisecond)->Iterations(20);
 
+/// A knob is dragged on one frame of the roll while everything is observed: 1,000 events a gesture.
+void dragOfAKnob(benchmark::State& state)
+{
+    constexpr int kEvents = 1000;
+    Session session;
+    session.model.saver.adopt(roll());
+    session.model.selection.openFrame(session.model.project().frames[7].id);
+    std::size_t told = 0;
+    const Subscription subscription =
+        session.model.subscribe(ConcernSet::all(), [&](const ChangeSet&) { ++told; });
+    ProcessSettings settings = session.model.rack.rackSettings();
+    std::size_t gestures = 0;
+    for (auto _ : state) {
+        session.model.endGesture();
+        ++gestures;
+        for (int i = 0; i < kEvents; ++i) {
+            settings.options.grade = 0.001 * (i + 1) + 1e-6 * static_cast<double>(gestures);
+            session.model.rack.setRackSettings(settings);
+            session.loop.advance(0.01);
+        }
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(gestures) * kEvents);
+    state.counters["steps_a_gesture"] =
+        static_cast<double>(session.model.history().undoStack().size()) / static_cast<double>(gestures);
+    benchmark::DoNotOptimize(told);
+}
+BENCHMARK(dragOfAKnob)->Unit(benchmark::kMillisecond)->Iterations(10);
+
+/// The whole history is walked back and forth at one click in its list.
+void throughTheWholeHistory(benchmark::State& state)
+{
+    Session session;
+    session.model.saver.adopt(roll());
+    for (unsigned i = 0; i < 200; ++i)
+        session.model.marks.setMark(session.model.project().frames[i].id, Mark::selected);
+    for (auto _ : state) {
+        session.model.undoTo(0);
+        session.model.undoTo(200);
+    }
+}
+BENCHMARK(throughTheWholeHistory)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 /// The roll is turned round while a list on screen follows it.
 void reverseObserved(benchmark::State& state)
 {

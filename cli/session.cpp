@@ -25,6 +25,12 @@ using Words = std::vector<std::string>;
 constexpr const char* kConcerns[] = {"document", "roll",   "selection", "frame", "tiles", "status",
                                      "files",    "export", "lists",     "crop",  "ab"};
 
+/// A new roll is named in its line, and the list of rolls is nobody's.
+bool namesNoOpenRoll(const std::string& verb)
+{
+    return verb == "new" || verb == "recent";
+}
+
 /// A verb of `tamlo project` from a line without ROLL. Errors: UsageError.
 ProjectCommand projectCommand(const Words& words, const std::filesystem::path& roll)
 {
@@ -32,7 +38,8 @@ ProjectCommand projectCommand(const Words& words, const std::filesystem::path& r
     ProjectCommand command;
     describeProject(app, command);
     Words reversed(words.rbegin(), words.rend() - 1);
-    reversed.insert(reversed.end(), {roll.string(), words[0], "project"});
+    if (!namesNoOpenRoll(words[0])) reversed.push_back(roll.string());
+    reversed.insert(reversed.end(), {words[0], "project"});
     try {
         app.parse(std::move(reversed)); // takes them from the back
     } catch (const CLI::ParseError& error) {
@@ -54,9 +61,11 @@ int runWords(LiveSession& session, const Words& words, std::ostream& results)
 {
     if (runScreenVerb(session, words, results)) return 0;
     if (isProjectVerb(words[0])) {
-        if (session.roll().empty()) throw UsageError(T("cli.session.needsRoll"));
-        if (const auto status = runOn(session, projectCommand(words, session.roll()), results))
-            return *status;
+        if (session.roll().empty() && !namesNoOpenRoll(words[0]))
+            throw UsageError(T("cli.session.needsRoll"));
+        const ProjectCommand command = projectCommand(words, session.roll());
+        if (const auto status = runInSession(session, command, results)) return *status;
+        if (const auto status = runOn(session, command, results)) return *status;
     }
     throw UsageError(
         T("cli.session.noVerb", {{"verb", words[0]}, {"list", joined(screenVerbs(), T("common.and"))}}));

@@ -4,6 +4,7 @@
 #include "app/shell/history_rows.h"
 #include "cli/interrupted.h"
 #include "cli/project_settings.h"
+#include "cli/session_words.h"
 #include "cli/usage_error.h"
 #include "core/profiles/catalogue/profile_store.h"
 #include "core/profiles/formats/json_codec.h"
@@ -20,51 +21,12 @@
 namespace tamlo::cli {
 namespace {
 
-using Words = std::vector<std::string>;
+using Words = SessionWords;
 constexpr Size kUsualFit{1600, 1000};
-
-UsageError badLine(const Words& words)
-{
-    std::string line;
-    for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
-    return UsageError(T("cli.session.badLine", {{"line", line}, {"verb", words[0]}}));
-}
-
-double numberAt(const Words& words, std::size_t at)
-{
-    double number = 0;
-    if (at >= words.size()) throw badLine(words);
-    const char* end = words[at].data() + words[at].size();
-    const auto [stop, error] = std::from_chars(words[at].data(), end, number);
-    if (error != std::errc() || stop != end) throw badLine(words);
-    return number;
-}
-
-int countAt(const Words& words, std::size_t at)
-{
-    constexpr double kMost = 1'000'000;
-    if (at >= words.size()) return 1;
-    const double n = numberAt(words, at);
-    if (!(std::abs(n) <= kMost) || n != static_cast<int>(n)) throw badLine(words);
-    return static_cast<int>(n);
-}
-
-template <typename Value>
-Value wordAt(const Words& words, std::size_t at, const std::map<std::string, Value>& known)
-{
-    const auto found = at < words.size() ? known.find(words[at]) : known.end();
-    if (found == known.end()) throw badLine(words);
-    return found->second;
-}
 
 bool isOnDevelop(LiveSession& session)
 {
     return session.model().selection.screen() == Screen::develop;
-}
-
-void needDevelop(LiveSession& session)
-{
-    if (!isOnDevelop(session)) throw UsageError(T("cli.session.needsFrame"));
 }
 
 void open(LiveSession& session, const Words& words, std::ostream&)
@@ -84,15 +46,8 @@ void wait(LiveSession& session, const Words& words, std::ostream& results)
     }
     if (tier != "proxy" && tier != "screen" && tier != "master") throw badLine(words);
     needDevelop(session);
-    FrameScreen& screen = session.views().screen();
-    const auto isThere = [&] {
-        if (!screen.image()) return false;
-        if (tier == "proxy") return true;
-        return screen.detailLong() >=
-               (tier == "screen" ? screen.neededDetailLong() : screen.fullDetailLong());
-    };
-    session.waitUntil([&] { return isThere() || !screen.isBusy(); });
-    if (!screen.image()) throw std::runtime_error(T("cli.session.noPicture"));
+    session.waitForTier(tier);
+    const FrameScreen& screen = session.views().screen();
     results << screen.image()->width << 'x' << screen.image()->height << " " << screen.info() << '\n';
 }
 
@@ -248,12 +203,11 @@ void stats(LiveSession& session, const Words&, std::ostream& results)
     results << out.dump() << '\n';
 }
 
-using Verb = void (*)(LiveSession&, const Words&, std::ostream&);
-const std::map<std::string, Verb, std::less<>> kVerbs{
-    {"open", open},     {"wait", wait},       {"undo", undo},       {"redo", undo},      {"ab", ab},
-    {"knob", knob},     {"end", endGesture},  {"crop-begin", crop}, {"crop-drag", crop}, {"crop-end", crop},
-    {"zoom", zoom},     {"pan", pan},         {"select", select},   {"step", step},      {"grid", grid},
-    {"filter", filter}, {"history", history}, {"save", saveNow},    {"stats", stats}};
+const SessionVerbs kVerbs{{"open", open},       {"wait", wait},     {"undo", undo},      {"redo", undo},
+                          {"ab", ab},           {"knob", knob},     {"end", endGesture}, {"crop-begin", crop},
+                          {"crop-drag", crop},  {"crop-end", crop}, {"zoom", zoom},      {"pan", pan},
+                          {"select", select},   {"step", step},     {"grid", grid},      {"filter", filter},
+                          {"history", history}, {"save", saveNow},  {"stats", stats}};
 
 } // namespace
 
@@ -309,18 +263,72 @@ void LiveSession::saveNow()
     if (problem) throw std::runtime_error(*problem);
 }
 
+bool LiveSession::waitForTier(const std::string& tier)
+{
+    const FrameScreen& screen = views().screen();
+    const auto isThere = [&] {
+        if (!screen.image()) return false;
+        if (tier == "proxy") return true;
+        return screen.detailLong() >=
+               (tier == "screen" ? screen.neededDetailLong() : screen.fullDetailLong());
+    };
+    waitUntil([&] { return isThere() || !screen.isBusy(); });
+    if (!screen.image()) throw std::runtime_error(T("cli.session.noPicture"));
+    return isThere();
+}
+
+void LiveSession::setFit(const std::string& text)
+{
+    constexpr int kLongest = 65'536;
+    const auto cross = text.find('x');
+    const auto side = [&](const std::string& digits) {
+        const bool isNumber =
+            !digits.empty() && digits.size() < 6 && digits.find_first_not_of("0123456789") == digits.npos;
+        const int n = isNumber ? std::stoi(digits) : 0;
+        if (n < 1 || n > kLongest) throw UsageError(T("cli.project.badFit", {{"text", text}}));
+        return n;
+    };
+    const int width = side(text.substr(0, cross));
+    const int height = side(cross == text.npos ? "" : text.substr(cross + 1));
+    views().screen().setFit({width, height}, 1);
+    const ScreenSize room{static_cast<double>(width), static_cast<double>(height)};
+    model().zoom.setFit(room, room, 1);
+}
+
+void LiveSession::newRoll(const Path& named, const std::function<void()>& begin)
+{
+    const Path path = rollPath(named);
+    std::error_code ignored;
+    if (std::filesystem::exists(std::filesystem::symlink_status(path, ignored)))
+        throw UsageError(T("cli.project.exists", {{"file", named.string()}}));
+    if (!roll_.empty()) saveNow();
+    const Path before = std::exchange(roll_, path);
+    try {
+        begin();
+    } catch (...) {
+        if (model().projectURL() != std::optional(path)) roll_ = before; // it never began
+        throw;
+    }
+    saveNow();
+}
+
 bool runScreenVerb(LiveSession& session, const Words& words, std::ostream& results)
 {
-    const auto verb = kVerbs.find(words[0]);
-    if (verb == kVerbs.end()) return false;
-    verb->second(session, words, results);
-    return true;
+    for (const SessionVerbs* verbs : {&kVerbs, &editVerbs(), &catalogueVerbs()}) {
+        const auto verb = verbs->find(words[0]);
+        if (verb == verbs->end()) continue;
+        verb->second(session, words, results);
+        return true;
+    }
+    return false;
 }
 
 std::vector<std::string> screenVerbs()
 {
     std::vector<std::string> out;
-    for (const auto& [name, verb] : kVerbs) out.push_back(name);
+    for (const SessionVerbs* verbs : {&kVerbs, &editVerbs(), &catalogueVerbs()})
+        for (const auto& [name, verb] : *verbs) out.push_back(name);
+    std::ranges::sort(out);
     return out;
 }
 

@@ -218,6 +218,7 @@ PresetInfo infoOf(const std::string& id, const PresetDocument& document, const C
     return {.id = id,
             .title = document.name(),
             .summary = summaryOf(document, lists),
+            .name = document.nameRu(),
             .blocks = document.blocks(),
             .builtin = document.builtin,
             .group = unlessEmpty(document.group()),

@@ -3,9 +3,9 @@
 #include "app/shell/app_model.h"
 #include "app/shell/loaded_profiles.h"
 #include "core/pipeline/render_size.h"
-#include "core/profiles/options/film_format.h"
 #include "core/text/loc.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tamlo {
@@ -15,6 +15,11 @@ namespace {
 ProcessSettings settingsOf(const Frame& frame)
 {
     return frame.process ? *frame.process : ProcessSettings::fresh();
+}
+
+std::string ratioTitle(double ratio, bool portrait)
+{
+    return CropAspectKind::of(ratio).title(portrait);
 }
 
 } // namespace
@@ -124,7 +129,8 @@ void Cropping::setTakesPart(bool takesPart)
     if (model_.selection.screen() == Screen::develop) model_.seams().views.renderCurrent(kRenderDelaySeconds);
 }
 
-std::optional<double> Cropping::cropFormatAspect(const Frame& frame) const
+/// None for instant film, whose card decides, and where the film can't be loaded.
+std::optional<Formats::FormatName> Cropping::formatName(const Frame& frame) const
 {
     const ProcessSettings settings = settingsOf(frame);
     const std::optional<FilmProfile> film = filmOf(settings, model_.store());
@@ -133,8 +139,13 @@ std::optional<double> Cropping::cropFormatAspect(const Frame& frame) const
     const std::string format(rawText(Formats::resolvedFormat(*film, options)));
     OptText size = options.frameSize;
     if (!size) size = Formats::legacyFrameSize(format, Formats::frameCm120(*film, options));
-    const Formats::FormatName name = Formats::normalizeFormat(format, size);
-    return Formats::formatAspect(name.format, name.size);
+    return Formats::normalizeFormat(format, size);
+}
+
+std::optional<double> Cropping::cropFormatAspect(const Frame& frame) const
+{
+    const auto name = formatName(frame);
+    return name ? Formats::formatAspect(name->format, name->size) : std::nullopt;
 }
 
 std::optional<double> Cropping::cropCardWindowAspect(const Frame& frame) const
@@ -142,6 +153,40 @@ std::optional<double> Cropping::cropCardWindowAspect(const Frame& frame) const
     const ProcessSettings settings = settingsOf(frame);
     const std::optional<FilmProfile> film = filmOf(settings, model_.store());
     return film ? Pipeline::cardAspect(*film, settings.options) : std::nullopt;
+}
+
+std::string Cropping::frameWindowLabel(const Frame& frame) const
+{
+    if (const auto card = cropCardWindowAspect(frame))
+        return T("crop.cardWindow", {{"film", model_.lists.filmTitle(settingsOf(frame).stock)},
+                                     {"ratio", ratioTitle(*card, false)}});
+    const auto name = formatName(frame);
+    if (!name) return {};
+    const auto size = model_.seams().sourceSize ? model_.seams().sourceSize(frame) : std::nullopt;
+    const Formats::GateMm gate = Formats::formatGateMm(name->format, name->size, size.value_or(Size{3, 2}));
+    return T("crop.window", {{"title", T("frameSize." + name->size.value_or("custom"))},
+                             {"long", gate.longMm},
+                             {"short", gate.shortMm}});
+}
+
+std::string Cropping::windowLabel() const
+{
+    const FrameRef frame = draft_ ? model_.project().frame(frame_) : nullptr;
+    if (!frame) return {};
+    const std::string window = frameWindowLabel(*frame);
+    if (window.empty() || draft_->value() || cropCardWindowAspect(*frame)) return window;
+    const RectPx& rect = draft_->rect();
+    const CropAspectKind kind = draft_->matchedAspect(draft_->candidates(), rect);
+    double ratio = std::max(rect.w, rect.h) / std::min(rect.w, rect.h);
+    if (kind.kind == CropAspectKind::Kind::ratio) ratio = kind.ratio;
+    if (kind.kind == CropAspectKind::Kind::format) ratio = draft_->picture().formatAspect.value_or(ratio);
+    return T("crop.whole", {{"window", window}, {"ratio", ratioTitle(ratio, draft_->isPortrait())}});
+}
+
+std::optional<std::string> Cropping::formatHint(const Frame& frame) const
+{
+    if (cropFormatAspect(frame) || cropCardWindowAspect(frame)) return std::nullopt;
+    return T("crop.customSize");
 }
 
 } // namespace tamlo

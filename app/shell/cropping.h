@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/shell/crop_draft.h"
+#include "core/profiles/options/film_format.h"
 
 #include <functional>
 #include <optional>
@@ -56,7 +57,19 @@ public:
     /// Of the picture on an instant card.
     std::optional<double> cropCardWindowAspect(const Frame& frame) const;
 
+    // What stands beside the rectangle, in the language in force.
+
+    /// The film's window over a frame: the name of its size and its millimetres, or the card of an instant
+    /// film. Empty where the film can't be loaded.
+    std::string frameWindowLabel(const Frame& frame) const;
+    /// The same for the crop being made; while nothing is cut, also that this is all, and its ratio.
+    std::string windowLabel() const;
+    /// Why the ratio of the format is not offered for a frame; none where it is.
+    std::optional<std::string> formatHint(const Frame& frame) const;
+
 private:
+    std::optional<Formats::FormatName> formatName(const Frame& frame) const;
+
     AppModel& model_;
     std::optional<CropDraft> draft_;
     FrameID frame_; ///< whose it is

@@ -130,7 +130,8 @@ std::optional<std::string> Lists::apertureHint(const std::string& lens) const
 const PresetInfo* Lists::presetTitled(const std::string& title) const
 {
     const auto& infos = all().presetInfos;
-    const auto found = std::ranges::find(infos, title, &PresetInfo::title);
+    const auto found = std::ranges::find_if(
+        infos, [&](const PresetInfo& info) { return info.title == title || info.name == title; });
     return found == infos.end() ? nullptr : &*found;
 }
 

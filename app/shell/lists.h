@@ -45,6 +45,7 @@ struct AltProcess {
 
 struct PresetInfo {
     std::string id, title, summary;
+    std::string name; ///< as a process remembers it, whatever the language
     PresetSchema::Blocks blocks;
     bool builtin = false;
     std::optional<std::string> group, groupEn;
@@ -110,6 +111,7 @@ public:
     bool lensHasDistortion(const std::string& lens) const;
     /// What stands in place of the aperture knob; none where the knob does.
     std::optional<std::string> apertureHint(const std::string& lens) const;
+    /// By its title, or by the name that a process remembers of it; null for none.
     const PresetInfo* presetTitled(const std::string& title) const;
 
 private:

@@ -19,7 +19,7 @@ std::string blocksTail(const PresetSchema::Blocks& blocks)
 
 std::size_t Presets::apply(const std::vector<FrameID>& ids, const Preset& preset, const std::string& name)
 {
-    const std::string title = preset.name.empty() ? name : preset.name;
+    const std::string title = preset.name.empty() ? name : Loc::pick(preset.name, preset.nameEn);
     const std::size_t changed =
         model_
             .editFrames(

@@ -98,6 +98,72 @@ TEST_F(SessionCommandTest, ALineThatFailsIsToldAndTheNextGoesOn)
     EXPECT_EQ(tamlo({"session", "none"}).status, 2);
 }
 
+TEST_F(SessionCommandTest, RollsArePickedUpAndPutDownInOneSession)
+{
+    ASSERT_EQ(session({"mark 1 reject"}).status, 0);
+    ASSERT_EQ(session({"mark 1 pick"}).status, 0); // leaves a copy of the one before
+    const RunResult done = session(
+        {"new second 'photos/a.jpg'", "new roll", "backups --json", "recent", "open 1", "mark-targets reject",
+         "preview 1 -o seen.png --tier proxy --fit 800x600", "knob film=trix400",
+         "export 1 --to . --type png --scale 0.25", "export 1 --to . --resume", "open roll.tamlo", "stats"});
+    EXPECT_EQ(done.status, 2) << done.err;
+    EXPECT_EQ(done.messages().size(), 3u)
+        << "a roll that is there, the report, an option of the batch: " << done.err;
+    EXPECT_TRUE(fs::exists(scratch_ / "second.tamlo") && fs::exists(scratch_ / "seen.png"));
+    EXPECT_TRUE(fs::exists(scratch_ / "a_tamlo.png")) << done.out;
+    const Json stats = Json::parse(done.out.substr(done.out.rfind("{\"")));
+    EXPECT_EQ(stats["frames"], 3);
+    const Json second = Json::parse(tamlo({"project", "show", "second", "--json"}).out)["frames"];
+    EXPECT_EQ(second[0]["mark"], "rejected") << "saved when it was left";
+    const Json copies = Json::parse(tamlo({"project", "backups", "roll", "--json"}).out);
+    ASSERT_FALSE(copies.empty());
+    const std::string stamp = copies.back()["stamp"];
+    const RunResult back = session({"restore " + stamp + " -o older", "stats"});
+    EXPECT_EQ(back.status, 0) << back.err;
+    EXPECT_TRUE(fs::exists(scratch_ / "older.tamlo"));
+}
+
+TEST_F(SessionCommandTest, RecipesAndProfilesAreWorkedOnLineByLine)
+{
+    const RunResult done = session({"open 1",
+                                    "wait proxy",
+                                    "preset-apply tintype film,develop",
+                                    "preset-save 'My Look'",
+                                    "knob push=1",
+                                    "end",
+                                    "preset-save 'My Look' copy",
+                                    "preset-update my_look",
+                                    "preset-rename my_look Another name",
+                                    "preset-copy my_look",
+                                    "preset-export my_look out.tpreset",
+                                    "preset-import copy out.tpreset",
+                                    "preset-delete my_look_2",
+                                    "preset-delete tintype",
+                                    "undo",
+                                    "profile-copy films trix400",
+                                    "profile-delete films trix400_copy",
+                                    "profile-restore",
+                                    "profile-delete films trix400",
+                                    "copy-settings print",
+                                    "paste-settings block",
+                                    "peek grade=1",
+                                    "crop-begin",
+                                    "crop-aspect 1:1",
+                                    "crop-tilt 3",
+                                    "crop-frame max",
+                                    "crop-end",
+                                    "undo-to 1",
+                                    "select-all"});
+    EXPECT_EQ(done.status, 1) << done.err;
+    EXPECT_EQ(done.messages().size(), 1u) << "a profile of the program stays: " << done.err;
+    const fs::path presets = scratch_ / "user" / "presets";
+    for (const char* name : {"my_look", "my_look_copy", "my_look_2"})
+        EXPECT_EQ(fs::exists(presets / (std::string(name) + ".tpreset")), false) << name << " was undone";
+    EXPECT_TRUE(fs::exists(scratch_ / "out.tpreset"));
+    EXPECT_TRUE(fs::exists(scratch_ / "user" / "profiles" / "films" / "trix400_copy.tprofile"));
+    EXPECT_EQ(frames()[0]["process"]["film"], "collodion_wet");
+}
+
 TEST_F(SessionCommandTest, EventsTellWhatChanged)
 {
     const RunResult done = session({"mark 2 pick", "mark 2 pick", "order reverse"}, true);

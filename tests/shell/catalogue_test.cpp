@@ -225,6 +225,9 @@ TEST_F(CatalogueTest, AHalfBrokenPresetIsToldAndChangesNothing)
     model_.presets.applyPreset("tintype", {PresetBlock::film});
     EXPECT_EQ(model_.selection.currentProcess().stock, "collodion_wet");
     EXPECT_NE(model_.selection.currentProcess().paper, "ferrotype");
+    EXPECT_TRUE(topName().starts_with("Apply Preset “Tintype”")) << topName();
+    EXPECT_EQ(model_.lists.presetTitled(*model_.selection.currentProcess().presetName)->id, "tintype")
+        << "a process remembers a name that is of no language";
     questions_.deleteFromCatalogue = true;
     model_.presetFiles.deletePreset("half");
     EXPECT_FALSE(store_.presetEntry("half")) << "it can be thrown away all the same";

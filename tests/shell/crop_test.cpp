@@ -217,5 +217,36 @@ TEST_F(CropSessionTest, ASessionIsOneStepOrNone)
     EXPECT_FALSE(cropping.cropMode());
 }
 
+TEST_F(CropSessionTest, LabelsTellTheWindowOnTheFilm)
+{
+    open(2);
+    const auto with = [&](const char* film, FilmFormat format, const char* size) {
+        model_.cropping.leaveCropMode();
+        model_.cropping.resetCrops(all());
+        model_.rack.change(all(), [&](ProcessSettings& process) {
+            process.stock = film;
+            process.options.format = format;
+            process.options.frameSize = size;
+        });
+        model_.cropping.resetCrops(all());
+        model_.selection.openFrame(roll()[0].id);
+        model_.cropping.enterCropMode();
+        return model_.cropping.windowLabel();
+    };
+    model_.turns.orient(all(), OrientAction::reset);
+    EXPECT_EQ(with("trix400", FilmFormat::f135, "full"), "The whole frame: Full frame · 36 × 24 mm · 3:2");
+    EXPECT_EQ(model_.cropping.formatHint(roll()[0]), std::nullopt);
+    model_.cropping.change([](CropDraft& draft) { draft.setAspect(Kind::of(1)); });
+    EXPECT_EQ(model_.cropping.windowLabel(), "Full frame · 36 × 24 mm");
+    EXPECT_EQ(with("trix400", FilmFormat::f120, "645"), "The whole frame: 6 × 4.5 · 56 × 41.5 mm · 3:2");
+    with("trix400", FilmFormat::f135, "custom");
+    EXPECT_EQ(model_.cropping.formatHint(roll()[0]),
+              "Frame size is “Custom”: it has no ratio of its own, so the frame is free");
+    EXPECT_FALSE(model_.cropping.draft()->isEnabled(Kind::format()));
+    const std::string card = with("polaroid_sx70", FilmFormat::f135, "full");
+    EXPECT_TRUE(card.starts_with("the card's frame · ")) << card;
+    EXPECT_EQ(with("gone", FilmFormat::f135, "full"), "");
+}
+
 } // namespace
 } // namespace tamlo::test

@@ -151,6 +151,33 @@ TEST_F(SaverTest, TheLastProjectOpensUnlessItCannot)
     EXPECT_EQ(preferences_.text("lastProject"), std::nullopt);
 }
 
+TEST_F(SaverTest, TwoSessionsNeverWriteOverEachOther)
+{
+    open(3);
+    EXPECT_EQ(save(file_), "");
+    AppModel other{{loop_, store_, questions_, views_, clipboard_, volumes_, preferences_, &registry_, {}}};
+    EXPECT_FALSE(other.saver.open(file_));
+    EXPECT_TRUE(other.lastActionFailed());
+    EXPECT_NE(other.status().find("The project is open in another program"), std::string::npos)
+        << other.status();
+    ASSERT_TRUE(other.saver.open(file_, Saver::Access::read)) << "to look at it is allowed";
+    EXPECT_EQ(other.project().frames.size(), 3u);
+    other.marks.assign({other.project().frames[0].id}, Mark::rejected);
+    model_.marks.assign(ids({0}), Mark::selected);
+    EXPECT_EQ(save(file_), "");
+    std::optional<std::string> problem;
+    bool ended = false;
+    other.saver.saveProject(file_, [&](std::optional<std::string> why) {
+        problem = why;
+        ended = true;
+    });
+    settle([&] { return ended; });
+    EXPECT_TRUE(problem.has_value()) << "the one that reads can't write it";
+    model_.saver.adopt(Project::untitled()); // the first lets go
+    ASSERT_TRUE(other.saver.open(file_));
+    EXPECT_EQ(other.project().frames[0].mark, Mark::selected);
+}
+
 TEST_F(SaverTest, AFailureKeepsTheFileAndTheWork)
 {
     open(3);
