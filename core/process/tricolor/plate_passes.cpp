@@ -25,14 +25,72 @@ void positiveRun(float* values, std::size_t count, const PlatePositiveParams& p)
     });
 }
 
+/// Weights of the four taps, as catmullRom gives them.
+template <class D, class V>
+HWY_INLINE void tapWeights(D d, V t, V* w)
+{
+    const auto c = [&](float v) HWY_ATTR { return hn::Set(d, v); };
+    const V t2 = hn::Mul(t, t), t3 = hn::Mul(t2, t), half = hn::Mul(c(0.5f), t);
+    w[0] = hn::Sub(hn::Add(hn::Mul(c(-0.5f), t3), t2), half);
+    w[1] = hn::Add(hn::Sub(hn::Mul(c(1.5f), t3), hn::Mul(c(2.5f), t2)), c(1.0f));
+    w[2] = hn::Add(hn::Add(hn::Mul(c(-1.5f), t3), hn::Mul(c(2.0f), t2)), half);
+    w[3] = hn::Sub(hn::Mul(c(0.5f), t3), hn::Mul(c(0.5f), t2));
+}
+
+/// One row of a plate read at (x + dx, y + dy), each sample as readBicubic reads it. The plate has fewer than
+/// 2^31 samples.
+void sampleRun(float* out, const Plane& plate, std::int64_t y, const float* dx, const float* dy)
+{
+    const hn::ScalableTag<float> d;
+    const hn::RebindToSigned<decltype(d)> di;
+    using V = hn::Vec<decltype(d)>;
+    using VI = hn::Vec<decltype(di)>;
+    const auto lastX = static_cast<std::int32_t>(plate.width - 1),
+               lastY = static_cast<std::int32_t>(plate.height - 1);
+    const V before = hn::Set(d, -4.0f);
+    // Where a read begins, and its weights along an axis.
+    const auto tap = [&](V at, std::int32_t last, V* weights) HWY_ATTR {
+        const V most = hn::Set(d, static_cast<float>(last) + 4.0f);
+        const V held = hn::IfThenElse(hn::Gt(at, before), hn::Min(at, most), before);
+        const V below = hn::Floor(held);
+        tapWeights(d, hn::Sub(held, below), weights);
+        return hn::Sub(hn::ConvertTo(di, below), hn::Set(di, 1));
+    };
+    const auto index = [&](VI first, std::int32_t i, std::int32_t last) HWY_ATTR {
+        return hn::Clamp(hn::Add(first, hn::Set(di, i)), hn::Zero(di), hn::Set(di, last));
+    };
+    eachRun(d, out, static_cast<std::size_t>(plate.width), [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const V x = hn::ConvertTo(d, hn::Iota(di, static_cast<std::int32_t>(i)));
+        V across[4], down[4];
+        const VI column = tap(hn::Add(x, loadRun(d, dx + i, n)), lastX, across);
+        const VI row = tap(hn::Add(hn::Set(d, static_cast<float>(y)), loadRun(d, dy + i, n)), lastY, down);
+        const VI columns[4] = {index(column, 0, lastX), index(column, 1, lastX), index(column, 2, lastX),
+                               index(column, 3, lastX)};
+        V sums[4] = {hn::Zero(d), hn::Zero(d), hn::Zero(d), hn::Zero(d)};
+        for (std::int32_t j = 0; j < 4; ++j) {
+            const VI line = hn::Mul(index(row, j, lastY), hn::Set(di, lastX + 1));
+            for (std::size_t k = 0; k < 4; ++k) {
+                const V sample = hn::GatherIndex(d, plate.row(0), hn::Add(line, columns[k]));
+                sums[k] = hn::Add(sums[k], hn::Mul(down[j], sample));
+            }
+        }
+        for (std::size_t k = 0; k < 4; ++k) sums[k] = hn::Mul(sums[k], across[k]);
+        return hn::Add(hn::Add(sums[0], sums[1]), hn::Add(sums[2], sums[3]));
+    });
+}
+
 } // namespace HWY_NAMESPACE
 } // namespace tamlo
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+#include <limits>
+#include <vector>
+
 namespace tamlo {
 
 HWY_EXPORT(positiveRun);
+HWY_EXPORT(sampleRun);
 
 void plate_positive(Plane& density, const PlatePositiveParams& params)
 {
@@ -67,8 +125,16 @@ void plate_sample(RGBImage& out, int c, const Plane& plate, const Tricolor::Regi
             return;
         }
         Tricolor::RegistrationField::Rows offsets(*field);
+        const bool isCounted = plate.count() < std::numeric_limits<std::int32_t>::max();
+        std::vector<float> line(static_cast<std::size_t>(isCounted ? width : 0));
         for (std::int64_t y = start; y < end; ++y) {
             const auto [dx, dy] = offsets.row(y);
+            if (isCounted) {
+                HWY_DYNAMIC_DISPATCH(sampleRun)(line.data(), plate, y, dx, dy);
+                for (std::int64_t x = 0; x < width; ++x)
+                    to[(y * width + x) * 3] = line[static_cast<std::size_t>(x)];
+                continue;
+            }
             for (std::int64_t x = 0; x < width; ++x)
                 to[(y * width + x) * 3] =
                     readBicubic(plate, static_cast<float>(x) + dx[x], static_cast<float>(y) + dy[x]);

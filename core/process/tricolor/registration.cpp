@@ -3,6 +3,7 @@
 #include "core/image/gaussian.h"
 #include "core/image/interpolation.h"
 #include "core/process/noise/noise_fields.h"
+#include "core/process/noise/noise_passes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -102,7 +103,10 @@ RegistrationField::Octave RegistrationField::octave(const RegPlan& plan, std::si
     out.nodes = Plane(gw, gh);
     float* to = out.nodes.mutableData();
     for (std::int64_t y = 0; y < gh; ++y) std::copy_n(padded.row(y + kPadNodes) + kPadNodes, gw, to + y * gw);
-    out.columns = taps(size.width, gw);
+    for (const Tap& tap : taps(size.width, gw)) {
+        out.columns.push_back(tap.first);
+        out.shares.push_back(tap.fraction);
+    }
     out.rows = taps(size.height, gh);
     out.gain = static_cast<float>(plan.warpAmp * kOctaves[index]);
     out.alongX = alongX;
@@ -133,6 +137,7 @@ std::optional<RegistrationField> RegistrationField::of(const RegPlan& plan, std:
 
 RegistrationField::Rows::Rows(const RegistrationField& field)
     : field_(field),
+      line_(static_cast<std::size_t>(field.size_.width)),
       dx_(static_cast<std::size_t>(field.size_.width)),
       dy_(static_cast<std::size_t>(field.size_.width))
 {}
@@ -151,15 +156,15 @@ std::pair<const float*, const float*> RegistrationField::Rows::row(std::int64_t 
     for (const Octave& octave : field_.octaves_) {
         const Tap down = octave.rows[static_cast<std::size_t>(y)];
         const float *above = octave.nodes.row(down.first), *below = octave.nodes.row(down.second);
-        nodes_.resize(static_cast<std::size_t>(octave.nodes.width));
-        for (std::size_t i = 0; i < nodes_.size(); ++i)
+        const auto count = static_cast<std::size_t>(octave.nodes.width);
+        nodes_.resize(count + 1 + kNodesBeyond);
+        for (std::size_t i = 0; i < count; ++i)
             nodes_[i] = octave.gain * lerp(above[i], below[i], down.fraction);
-        std::vector<float>& to = octave.alongX ? dx_ : dy_;
-        for (std::size_t x = 0; x < to.size(); ++x) {
-            const Tap across = octave.columns[x];
-            to[x] += lerp(nodes_[static_cast<std::size_t>(across.first)],
-                          nodes_[static_cast<std::size_t>(across.second)], across.fraction);
-        }
+        nodes_[count] = nodes_[count - 1]; // the last node goes on
+        lattice_row(line_.data(), nodes_.data(), octave.columns.data(), octave.shares.data(), width);
+        float* to = (octave.alongX ? dx_ : dy_).data();
+        const float* line = line_.data();
+        for (std::int64_t x = 0; x < width; ++x) to[x] += line[x];
     }
     return {dx_.data(), dy_.data()};
 }

@@ -60,7 +60,7 @@ public:
 
     private:
         const RegistrationField& field_;
-        std::vector<float> nodes_, dx_, dy_;
+        std::vector<float> nodes_, line_, dx_, dy_;
     };
 
 private:
@@ -71,7 +71,9 @@ private:
     /// A warp of one octave along one axis of the displacement, pixels at unit deviation.
     struct Octave {
         Plane nodes;
-        std::vector<Tap> columns, rows;
+        std::vector<std::int32_t> columns; ///< left node of each pixel column
+        std::vector<float> shares;         ///< and the right one's share
+        std::vector<Tap> rows;
         float gain = 0.0f;
         bool alongX = false;
     };
