@@ -32,8 +32,11 @@ public:
 
     int run()
     {
+        // No grid is looked at: tiles that stand are not read into memory, those that are missing are made.
+        look_.views.tiles().setShowsGrid(false);
         look_.views.tiles().setShowsOriginals(arguments_.originals);
         look_.open(rollPath(arguments_.roll));
+        look_.views.tiles().setShowsGrid(true);
         check();
         const Subscription hears =
             look_.model.subscribe({Concern::exporting}, [this](const ChangeSet&) { tellProgress(); });
