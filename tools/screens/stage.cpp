@@ -14,7 +14,8 @@
 namespace tamlo::screens {
 
 Stage::Stage(QSize size)
-    : application_(Application::Mode::service, {loop_, ProfileStore::shared(), questions_, clipboard_}, "screens")
+    : application_(Application::Mode::service, {loop_, ProfileStore::shared(), questions_, clipboard_},
+                   "screens")
 {
     ui::Theme::apply(*qApp);
     window_ = std::make_unique<ui::MainWindow>(application_, questions_);
@@ -51,8 +52,7 @@ void Stage::settle(double mostSeconds)
 void Stage::add(const std::vector<std::string>& paths)
 {
     window_->take(paths);
-    QTest::qWaitFor([&] { return !model().project().frames.empty(); }, 30'000);
-    settle(120);
+    if (QTest::qWaitFor([&] { return !model().project().frames.empty(); }, 30'000)) settle(120);
 }
 
 void Stage::key(int key, Qt::KeyboardModifiers modifiers)

@@ -1,5 +1,5 @@
-// Stage: the program's own window over a roll of photographs, led through its states by keys and commands as a
-// hand would lead it, and photographed.
+// Stage: the program's own window over a roll of photographs, led through its states by keys and commands as
+// a hand would lead it, and photographed.
 #pragma once
 
 #include "app/shell/application.h"
