@@ -38,7 +38,8 @@ Application::Application(Mode mode, Surroundings around, std::string build)
                        : std::make_unique<platform::FilePreferences>()),
       registry_(mode == Mode::service ? std::nullopt
                                       : std::make_optional<ProjectRegistry>(platform::userFolder())),
-      views_({around.loop, around.store, registry_ ? &*registry_ : nullptr, ProxyCache::defaultFolder(), std::move(build)}),
+      views_({around.loop, around.store, registry_ ? &*registry_ : nullptr, ProxyCache::defaultFolder(),
+              std::move(build)}),
       model_({around.loop, around.store, around.questions, views_, around.clipboard, volumes_, *preferences_,
               registry_ ? &*registry_ : nullptr, sourceSize}),
       graphics_(around.loop)

@@ -1,7 +1,7 @@
-// Application: a session with pictures, from its start to its end: the model, what it stands on, and the order
-// in which things begin and are put away. Who answers its questions and keeps what is copied stands around it: a
-// window, or the stand-ins of a program without one. In service mode it opens, remembers and writes no project,
-// registry or preference.
+// Application: a session with pictures, from its start to its end: the model, what it stands on, and the
+// order in which things begin and are put away. Who answers its questions and keeps what is copied stands
+// around it: a window, or the stand-ins of a program without one. In service mode it opens, remembers and
+// writes no project, registry or preference.
 #pragma once
 
 #include "app/shell/app_model.h"

@@ -252,6 +252,7 @@ void PictureView::paintEvent(QPaintEvent* event)
     if (isTwo()) paintNames(painter);
     if (hasFocus()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
+        painter.setBrush(Qt::NoBrush); // the names have left theirs
         painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     }
 }

@@ -41,7 +41,8 @@ public:
 
     platform::Timer add(double seconds, std::optional<double> period, std::function<void()> work)
     {
-        platform::Timer timer = timers_.add(steadySeconds() + std::max(seconds, 0.0), period, std::move(work));
+        platform::Timer timer =
+            timers_.add(steadySeconds() + std::max(seconds, 0.0), period, std::move(work));
         setAlarm();
         return timer;
     }

@@ -1,5 +1,5 @@
-// WindowQuestions: what the session asks, as sheets in the window. Without a window there is nobody to answer,
-// and every question is cancelled.
+// WindowQuestions: what the session asks, as sheets in the window. Without a window there is nobody to
+// answer, and every question is cancelled.
 #pragma once
 
 #include "app/shell/questions.h"

@@ -1,5 +1,5 @@
-// commands: everything that the window can be told to do, in one table. Menus, keys, the palette, the sheet of
-// keys and the names that assistive programs read all come from it.
+// commands: everything that the window can be told to do, in one table. Menus, keys, the palette, the sheet
+// of keys and the names that assistive programs read all come from it.
 #pragma once
 
 #include "ui/screens/desk.h"
@@ -19,11 +19,11 @@ const char* titleKey(MenuOf menu);
 struct Command {
     const char* id; ///< the key of its text
     MenuOf menu;
-    const char* keys;                     ///< portable texts, alternatives parted by a blank
-    bool (*isEnabled)(const Desk&);       ///< null: always
+    const char* keys;               ///< portable texts, alternatives parted by a blank
+    bool (*isEnabled)(const Desk&); ///< null: always
     void (*run)(Desk&);
     bool (*isChecked)(const Desk&) = nullptr; ///< null: not a switch
-    bool beginsGroup = false;             ///< a line stands above it in its menu
+    bool beginsGroup = false;                 ///< a line stands above it in its menu
     bool isInMenu = true;
 };
 

@@ -155,6 +155,7 @@ void ExportDialog::fillSets()
     add("export.set.all", static_cast<int>(ExportSet::all), project.count(ExportSet::all));
     const int at = set_->findData(draft_.setIndex);
     set_->setCurrentIndex(at < 0 ? set_->count() - 1 : at);
+    draft_.setIndex = set_->currentData().toInt(); // a set without frames is not offered
 }
 
 /// Folders that are away are listed too, and tell it; what is chosen stands in front.

@@ -1,5 +1,5 @@
-// frameCell: one frame as the grid and the strip draw it: its tile, its mark, what is wrong with its file, and
-// its caption.
+// frameCell: one frame as the grid and the strip draw it: its tile, its mark, what is wrong with its file,
+// and its caption.
 #pragma once
 
 #include "app/project/file_state.h"

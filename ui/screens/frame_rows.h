@@ -1,4 +1,5 @@
-// FrameRows: the visible frames in their order, as a list on screen wants them: by place, each with its number.
+// FrameRows: the visible frames in their order, as a list on screen wants them: by place, each with its
+// number.
 #pragma once
 
 #include "ui/screens/desk.h"

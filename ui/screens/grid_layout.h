@@ -1,5 +1,5 @@
-// GridLayout: where the cells of the grid stand, by arithmetic alone: as many columns as fit, the room that is
-// left spread between them. All lengths in points of the screen, from the top left of the whole roll.
+// GridLayout: where the cells of the grid stand, by arithmetic alone: as many columns as fit, the room that
+// is left spread between them. All lengths in points of the screen, from the top left of the whole roll.
 #pragma once
 
 #include <QRect>

@@ -1,6 +1,5 @@
 #include "ui/screens/grid_screen.h"
 
-#include "ui/kit/kit_button.h"
 #include "ui/kit/kit_choice.h"
 #include "ui/kit/words.h"
 #include "ui/screens/grid_view.h"
@@ -35,7 +34,7 @@ GridScreen::GridScreen(Desk desk, QWidget* parent)
       orderTitle_(new QLabel(this)),
       order_(new KitChoice(this)),
       reverse_(new QToolButton(this)),
-      originals_(new KitSwitch(this)),
+      originals_(new QCheckBox(this)),
       size_(new QSlider(Qt::Horizontal, this)),
       subscription_(
           desk.model.subscribe({Concern::roll, Concern::document}, [this](const ChangeSet&) { refresh(); }))
@@ -76,7 +75,6 @@ void GridScreen::build()
     reverse_->setAutoRaise(true);
     size_->setRange(GridLayout::kLeastTile, GridLayout::kMostTile);
     size_->setFixedWidth(150);
-    originals_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     lines->addLayout(bar);
     lines->addWidget(view_, 1);
     orderTitle_->setBuddy(order_);

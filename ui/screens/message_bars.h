@@ -1,5 +1,6 @@
-// MessageBars: what the roll as a whole needs to be told of: sources on a volume that is away, lost, or not to be
-// read, each a line with what can be done about it. A line that is put away comes back when there are more.
+// MessageBars: what the roll as a whole needs to be told of: sources on a volume that is away, lost, or not
+// to be read, each a line with what can be done about it. A line that is put away comes back when there are
+// more.
 #pragma once
 
 #include "ui/screens/desk.h"

@@ -1,6 +1,6 @@
 // Sheet: a question that stands in the window, between the menu and the screen, without stopping anything. It
-// is answered by one of its buttons; Escape, and its own end, answer nothing. SheetHost shows one at a time, in
-// the order of asking.
+// is answered by one of its buttons; Escape, and its own end, answer nothing. SheetHost shows one at a time,
+// in the order of asking.
 #pragma once
 
 #include <QFrame>
