@@ -52,8 +52,7 @@ void Stage::settle(double mostSeconds)
 void Stage::add(const std::vector<std::string>& paths)
 {
     window_->take(paths);
-    QTest::qWaitFor([&] { return !model().project().frames.empty(); }, 30'000);
-    settle(120);
+    if (QTest::qWaitFor([&] { return !model().project().frames.empty(); }, 30'000)) settle(120);
 }
 
 void Stage::key(int key, Qt::KeyboardModifiers modifiers)
