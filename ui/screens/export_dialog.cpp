@@ -2,10 +2,10 @@
 
 #include "app/export/export_folders.h"
 #include "app/export/export_plan.h"
+#include "core/pipeline/output_plan.h"
 #include "ui/kit/kit_button.h"
 #include "ui/kit/kit_choice.h"
 #include "ui/kit/words.h"
-#include "ui/screens/print_size.h"
 
 #include <QCheckBox>
 #include <QFile>
@@ -254,6 +254,8 @@ QStringList ExportDialog::warnings(const std::vector<FrameRef>& frames) const
     for (const FrameRef& frame : frames)
         if (!hasOriginal(desk_.model.linker.state(frame->id))) lost.push_back(frame->fileName());
     const std::filesystem::path folder = QFile::encodeName(folder_->currentData().toString()).toStdString();
+    if (!isFolder(folder.string()))
+        return {QStringLiteral("! ") + word("export.noFolder", {{"folder", folder.string()}})};
     if (!folder.empty())
         for (const std::string& name : ExportPlan::exportFileNames(draft_, frames))
             if (ExportNaming::defaultExists(folder / name)) taken.push_back(name);
@@ -271,8 +273,9 @@ void ExportDialog::refresh()
     text_->setVisible(draft_.naming == Mode::custom || draft_.naming == Mode::name);
     socialSize_->setEnabled(draft_.social);
     example_->setText(example(frames));
-    const QString size = frames.empty() ? QString() : printSizeText(desk_, *frames.front(), draft_.scale);
-    size_->setText(size.isEmpty() ? QStringLiteral("—") : size);
+    const std::optional<Size> size =
+        frames.empty() ? std::nullopt : desk_.model.exporter.outputSize(draft_.scale, *frames.front());
+    size_->setText(size ? qt(Pipeline::sizeLabel(*size, T("unit.mp"))) : QStringLiteral("—"));
     const QStringList told = warnings(frames);
     warnings_->setText(told.join(QLatin1Char('\n')));
     warnings_->setVisible(!told.isEmpty());

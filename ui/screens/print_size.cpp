@@ -8,7 +8,7 @@
 
 namespace tamlo::ui {
 
-QString printSizeText(const Desk& desk, const Frame& frame, double scale)
+QString printSizeText(const Desk& desk, const Frame& frame)
 {
     const AppModel& model = desk.model;
     const auto shape = desk.views.loads().shape(frame.id);
@@ -18,7 +18,7 @@ QString printSizeText(const Desk& desk, const Frame& frame, double scale)
                                                       model.project().cropGate, &model.project().frames);
         const RenderChoices choices = choicesOf(process, model.store());
         const Size size = Pipeline::outputSize({shape->fullWidth, shape->fullHeight}, choices.film,
-                                               choices.paper, choices.options, scale);
+                                               choices.paper, choices.options, 1.0);
         return qt(Pipeline::sizeLabel(size, T("unit.mp")));
     } catch (const ProfileError&) {
     } catch (const TamloError&) {

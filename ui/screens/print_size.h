@@ -7,8 +7,8 @@
 
 namespace tamlo::ui {
 
-/// "6545 × 4363 · 28.6 MP"; scale: of the finished size. Empty where the source was not looked at yet, or a
+/// "6545 × 4363 · 28.6 MP". Empty where the source was not looked at yet, or a
 /// profile is not there.
-QString printSizeText(const Desk& desk, const Frame& frame, double scale = 1);
+QString printSizeText(const Desk& desk, const Frame& frame);
 
 } // namespace tamlo::ui
