@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <utility>
+
 namespace tamlo::ui {
 
 struct WindowApplication {
@@ -15,8 +18,20 @@ struct WindowApplication {
         static int count = 1;
         static char name[] = "test";
         static char* names[] = {name, nullptr};
-        static QApplication application(count, names);
+        testing::UnitTest::GetInstance()->listeners().Append(
+            new End(std::make_unique<QApplication>(count, names)));
     }
+
+private:
+    /// The application goes before main returns: what it owns needs statics of its library on the way.
+    class End : public testing::EmptyTestEventListener {
+    public:
+        explicit End(std::unique_ptr<QApplication> application) : application_(std::move(application)) {}
+        void OnTestProgramEnd(const testing::UnitTest&) override { application_.reset(); }
+
+    private:
+        std::unique_ptr<QApplication> application_;
+    };
 };
 
 class WindowTest : public testing::Test {
