@@ -66,10 +66,13 @@ DevelopScreen::DevelopScreen(Desk desk, QWidget* parent)
     rack_->setScreen(&desk_.views.screen());
     rack_->setShelfHost(picture_);
     setFocusProxy(picture_);
+    connect(&rack_->shelf(), &Shelf::peeked, this, &DevelopScreen::peek);
+    connect(&rack_->shelf(), &Shelf::peekEnded, this, [this] { peek(nullptr); });
     subscription_ = desk_.model.subscribe({Concern::frameView, Concern::selection, Concern::tiles,
                                            Concern::roll, Concern::fileStates, Concern::ab, Concern::crop},
                                           [this](const ChangeSet& change) {
                                               if (change.concerns.has(Concern::crop)) showCrop();
+                                              if (change.concerns.has(Concern::selection)) peeked_.reset();
                                               showPicture();
                                           });
     retranslate();
@@ -86,14 +89,17 @@ void DevelopScreen::retranslate()
     picture_->setAccessibleName(word("canvas.name"));
 }
 
-/// The print, or the original; until either is there, the frame's tile as large as it will be.
+/// What a shelf offers, the original or the print; until either is there, the frame's tile as large as it
+/// will be.
 void DevelopScreen::showPicture()
 {
     if (!desk_.isOnDevelop()) return;
     const FrameScreen& screen = desk_.views.screen();
     const auto& cursor = desk_.model.selection.cursor();
     const auto full = static_cast<double>(screen.fullDetailLong());
-    if (showsOriginal_ && screen.original())
+    if (peeked_)
+        link_->show(peeked_, {});
+    else if (showsOriginal_ && screen.original())
         link_->show(screen.original(),
                     grown(*screen.original(), full > 0 ? full / longSide(*screen.original()) : 1));
     else if (screen.image() && screen.detailLong() > 0 && full > 0)
@@ -104,6 +110,12 @@ void DevelopScreen::showPicture()
         link_->show(cursor ? desk_.views.tiles().tile(*cursor) : nullptr, {});
     showSides();
     bar_->refresh();
+}
+
+void DevelopScreen::peek(std::shared_ptr<const ReadyImage> picture)
+{
+    peeked_ = std::move(picture);
+    showPicture();
 }
 
 /// A keeps the place it has without B beside it.

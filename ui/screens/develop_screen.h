@@ -38,6 +38,7 @@ private:
     void retranslate();
     void showPicture();
     void showSides();
+    void peek(std::shared_ptr<const ReadyImage> picture);
     void showCrop();
 
     Desk desk_;
@@ -51,6 +52,7 @@ private:
     CropOverlay* crop_;
     CropPanel* cropPanel_;
     bool showsOriginal_ = false;
+    std::shared_ptr<const ReadyImage> peeked_; ///< what a shelf offers, while its cell is reached
     Subscription subscription_;
 };
 

@@ -239,7 +239,7 @@ void Shelf::peek()
                       const auto* made = std::get_if<KeyedRenderer::Output>(&outcome);
                       if (alive.expired() || !made || !isOpen()) return;
                       isPeeking_ = true;
-                      Q_EMIT peeked(imageOf(made->image));
+                      Q_EMIT peeked(made->image);
                   });
 }
 

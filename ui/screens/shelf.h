@@ -49,7 +49,7 @@ public:
 
 Q_SIGNALS:
     /// The frame as it would be: for the canvas, until peekEnded.
-    void peeked(const QImage& picture);
+    void peeked(const std::shared_ptr<const ReadyImage>& picture);
     void peekEnded();
 
 protected:
