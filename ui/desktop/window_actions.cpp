@@ -6,6 +6,7 @@
 #include "ui/desktop/qt_texts.h"
 #include "ui/kit/words.h"
 #include "ui/screens/about_dialog.h"
+#include "ui/screens/crop_overlay.h"
 #include "ui/screens/develop_screen.h"
 #include "ui/screens/export_dialog.h"
 #include "ui/screens/grid_screen.h"
@@ -84,12 +85,14 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
     if (desk_.isOnDevelop()) desk_.model.selection.backToGrid();
 }
 
-/// Keys that Qt knew no command for, on a layout that is not Latin.
+/// Keys that Qt knew no command for, on a layout that is not Latin. A crop has its own, by their place too.
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress && watched->isWidgetType() && isActiveWindow()) {
         const QWidget* focus = QApplication::focusWidget();
-        const auto key = keyAtPlace(*static_cast<QKeyEvent*>(event));
+        const auto& typed = *static_cast<QKeyEvent*>(event);
+        const bool isOfCrop = desk_.model.cropping.cropMode() && CropOverlay::isSessionKey(typed);
+        const auto key = isOfCrop ? std::nullopt : keyAtPlace(typed);
         if (key && watched == focus && !takesText(focus) && menus_->press(*key)) return true;
     }
     return QMainWindow::eventFilter(watched, event);
