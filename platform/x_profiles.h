@@ -1,5 +1,5 @@
 // Profiles of screens as an X server tells them: properties _ICC_PROFILE, _ICC_PROFILE_1 ... of its root
-// window, one for each head. Source: "ICC Profiles in X Specification" 0.4.
+// window, one for each head. Source: "ICC Profiles in X", version 0.4, of freedesktop.org.
 #pragma once
 
 #include <cstdint>

@@ -27,7 +27,7 @@ bool hasSessionBus()
            (!runtime.isEmpty() && QFileInfo::exists(runtime + QStringLiteral("/bus")));
 }
 
-/// Source: the interface org.freedesktop.Application of the Desktop Entry Specification.
+/// Source: "D-Bus Activation" of the desktop entries of freedesktop.org.
 class SingleInstance::Door : public QDBusVirtualObject {
 public:
     explicit Door(std::function<void(Files)> open) : open_(std::move(open)) {}
